@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QtGlobal>
+#include <string>
+
+namespace kesu::toolvok {
+
+class WaveData;
+
+// One segment of a wave: a value held for a duration. The value is byte text:
+// "0"/"1" on a single signal, hexadecimal digits on a bus, "-1" for don't care
+// and "-2" for high impedance.
+class Pattern
+{
+public:
+    Pattern() = default;
+    Pattern(std::string v, qint32 d) : value(std::move(v)), duration(d) {}
+
+    WaveData* wave = nullptr;   // not owning; set when the segment enters a list
+    std::string value;
+    qint32 duration = 0;
+    bool spare = false;         // kept only so that clipboard copies stay field-for-field equal
+    bool forever = false;       // first segment of the wave's forever tail
+};
+
+namespace Values {
+inline constexpr const char* DontCare = "-1";
+inline constexpr const char* HighZ = "-2";
+inline bool isDontCare(const std::string& v) { return v == DontCare; }
+inline bool isHighZ(const std::string& v) { return v == HighZ; }
+inline bool isSpecial(const std::string& v) { return isDontCare(v) || isHighZ(v); }
+}
+
+// The all-ones time: "no time".
+inline constexpr quint64 NoTime = ~quint64(0);
+
+} // namespace kesu::toolvok

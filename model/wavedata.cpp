@@ -1,0 +1,210 @@
+#include "wavedata.h"
+
+#include <vector>
+
+namespace kesu::toolvok {
+
+namespace {
+// Durations are signed and widened with their sign before being added to the
+// unsigned time axis; unsigned arithmetic keeps the wrap-around well defined.
+inline quint64 advance(quint64 t, qint32 duration)
+{
+    return t + static_cast<quint64>(static_cast<qint64>(duration));
+}
+
+inline qint32 addDurations(qint32 a, qint32 b)
+{
+    return static_cast<qint32>(static_cast<quint32>(a) + static_cast<quint32>(b));
+}
+} // namespace
+
+WaveData::WaveData(const QString& waveName) : name(waveName) {}
+
+WaveData::~WaveData()
+{
+    qDeleteAll(patterns);
+}
+
+Pattern* WaveData::findPattern(quint64 t) const
+{
+    quint64 end = offset;
+    for (Pattern* p : patterns) {
+        const bool beforeStart = t < end;
+        end = advance(end, p->duration);
+        // A boundary belongs to the segment that ends there.
+        if (!beforeStart && t <= end)
+            return p;
+    }
+    return nullptr;
+}
+
+quint64 WaveData::getEndTime() const
+{
+    quint64 end = offset;
+    for (const Pattern* p : patterns)
+        end = advance(end, p->duration);
+    return end;
+}
+
+quint64 WaveData::getPatternStart(const Pattern* p) const
+{
+    quint64 start = offset;
+    for (const Pattern* q : patterns) {
+        if (q == p)
+            return start;
+        start = advance(start, q->duration);
+    }
+    return NoTime;
+}
+
+quint64 WaveData::getNextChange(quint64 t) const
+{
+    // The offset itself is not a change point: a time before it yields the end
+    // of the first segment.
+    quint64 end = offset;
+    for (const Pattern* p : patterns) {
+        end = advance(end, p->duration);
+        if (end > t)
+            return end;
+    }
+    return NoTime;
+}
+
+std::string WaveData::getLastValue() const
+{
+    return patterns.isEmpty() ? std::string(Values::DontCare) : patterns.last()->value;
+}
+
+bool WaveData::addData(Pattern* p)
+{
+    if (p->duration == 0)
+        return false;
+    if (!patterns.isEmpty()) {
+        Pattern* last = patterns.last();
+        // A bus keeps its written segmentation, but don't-care and high
+        // impedance runs always melt together.
+        const bool special = Values::isSpecial(last->value);
+        if (p->value == last->value && (special || !isBus)) {
+            last->duration = addDurations(last->duration, p->duration);
+            return false;
+        }
+    }
+    patterns.append(p);
+    p->wave = this;
+    if (p->forever)
+        foreverIndex = static_cast<qint32>(patterns.size() - 1);
+    return true;
+}
+
+void WaveData::insertData(Pattern* p, Pattern* before)
+{
+    const qsizetype k = before ? patterns.indexOf(before) : -1;
+    if (k < 0) {
+        patterns.append(p);
+    } else {
+        patterns.insert(k, p);
+        if (foreverIndex >= k)
+            ++foreverIndex;
+    }
+    p->wave = this;
+}
+
+void WaveData::insertPattern(Pattern* p, const WaveData* source)
+{
+    if (!source || source->patterns.isEmpty())
+        return;
+    // Copy first: source may be this very wave.
+    std::vector<std::pair<std::string, qint32>> copy;
+    copy.reserve(static_cast<size_t>(source->patterns.size()));
+    for (const Pattern* s : source->patterns)
+        copy.emplace_back(s->value, s->duration);
+
+    p->value = copy.front().first;
+    p->duration = copy.front().second;
+    const qsizetype extra = static_cast<qsizetype>(copy.size()) - 1;
+    if (extra == 0)
+        return;
+
+    // Each further segment goes in front of the one placed before it, so the
+    // pattern lands reversed: n-1, ..., 1, then p holding segment 0.
+    QList<Pattern*> block;
+    block.reserve(extra);
+    for (qsizetype i = extra; i >= 1; --i) {
+        auto* q = new Pattern(copy[static_cast<size_t>(i)].first, copy[static_cast<size_t>(i)].second);
+        q->wave = this;
+        block.append(q);
+    }
+    // A segment outside every list (wave not this one) need not be looked for.
+    const qsizetype at = p->wave == this ? patterns.indexOf(p) : -1;
+    if (at < 0) {
+        // p is detached: segment 1 is appended and the rest go in front of it.
+        const qsizetype end = patterns.size();
+        patterns.append(block);
+        if (foreverIndex >= end && extra > 1)
+            foreverIndex += static_cast<qint32>(extra - 1);
+    } else {
+        QList<Pattern*> rebuilt;
+        rebuilt.reserve(patterns.size() + extra);
+        rebuilt.append(patterns.mid(0, at));
+        rebuilt.append(block);
+        rebuilt.append(patterns.mid(at));
+        patterns.swap(rebuilt);
+        if (foreverIndex >= at)
+            foreverIndex += static_cast<qint32>(extra);
+    }
+}
+
+void WaveData::removeData(Pattern* p)
+{
+    const qsizetype k = patterns.indexOf(p);
+    if (k < 0)
+        return;
+    if (foreverIndex > k)
+        --foreverIndex;
+    else if (foreverIndex == k && k == patterns.size() - 1)
+        foreverIndex = -1;
+    // When the forever segment itself goes and is not last, the tail now
+    // starts at the segment after it.
+    patterns.removeAt(k);
+}
+
+void WaveData::duplicateData(const WaveData* source)
+{
+    if (!source || source == this)
+        return;
+    group = source->group;
+    polarity = source->polarity;
+    spareInt = source->spareInt;
+    waveType = source->waveType;
+    offset = source->offset;
+    formatValue = source->formatValue;
+    formatRatio = source->formatRatio;
+    isBus = source->isBus;
+    isPattern = source->isPattern;
+    busWidth = source->busWidth;
+    visible = source->visible;
+    foreverIndex = source->foreverIndex;
+    elements = source->elements;
+
+    const qsizetype count = source->patterns.size();
+    for (qsizetype i = 0; i < count; ++i) {
+        const Pattern* s = source->patterns.at(i);
+        if (i < patterns.size()) {
+            Pattern* own = patterns.at(i);
+            own->value = s->value;
+            own->duration = s->duration;
+            own->forever = s->forever;
+        } else {
+            auto* q = new Pattern(s->value, s->duration);
+            q->forever = s->forever;
+            if (!addData(q))
+                delete q;   // merged into the last segment: nobody else can reach it
+        }
+    }
+    // Surplus segments leave the list; nothing outside can reach them any more.
+    while (patterns.size() > count)
+        delete patterns.takeLast();
+    foreverIndex = source->foreverIndex;
+}
+
+} // namespace kesu::toolvok

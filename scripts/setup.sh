@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs the Debian 12 packages the project needs (only those missing).
+# Sourced by the other scripts; also runnable on its own.
+set -euo pipefail
+
+VOK_PACKAGES=(
+    cmake ninja-build g++ pkg-config
+    qt6-base-dev qt6-base-dev-tools libgl-dev
+    libgmp-dev
+    xvfb xauth
+)
+
+vok_install_packages() {
+    local missing=() p
+    for p in "${VOK_PACKAGES[@]}"; do
+        dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+    done
+    [ ${#missing[@]} -eq 0 ] && return 0
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    echo "Installing: ${missing[*]}"
+    $sudo apt-get update -q
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}"
+}
+
+# vok_build DIR [cmake options...]: configure (once) and build into DIR.
+vok_build() {
+    local dir=$1; shift
+    local root
+    root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+    cmake -S "$root" -B "$root/$dir" -G Ninja "$@" >/dev/null
+    cmake --build "$root/$dir" -j"$(nproc)"
+}
+
+if [ "${BASH_SOURCE[0]}" = "$0" ]; then
+    vok_install_packages
+    vok_build build/release -DCMAKE_BUILD_TYPE=Release
+fi
