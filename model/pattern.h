@@ -26,8 +26,9 @@ public:
 namespace Values {
 inline constexpr const char* DontCare = "-1";
 inline constexpr const char* HighZ = "-2";
-inline bool isDontCare(const std::string& v) { return v == DontCare; }
-inline bool isHighZ(const std::string& v) { return v == HighZ; }
+// Compared by hand: these run for every segment drawn, merged and written.
+inline bool isDontCare(const std::string& v) { return v.size() == 2 && v[0] == '-' && v[1] == '1'; }
+inline bool isHighZ(const std::string& v) { return v.size() == 2 && v[0] == '-' && v[1] == '2'; }
 inline bool isSpecial(const std::string& v) { return isDontCare(v) || isHighZ(v); }
 }
 

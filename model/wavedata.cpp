@@ -168,10 +168,11 @@ void WaveData::removeData(Pattern* p)
     patterns.removeAt(k);
 }
 
-void WaveData::duplicateData(const WaveData* source)
+QList<Pattern*> WaveData::duplicateData(const WaveData* source)
 {
+    QList<Pattern*> surplus;
     if (!source || source == this)
-        return;
+        return surplus;
     group = source->group;
     polarity = source->polarity;
     spareInt = source->spareInt;
@@ -201,10 +202,10 @@ void WaveData::duplicateData(const WaveData* source)
                 delete q;   // merged into the last segment: nobody else can reach it
         }
     }
-    // Surplus segments leave the list; nothing outside can reach them any more.
     while (patterns.size() > count)
-        delete patterns.takeLast();
+        surplus.prepend(patterns.takeLast());
     foreverIndex = source->foreverIndex;
+    return surplus;
 }
 
 } // namespace kesu::toolvok

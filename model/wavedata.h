@@ -32,7 +32,10 @@ public:
     void insertData(Pattern* p, Pattern* before);
     void insertPattern(Pattern* p, const WaveData* source);
     void removeData(Pattern* p);
-    void duplicateData(const WaveData* source);
+    // Returns the segments that no longer fit (source is shorter): they leave
+    // the list without being deleted, since views and undo commands may still
+    // hold them; the caller decides their fate.
+    QList<Pattern*> duplicateData(const WaveData* source);
 
     QString name;
     qint32 group = 1;

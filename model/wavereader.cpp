@@ -30,6 +30,7 @@ using Tokens = QList<QStringView>;
 Tokens tokenize(QStringView text)
 {
     Tokens tokens;
+    tokens.reserve(text.size() / 4);
     const qsizetype n = text.size();
     auto cut = [&](qsizetype from, qsizetype to) {
         const QStringView token = text.mid(from, to - from).trimmed();
@@ -98,6 +99,22 @@ std::string valueOf(QStringView token, bool bus)
 
 qint32 durationOf(QStringView token)
 {
+    // Plain digits, the common case, are read directly; anything else goes
+    // through Qt's conversion, which gives the same result for them.
+    if (!token.isEmpty() && token.size() <= 18) {
+        quint64 value = 0;
+        bool digits = true;
+        for (QChar c : token) {
+            const char16_t u = c.unicode();
+            if (u < '0' || u > '9') {
+                digits = false;
+                break;
+            }
+            value = value * 10 + (u - '0');
+        }
+        if (digits)
+            return static_cast<qint32>(value);
+    }
     // Read as 64 bits and kept in 32, as the file has always been read.
     return static_cast<qint32>(static_cast<quint64>(token.toLongLong()));
 }
@@ -375,6 +392,8 @@ void WaveformData::readSegments(const QList<QStringView>& tokens, QList<Pattern*
             delete p;
     };
     const qsizetype count = tokens.size();
+    if (topLevel)
+        wave->patterns.reserve(wave->patterns.size() + count / 2);
     for (qsizetype i = 0; i < count; ++i) {
         const QStringView token = tokens.at(i);
         if (token.startsWith(QLatin1Char('$'))) {

@@ -80,7 +80,9 @@ int main(int argc, char** argv)
 
     if (!parser.parse(QCoreApplication::arguments()))
         return usage(parser, parser.errorText());
-    if (parser.isSet(QStringLiteral("help"))) {
+    // --help-all comes with addHelpOption and is listed in the help text; a
+    // console tool has no Qt options to add, so it shows the same text.
+    if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all"))) {
         QTextStream(stdout) << parser.helpText();
         return Ok;
     }

@@ -1,0 +1,293 @@
+// The waveform file reader on small texts: every statement kind, the forms
+// of names, attribute blocks and segment lists, line handling, and input
+// that must neither crash nor hang.
+
+#include "modeltestutil.h"
+
+#include <QBuffer>
+#include <QElapsedTimer>
+#include <QRandomGenerator>
+#include <QTemporaryFile>
+#include <QtTest>
+
+using namespace kesu::toolvok;
+using namespace modeltest;
+
+static const QString Attr = QStringLiteral(" { A I Default NRZ 0 1 50 } = ");
+
+// The segments of wave w after reading the text.
+static QString waveIn(const QString& text, const QString& name = QStringLiteral("w"))
+{
+    auto doc = load(text);
+    const WaveData* w = doc->findWavebyName(name);
+    return w ? segments(w) : QStringLiteral("<none>");
+}
+
+class TestReader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void header_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QList<qint64>>("settings");   // mult, unit, auto, decimals, end time
+        QTest::newRow("all") << "%MASTERCLOCKMULT = 4;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 1;\n%DECIMALS = 3;\n"
+                                "%ENDTIME = 5000;\n" << QList<qint64>{4, 9, 1, 3, 5000};
+        QTest::newRow("bad number") << "%ENDTIME = x;\n%SMALLESTUNIT = 9q;\n" << QList<qint64>{1, 0, 0, 0, 0};
+        QTest::newRow("keyword prefix") << "%DECIMALS_SHOWN = 4;\n" << QList<qint64>{1, 12, 0, 4, 1000};
+        QTest::newRow("case sensitive") << "%endtime = 7;\n%Decimals = 3;\n" << QList<qint64>{1, 12, 0, 0, 1000};
+        QTest::newRow("all-ones end") << "%ENDTIME = 18446744073709551615;\n" << QList<qint64>{1, 12, 0, 0, -1};
+        QTest::newRow("split over lines") << "%END\nTIME = 12\n34;\n" << QList<qint64>{1, 12, 0, 0, 1234};
+    }
+    void header()
+    {
+        QFETCH(QString, text);
+        QFETCH(QList<qint64>, settings);
+        auto doc = load(text);
+        QCOMPARE((QList<qint64>{doc->masterClockMult, doc->smallestUnit, doc->autoAssign, doc->decimals,
+                                qint64(doc->endTime)}),
+                 settings);
+        QVERIFY(doc->waves.isEmpty());
+    }
+
+    void attributeBlock_data()
+    {
+        QTest::addColumn<QString>("block");
+        QTest::addColumn<QList<qint64>>("fields");   // group, polarity, type, offset, formatValue, formatRatio
+        QTest::newRow("plain") << "A I Default NRZ 0 1 50" << QList<qint64>{1, 0, 1, 0, 1, 50};
+        QTest::newRow("H O RZ") << "H O Default RZ 25 7 -3" << QList<qint64>{8, 1, 2, 25, 7, -3};
+        QTest::newRow("C B R1") << "C B Default R1 1 2 3" << QList<qint64>{3, 2, 3, 1, 2, 3};
+        QTest::newRow("D G RC") << "D G Default RC 9 9 9" << QList<qint64>{4, 4, 4, 9, 9, 9};
+        QTest::newRow("E T None") << "E T Default None 0 1 50" << QList<qint64>{5, 3, 0, 0, 1, 50};
+        QTest::newRow("first letters only") << "Bx Input Whatever RC 3 4 5" << QList<qint64>{2, 0, 4, 3, 4, 5};
+        QTest::newRow("unknown letters") << "Z X Default nrz 1 2 3" << QList<qint64>{0, 3, 0, 1, 2, 3};
+        QTest::newRow("two blanks shift") << "A  I Default NRZ 7 1 50" << QList<qint64>{1, 3, 0, 0, 7, 1};
+        QTest::newRow("bad numbers") << "A I Default NRZ x 1y z" << QList<qint64>{1, 0, 1, 0, 0, 0};
+        QTest::newRow("extremes") << "A I Default NRZ 18446744073709551615 18446744073709551614 -32768"
+                                  << QList<qint64>{1, 0, 1, -1, -2, -32768};
+        QTest::newRow("padded") << "   G G Default RC 1 2 3   " << QList<qint64>{7, 4, 4, 1, 2, 3};
+    }
+    void attributeBlock()
+    {
+        QFETCH(QString, block);
+        QFETCH(QList<qint64>, fields);
+        auto doc = load("w {" + block + "} = 1 5;\n");
+        QCOMPARE(doc->waves.size(), 1);
+        const WaveData* w = doc->waves.first();
+        QCOMPARE(w->name, QString("w"));
+        QCOMPARE((QList<qint64>{w->group, w->polarity, w->waveType, qint64(w->offset), qint64(w->formatValue),
+                                w->formatRatio}),
+                 fields);
+        QCOMPARE(w->spareInt, 0);
+        QVERIFY(!w->isBus && !w->isPattern);
+        QCOMPARE(segments(w), QString("1:5"));
+    }
+
+    void statementKinds()
+    {
+        auto doc = load("a = 0 10;\n$p { A } = 0 10;\n$q } = 1 1;\nw" + Attr + "0 1 = 2;\n"
+                        "v { A I Default NRZ 0 1 50 } 0 10;\nu A I Default NRZ 0 1 50 } = 0 10;\n"
+                        "%ENDTIME = 77;\nok" + Attr + "0 10 1;\n$p = 1 5 0 2;\n$e = ;\n");
+        QCOMPARE(doc->endTime, quint64(77));
+        QCOMPARE(doc->waves.size(), 3);
+        QCOMPARE(doc->waves.at(0)->name, QString("ok"));
+        QCOMPARE(segments(doc->waves.at(0)), QString("0:10"));   // a value without duration is dropped
+        const WaveData* p = doc->waves.at(1);
+        QCOMPARE(p->name, QString("$p"));
+        QVERIFY(p->isPattern);
+        QCOMPARE(p->polarity, 5);
+        QCOMPARE(segments(p), QString("1:5 0:2"));
+        QVERIFY(doc->waves.at(2)->patterns.isEmpty());
+    }
+
+    void busForms_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("width");   // 0: not a bus
+        QTest::addColumn<QStringList>("elements");
+        QTest::newRow("range down") << "d[3:0]" << 4 << QStringList{"d[3]", "d[2]", "d[1]", "d[0]"};
+        QTest::newRow("range up") << "addr[0:2]" << 3 << QStringList{"addr[0]", "addr[1]", "addr[2]"};
+        QTest::newRow("list") << "grp[a,b,c]" << 3 << QStringList{"a", "b", "c"};
+        QTest::newRow("run") << "[a0...a3]" << 4 << QStringList{"a[0]", "a[1]", "a[2]", "a[3]"};
+        QTest::newRow("run down, last letters ignored") << "[bit12...q10]" << 3
+                                                        << QStringList{"bit[12]", "bit[11]", "bit[10]"};
+        QTest::newRow("plain") << "plain" << 0 << QStringList();
+        QTest::newRow("range of one") << "e[2:2]" << 0 << QStringList();
+    }
+    void busForms()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, width);
+        QFETCH(QStringList, elements);
+        auto doc = load(name + Attr + "HighZ 5 HighZ 5 DonTCare 1;\n");
+        QCOMPARE(doc->waves.size(), 1);
+        const WaveData* w = doc->waves.first();
+        QCOMPARE(w->name, name);
+        QCOMPARE(w->isBus, width > 0);
+        QCOMPARE(w->busWidth, qMax(width, 1));
+        if (width > 0)
+            QCOMPARE(w->elements, elements);
+        QCOMPARE(segments(w), width > 0 ? QString("-2:10 -1:1") : QString("HighZ:10 DonTCare:1"));
+    }
+
+    void segmentLists_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("right");
+        QTest::addColumn<QString>("expected");
+        QTest::addColumn<int>("foreverIndex");
+        QTest::newRow("single values") << "w" << "0 1 1 1 2 1 3 1 0 1" << "0:1 1:1 -1:1 -2:1 0:1" << -1;
+        QTest::newRow("single merges") << "w" << "0 10 0 5 2 1 2 2" << "0:15 -1:3" << -1;
+        QTest::newRow("bus values") << "b[7:0]" << "DonTCare 1 HighZ 1 2 1 3 1 ff 1" << "-1:1 -2:1 2:1 3:1 ff:1" << -1;
+        QTest::newRow("bus keeps equal values") << "b[7:0]" << "7 10 7 5 HighZ 1 HighZ 2" << "7:10 7:5 -2:3" << -1;
+        QTest::newRow("zero durations dropped") << "w" << "1 0 0 5 1 x 0 3" << "0:8" << -1;
+        QTest::newRow("negative duration") << "w" << "1 -5 0 4" << "1:-5 0:4" << -1;
+        QTest::newRow("64-bit duration kept in 32") << "w" << "1 4294967301" << "1:5" << -1;
+        QTest::newRow("#3") << "w" << "(1 5 0 5)#3" << "1:5 0:5 1:5 0:5 1:5 0:5" << -1;
+        QTest::newRow("*2#2") << "w" << "(1 5 0 5)*2#2" << "1:10 0:10 1:10 0:10" << -1;
+        QTest::newRow("factor, blank, #") << "w" << "(1 5 0 5)*3 #2" << "1:15 0:15 1:15 0:15" << -1;
+        QTest::newRow("bare #") << "w" << "(1 5 0 5)#" << "" << -1;
+        QTest::newRow("#0") << "w" << "(1 5 0 5)#0" << "" << -1;
+        QTest::newRow("##") << "w" << "(1 5 0 5)##" << "(1:5 0:5" << 0;
+        QTest::newRow("## after segment") << "w" << "0 10(1 5 0 5)##" << "0:10 (1:5 0:5" << 1;
+        QTest::newRow("*2##") << "w" << "2 10 (1 5 0 5)*2##" << "-1:10 (1:10 0:10" << 1;
+        QTest::newRow("## merged away") << "w" << "1 10(1 5 0 5)##" << "1:15 0:5" << -1;
+        QTest::newRow("group merges both sides") << "w" << "0 10 (1 5)#2 1 5" << "0:10 1:15" << -1;
+        QTest::newRow("nested") << "w" << "((1 1 0 1)#2 1 3)#2" << "1:1 0:1 1:1 0:1 1:4 0:1 1:1 0:1 1:3" << -1;
+        QTest::newRow("bus group") << "b[1:0]" << "(3 1 3 1 HighZ 2)#2" << "3:1 3:1 -2:2 3:1 3:1 -2:2" << -1;
+    }
+    void segmentLists()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, right);
+        QFETCH(QString, expected);
+        QFETCH(int, foreverIndex);
+        auto doc = load(name + Attr + right + ";\n");
+        QCOMPARE(doc->waves.size(), 1);
+        QCOMPARE(segments(doc->waves.first()), expected);
+        QCOMPARE(doc->waves.first()->foreverIndex, foreverIndex);
+    }
+
+    void references_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("expected");
+        const QString w = "w" + Attr;
+        QTest::newRow("reversed") << "$p = 1 5 0 2;\n" + w + "$p 1 1;\n" << "0:2 1:5 1:1";
+        QTest::newRow("defined later") << w + "1 1 $q;\n$q = 1 1 0 2 1 3;\n" << "1:1 1:3 0:2 1:1";
+        QTest::newRow("first of two definitions") << "$p = 1 5;\n$p = 0 7;\n" + w + "1 1 $p;\n" << "1:1 1:5";
+        QTest::newRow("unknown removed with what merged into it") << w + "1 3 $nope 0 2;\n" << "1:3";
+        QTest::newRow("merged into previous 0") << "$p = 1 5 0 2;\n" + w + "0 10 $p 1 4;\n" << "0:11 1:4 0:2";
+        QTest::newRow("merged into previous 0, longer") << "$q = 1 5 0 2 1 7;\n" + w + "0 10 $q 1 4;\n"
+                                                        << "0:11 1:4 1:7 0:2";
+        QTest::newRow("in repeated group") << "$p = 0 3 1 2;\n" + w + "(1 1 $p)#2;\n" << "1:1 1:2 0:3 1:1 1:2 0:3";
+        QTest::newRow("pattern of patterns") << "$a = 1 1 0 1;\n$b = $a 1 5;\n" + w + "$b;\n" << "1:5 1:1 0:1";
+        QTest::newRow("in forever tail") << "$p = 1 5 0 2;\n" + w + "1 1($p 1 4)##;\n" << "1:1 0:2 (1:5 1:4";
+        // The placeholder is a "0": a "0" after it melts into it and is lost.
+        QTest::newRow("melts into placeholder") << "$p = 1 5 0 2;\n" + w + "1 1($p 0 4)##;\n" << "1:1 0:2 (1:5";
+    }
+    void references()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, expected);
+        auto doc = load(text);
+        const WaveData* w = doc->findWavebyName("w");
+        QVERIFY(w);
+        QCOMPARE(segments(w), expected);
+        if (w->foreverIndex >= 0)
+            QVERIFY(w->patterns.at(w->foreverIndex)->forever);
+    }
+
+    void lineHandling()
+    {
+        const QString w1 = "w1" + Attr + "0 1;\n", w2 = "w2" + Attr + "1 1;\n";
+        // Continuation lines join without a separator.
+        QCOMPARE(waveIn("w" + Attr + "0 1\n0 1 5;\n"), QString("0:10 1:5"));
+        QCOMPARE(waveIn("w" + Attr + "0 1\n 1 5;\n"), QString("0:1 1:5"));
+        // An empty line ends the file, statement in progress included; a line
+        // of blanks does not.
+        QCOMPARE(load(w1 + "\n" + w2)->waves.size(), 1);
+        QCOMPARE(load("w" + Attr + "0 1\n\n 1 1;\n" + w2)->waves.size(), 0);
+        QCOMPARE(load(w1 + "   \t\n" + w2)->waves.size(), 2);
+        QCOMPARE(waveIn("w" + Attr + "0 1\n   \n 1 1;\n"), QString("0:1 1:1"));
+        // A ";" followed by blanks does not end the statement; the "1;" that
+        // then follows reads as a failed duration.
+        QCOMPARE(waveIn("w" + Attr + "0 1; \n 1 1;\n"), QString("1:1"));
+        // Without a final line feed the last statement still counts; trailing
+        // text without ";" does not.
+        QCOMPARE(load(w1 + "w2" + Attr + "1 1;\nw3" + Attr + "0 1")->waves.size(), 2);
+        // CR LF reads like LF, including the empty line that ends the file.
+        auto dos = load(QString(w1 + "w2" + Attr + "0 1\n 1 1;\n").replace("\n", "\r\n"));
+        QCOMPARE(dos->waves.size(), 2);
+        QCOMPARE(segments(dos->waves.at(1)), QString("0:1 1:1"));
+        QCOMPARE(load(QString(w1 + "\n" + w2).replace("\n", "\r\n"))->waves.size(), 1);
+    }
+
+    void encodingsAndDevices()
+    {
+        QByteArray bom("\xEF\xBB\xBF%ENDTIME = 7;\nw { A I Default NRZ 0 1 50 } = 1 1;\n");
+        QBuffer buffer(&bom);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        WaveformData doc;
+        doc.loadData(buffer);
+        QCOMPARE(doc.endTime, quint64(7));
+        QCOMPARE(doc.waves.size(), 1);
+
+        auto utf8 = load(QString::fromUtf8("größe") + Attr + "1 5;\n" + QString::fromUtf8("δ[1:0]") + Attr + "3 1;\n");
+        QCOMPARE(utf8->waves.size(), 2);
+        QCOMPARE(utf8->waves.at(0)->name, QString::fromUtf8("größe"));
+        QCOMPARE(utf8->waves.at(1)->elements, QStringList({QString::fromUtf8("δ[1]"), QString::fromUtf8("δ[0]")}));
+
+        const QByteArray text = "%DECIMALS = 2;\n$p = 1 2 0 3;\nw { B O Default RZ 5 1 50 } = 1 4 $p\n (1 1 0 1)##;\n";
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        QCOMPARE(file.write(text), text.size());
+        QVERIFY(file.seek(0));
+        WaveformData fromFile;
+        fromFile.loadData(file);
+        QCOMPARE(fromFile.decimals, 2);
+        QCOMPARE(segments(fromFile.findWavebyName("w")), QString("1:4 0:3 1:2 (1:1 0:1"));
+        QCOMPARE(fromFile.findWavebyName("w")->foreverIndex, 3);
+    }
+
+    void hostileInput()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        QRandomGenerator random(20240611);
+        const char alphabet[] = "(){}[]=;$#*%:,.  \n\r\t01239AZaz-";
+        for (int round = 0; round < 300; ++round) {
+            QByteArray bytes(1 + random.bounded(3000), Qt::Uninitialized);
+            for (char& c : bytes)
+                c = random.bounded(2) ? alphabet[random.bounded(int(sizeof alphabet - 1))] : char(random.bounded(256));
+            QBuffer buffer(&bytes);
+            QVERIFY(buffer.open(QIODevice::ReadOnly));
+            WaveformData doc;
+            doc.loadData(buffer);
+            for (const WaveData* w : std::as_const(doc.waves))
+                QVERIFY(w->foreverIndex == -1 || (w->foreverIndex >= 0 && w->foreverIndex < w->patterns.size()));
+        }
+
+        const QString w = "w" + Attr;
+        const QStringList nasty{
+            w + QString(200000, '(') + "1 1" + QString(200000, ')') + "#2;\n",
+            w + QString(200000, '(') + ";\n",
+            w + QString(100000, ')') + " 1 1;\n",
+            w + "(1 5 0 5)#999999999999;\n",
+            w + "(1 5 0 5)*2147483647#9223372036854775807;\n",
+            w + "((((1 1 0 1)#1000)#1000)#1000)#1000;\n",
+            "$p = $p 1 1;\n" + w + "$p $p;\n",
+            "d[0:2000000000]" + Attr + "0 1;\n[a0...a2147483647]" + Attr + "0 1;\n",
+            "$p = 1 1 0 1;\n" + w + QString("0 1 $p ").repeated(20000) + ";\n",
+            "$p = 1 1 0 1;\n" + w + QString("($p)#2 1 1 ").repeated(20000) + ";\n",
+        };
+        for (const QString& text : nasty)
+            QVERIFY(load(text)->waves.size() <= 2);
+        // Generous for sanitizer builds; a quadratic or unbounded reader takes minutes.
+        QVERIFY2(timer.elapsed() < 60000, qPrintable(QString::number(timer.elapsed())));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestReader)
+#include "test_reader.moc"

@@ -1,0 +1,156 @@
+// Times and bus values to and from the text people read and type.
+
+#include "modeltestutil.h"
+#include "timetext.h"
+
+#include <QtTest>
+
+using namespace kesu::toolvok;
+using namespace modeltest;
+
+// Out of range: refused, whatever the count that comes with the refusal.
+static constexpr quint64 Unchecked = 0xDEADBEEF;
+
+class TestTimeText : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void timeString_data()
+    {
+        QTest::addColumn<quint64>("ticks");
+        QTest::addColumn<bool>("withUnit");
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("1,000") << quint64(1000) << false << 12 << 0 << "1,000";
+        QTest::newRow("1,500 ps") << quint64(1500) << true << 12 << 0 << "1,500 ps";
+        QTest::newRow("1,234,567 ns") << quint64(1234567) << true << 9 << 0 << "1,234,567 ns";
+        QTest::newRow("us") << quint64(42) << true << 6 << 0 << "42 us";
+        QTest::newRow("unknown unit") << quint64(42) << true << 7 << 0 << "42";
+        QTest::newRow("1.5") << quint64(1500) << false << 12 << 3 << "1.5";
+        QTest::newRow("1.25") << quint64(1250) << false << 12 << 3 << "1.25";
+        QTest::newRow("0.001") << quint64(1) << false << 12 << 3 << "0.001";
+        QTest::newRow("1,234,567.89 ps") << quint64(1234567890) << true << 12 << 3 << "1,234,567.89 ps";
+        QTest::newRow("one decimal") << quint64(15) << true << 9 << 1 << "1.5 ns";
+        QTest::newRow("five decimals round") << quint64(123456) << false << 12 << 5 << "1.235";
+        QTest::newRow("largest") << NoTime << false << 12 << 0 << "18,446,744,073,709,551,616";
+    }
+    void timeString()
+    {
+        QFETCH(quint64, ticks);
+        QFETCH(bool, withUnit);
+        QFETCH(int, unit);
+        QFETCH(int, decimals);
+        QFETCH(QString, expected);
+        QCOMPARE(TimeText::timeString(ticks, withUnit, unit, decimals), expected);
+    }
+
+    void parseTime_data()
+    {
+        // A time that is not a whole number of ticks is refused but still comes
+        // with the truncated count; text that is no number at all gives 0.
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("unit");
+        QTest::addColumn<int>("decimals");
+        QTest::addColumn<quint64>("expected");
+        QTest::addColumn<bool>("ok");
+        QTest::newRow("1,500 ps") << "1,500 ps" << 12 << 0 << quint64(1500) << true;
+        QTest::newRow("2 ns") << "2 ns" << 12 << 0 << quint64(2000) << true;
+        QTest::newRow("1.1 ns exact") << "1.1 ns" << 12 << 0 << quint64(1100) << true;
+        QTest::newRow("3 us") << "3 us" << 12 << 0 << quint64(3000000) << true;
+        QTest::newRow("1 ms in ms") << "1 ms" << 3 << 0 << quint64(1) << true;
+        QTest::newRow("1 us in ns, 2 decimals") << "1 us" << 9 << 2 << quint64(100000) << true;
+        QTest::newRow("1 ps in ns") << "1 ps" << 9 << 0 << quint64(0) << false;
+        QTest::newRow("1.5 ps whole ps") << "1.5 ps" << 12 << 0 << quint64(1) << false;
+        QTest::newRow("1.5 ps, 3 decimals") << "1.5 ps" << 12 << 3 << quint64(1500) << true;
+        QTest::newRow("2.0005 ns") << "2.0005 ns" << 12 << 0 << quint64(2000) << false;
+        QTest::newRow("padded") << "  2 ns  " << 12 << 0 << quint64(2000) << true;
+        QTest::newRow("bare is ticks") << "1500" << 9 << 0 << quint64(1500) << true;
+        QTest::newRow("bare fraction") << "1.5" << 12 << 0 << quint64(1) << false;
+        QTest::newRow("commas") << "1,000,000" << 12 << 0 << quint64(1000000) << true;
+        QTest::newRow("exponent") << "1e3" << 12 << 0 << quint64(1000) << true;
+        QTest::newRow("negative") << "-5" << 12 << 0 << quint64(0) << true;
+        QTest::newRow("negative with unit") << "-2.5 ns" << 12 << 0 << quint64(0) << true;
+        QTest::newRow("abc") << "abc" << 12 << 0 << quint64(0) << false;
+        QTest::newRow("unit only") << "ns" << 12 << 0 << quint64(0) << false;
+        QTest::newRow("upper-case unit") << "5 NS" << 12 << 0 << quint64(0) << false;
+        QTest::newRow("largest") << "18446744073709551615" << 12 << 0 << NoTime << true;
+        QTest::newRow("one past largest") << "18446744073709551616" << 12 << 0 << Unchecked << false;
+        QTest::newRow("overflow by unit") << "20,000,000,000 ms" << 12 << 0 << Unchecked << false;
+        QTest::newRow("huge exponent") << "1e400" << 12 << 0 << Unchecked << false;
+    }
+    void parseTime()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, unit);
+        QFETCH(int, decimals);
+        QFETCH(quint64, expected);
+        QFETCH(bool, ok);
+        bool converted = !ok;
+        const quint64 ticks = TimeText::parseTime(converted, text, unit, decimals);
+        QCOMPARE(converted, ok);
+        if (expected != Unchecked)
+            QCOMPARE(ticks, expected);
+    }
+
+    void parseWhatIsShown()
+    {
+        // Every shown time, with its unit, reads back as the same tick count.
+        const quint64 samples[] = {0, 1, 7, 999, 1000, 1001, 123456, 987654321, 4000000000ULL};
+        for (int unit : {3, 6, 9, 12}) {
+            for (int decimals : {0, 1, 2, 3}) {
+                for (quint64 t : samples) {
+                    const QString text = TimeText::timeString(t, true, unit, decimals);
+                    bool ok = false;
+                    QCOMPARE(TimeText::parseTime(ok, text, unit, decimals), t);
+                    QVERIFY2(ok, qPrintable(text));
+                }
+            }
+        }
+    }
+
+    void busValueString_data()
+    {
+        QTest::addColumn<QString>("hex");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("radix");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("A binary") << "A" << 4 << 0 << "1010";
+        QTest::newRow("A octal") << "A" << 4 << 1 << "12";
+        QTest::newRow("A decimal") << "A" << 4 << 2 << "10";
+        QTest::newRow("A hex") << "A" << 4 << 3 << "A";
+        QTest::newRow("1 binary padded") << "1" << 4 << 0 << "0001";
+        QTest::newRow("1 octal unpadded") << "1" << 12 << 1 << "1";
+        QTest::newRow("1 hex unpadded") << "01" << 8 << 3 << "1";
+        QTest::newRow("ff binary wide") << "ff" << 12 << 0 << "000011111111";
+        QTest::newRow("wider than width") << "ff" << 4 << 0 << "11111111";
+        QTest::newRow("0 binary") << "0" << 3 << 0 << "000";
+        QTest::newRow("0 width 0") << "0" << 0 << 1 << "0";
+        QTest::newRow("69 bits decimal") << "1FFFFFFFFFFFFFFFFF" << 69 << 2 << "590295810358705651711";
+        QTest::newRow("69 bits octal") << "1FFFFFFFFFFFFFFFFF" << 69 << 1 << "77777777777777777777777";
+    }
+    void busValueString()
+    {
+        QFETCH(QString, hex);
+        QFETCH(int, width);
+        QFETCH(int, radix);
+        QFETCH(QString, expected);
+        QCOMPARE(TimeText::busValueString(hex.toStdString(), width, radix), expected);
+    }
+
+    void maxEnd()
+    {
+        WaveformData doc;
+        QCOMPARE(TimeText::maxEnd(doc), quint64(0));
+        doc.addWave(makeWave("a", "0:10 1:20", 100).release());
+        doc.addWave(makeWave("b", "", 700).release());
+        doc.addWave(makeWave("c", "1:40").release());
+        QCOMPARE(TimeText::maxEnd(doc), quint64(700));
+        doc.addWave(makeWave("d", "1:400 0:-50", 400).release());
+        QCOMPARE(TimeText::maxEnd(doc), quint64(750));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestTimeText)
+#include "test_timetext.moc"

@@ -1,0 +1,328 @@
+// Look-ups, merges and list surgery of WaveData, and the document-level
+// operations of WaveformData, on waves built by hand.
+
+#include "modeltestutil.h"
+
+#include <QtTest>
+
+#include <tuple>
+
+using namespace kesu::toolvok;
+using namespace modeltest;
+
+static const char* const ElementOfBus =
+    "The wave you are adding conflicts to an existing wave. It is element of the exsited bus wave.";
+static const char* const ElementsAdded =
+    "The wave you are adding conflicts to an existing wave. Some elements of the bus wave have been added.";
+
+class TestWaveData : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    // Offset 100, segments of 10 and 20: [100,110] is the first, (110,130] the second.
+    void lookups_data()
+    {
+        QTest::addColumn<quint64>("t");
+        QTest::addColumn<int>("index");
+        QTest::addColumn<quint64>("next");
+        QTest::newRow("zero") << quint64(0) << -1 << quint64(110);   // the offset is no change point
+        QTest::newRow("before offset") << quint64(99) << -1 << quint64(110);
+        QTest::newRow("offset") << quint64(100) << 0 << quint64(110);
+        QTest::newRow("boundary belongs to earlier") << quint64(110) << 0 << quint64(130);
+        QTest::newRow("after boundary") << quint64(111) << 1 << quint64(130);
+        QTest::newRow("end") << quint64(130) << 1 << NoTime;
+        QTest::newRow("after end") << quint64(131) << -1 << NoTime;
+    }
+    void lookups()
+    {
+        QFETCH(quint64, t);
+        QFETCH(int, index);
+        QFETCH(quint64, next);
+        auto w = makeWave("w", "0:10 1:20", 100);
+        QCOMPARE(w->findPattern(t), index < 0 ? nullptr : w->patterns.at(index));
+        QCOMPARE(w->getNextChange(t), next);
+        QCOMPARE(w->getEndTime(), quint64(130));
+        QCOMPARE(w->getPatternStart(w->patterns.at(1)), quint64(110));
+        QCOMPARE(w->getPatternStart(w->patterns.at(0)), quint64(100));
+        Pattern stranger("0", 10);
+        QCOMPARE(w->getPatternStart(&stranger), NoTime);
+        QCOMPARE(w->getLastValue(), std::string("1"));
+    }
+
+    void edgesOfTheTimeAxis()
+    {
+        auto empty = makeWave("e", "", 42);
+        QCOMPARE(empty->getEndTime(), quint64(42));
+        QCOMPARE(empty->getNextChange(0), NoTime);
+        QCOMPARE(empty->findPattern(42), nullptr);
+        QCOMPARE(empty->getPatternStart(nullptr), NoTime);
+        QCOMPARE(empty->getLastValue(), std::string("-1"));
+
+        // Durations are widened with their sign; times compare unsigned.
+        auto w = makeWave("w", "0:10 1:-4 0:20", 100);
+        QCOMPARE(w->getEndTime(), quint64(126));
+        QCOMPARE(w->getPatternStart(w->patterns.at(2)), quint64(106));
+        QCOMPARE(makeWave("w", "0:-5")->getEndTime(), ~quint64(0) - 4);
+
+        const quint64 high = quint64(1) << 63;
+        auto far = makeWave("w", "0:10 1:10", high);
+        QCOMPARE(far->findPattern(high + 15), far->patterns.at(1));
+        QCOMPARE(far->findPattern(high - 1), nullptr);
+        QCOMPARE(far->getNextChange(0), high + 10);
+    }
+
+    void addData_data()
+    {
+        QTest::addColumn<bool>("bus");
+        QTest::addColumn<QString>("before");
+        QTest::addColumn<QString>("added");
+        QTest::addColumn<QString>("after");   // "(" marks the forever segment
+        QTest::newRow("single equal") << false << "0:3 1:10" << "1:5" << "0:3 1:15";
+        QTest::newRow("single differs") << false << "1:10" << "0:5" << "1:10 0:5";
+        QTest::newRow("byte for byte") << false << "1:10" << "01:5" << "1:10 01:5";
+        QTest::newRow("negative sum") << false << "1:10" << "1:-3" << "1:7";
+        QTest::newRow("single highz") << false << "-2:2" << "-2:3" << "-2:5";
+        QTest::newRow("bus equal value stays apart") << true << "7:10" << "7:5" << "7:10 7:5";
+        QTest::newRow("bus highz melts") << true << "-2:10" << "-2:5" << "-2:15";
+        QTest::newRow("bus dont care melts") << true << "3:1 -1:10" << "-1:5" << "3:1 -1:15";
+        QTest::newRow("dont care vs highz") << true << "-1:10" << "-2:5" << "-1:10 -2:5";
+        QTest::newRow("zero duration") << false << "1:10" << "0:0" << "1:10";
+        QTest::newRow("zero duration, empty") << false << "" << "1:0" << "";
+        QTest::newRow("empty wave") << true << "" << "1:5" << "1:5";
+        QTest::newRow("forever appended") << false << "0:3" << "(1:4" << "0:3 (1:4";
+        QTest::newRow("forever mark of merged ignored") << false << "0:3 1:4" << "(1:2" << "0:3 1:6";
+    }
+    void addData()
+    {
+        QFETCH(bool, bus);
+        QFETCH(QString, before);
+        QFETCH(QString, added);
+        QFETCH(QString, after);
+        auto w = makeWave("w", before, 0, bus);
+        const QStringList parts = added.mid(added.startsWith('(') ? 1 : 0).split(':');
+        auto* p = new Pattern(parts[0].toStdString(), parts[1].toInt());
+        p->forever = added.startsWith('(');
+        const bool taken = w->addData(p);
+        QCOMPARE(segments(w.get()), after);
+        QCOMPARE(w->foreverIndex, int(after.indexOf('(') < 0 ? -1 : after.count(' ')));
+        QCOMPARE(taken, w->patterns.contains(p));
+        QCOMPARE(p->wave, taken ? w.get() : nullptr);
+        if (!taken)
+            delete p;   // merged or ignored: still the caller's
+    }
+
+    void insertData()
+    {
+        auto w = makeWave("w", "0:1 1:2 (0:3");
+        Pattern* c = w->patterns.at(2);
+        auto* x = new Pattern("1", 9);
+        w->insertData(x, w->patterns.at(1));
+        QCOMPARE(segments(w.get()), QString("0:1 1:9 1:2 (0:3"));   // no merging
+        QCOMPARE(x->wave, w.get());
+        QCOMPARE(w->foreverIndex, 3);
+
+        // In front of the forever segment itself: the tail still starts at it.
+        w->insertData(new Pattern("-1", 5), c);
+        QCOMPARE(w->patterns.at(w->foreverIndex), c);
+
+        Pattern stranger("0", 1);
+        w->insertData(new Pattern("-2", 6), &stranger);
+        w->insertData(new Pattern("1", 7), nullptr);
+        QCOMPARE(segments(w.get()), QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7"));
+        QCOMPARE(w->foreverIndex, 4);
+    }
+
+    void insertPattern()
+    {
+        auto source = makeWave("$p", "1:1 0:2 (-1:3");   // forever marks are not copied
+        auto w = makeWave("w", "0:7 1:8 (0:9");
+        Pattern* p = w->patterns.at(1);
+        w->insertPattern(p, source.get());
+        QCOMPARE(segments(w.get()), QString("0:7 -1:3 0:2 1:1 (0:9"));
+        QCOMPARE(w->patterns.at(3), p);
+        QCOMPARE(w->foreverIndex, 4);
+        for (const Pattern* q : std::as_const(w->patterns))
+            QCOMPARE(q->wave, w.get());
+
+        // At the forever segment itself the tail keeps starting at it.
+        w->insertPattern(w->patterns.at(4), makeWave("$q", "1:4 0:5").get());
+        QCOMPARE(segments(w.get()), QString("0:7 -1:3 0:2 1:1 0:5 (1:4"));
+        QCOMPARE(w->foreverIndex, 5);
+
+        w->insertPattern(p, makeWave("$e", "").get());
+        w->insertPattern(w->patterns.at(0), makeWave("$o", "-2:4").get());
+        QCOMPARE(segments(w.get()), QString("-2:4 -1:3 0:2 1:1 0:5 (1:4"));
+
+        // A segment outside the list takes the first source segment; the rest
+        // is appended at the end, still reversed.
+        auto v = makeWave("v", "0:11 1:4");
+        Pattern detached("0", 1);
+        v->insertPattern(&detached, makeWave("$r", "1:5 0:2 1:7").get());
+        QCOMPARE(detached.value, std::string("1"));
+        QCOMPARE(detached.duration, 5);
+        QCOMPARE(segments(v.get()), QString("0:11 1:4 1:7 0:2"));
+    }
+
+    void removeData_data()
+    {
+        QTest::addColumn<int>("forever");
+        QTest::addColumn<int>("removed");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("no tail") << -1 << 1 << -1;
+        QTest::newRow("before tail") << 2 << 1 << 1;
+        QTest::newRow("tail start, not last") << 2 << 2 << 2;
+        QTest::newRow("tail start, last") << 3 << 3 << -1;
+        QTest::newRow("after tail") << 1 << 3 << 1;
+    }
+    void removeData()
+    {
+        QFETCH(int, forever);
+        QFETCH(int, removed);
+        QFETCH(int, expected);
+        auto w = makeWave("w", "0:1 1:2 0:3 1:4");
+        w->foreverIndex = forever;
+        Pattern* p = w->patterns.at(removed);
+        w->removeData(p);
+        QCOMPARE(w->foreverIndex, expected);
+        QCOMPARE(w->patterns.size(), 3);
+        QVERIFY(!w->patterns.contains(p));
+        QCOMPARE(p->duration, removed + 1);   // handed back untouched
+        QCOMPARE(p->wave, w.get());
+        delete p;
+
+        Pattern stranger("0", 1);
+        w->removeData(&stranger);
+        QCOMPARE(w->patterns.size(), 3);
+        QCOMPARE(w->foreverIndex, expected);
+    }
+
+    void duplicateData()
+    {
+        auto source = makeWave("src", "A:1 A:2 (-1:3", 77, true);
+        std::tie(source->group, source->polarity, source->spareInt, source->waveType, source->busWidth) =
+            std::make_tuple(5, 2, 9, 4, 8);
+        std::tie(source->formatValue, source->formatRatio) = std::make_tuple(quint64(123), qint16(-12));
+        source->isPattern = source->selected = source->expandFlag = true;
+        source->visible = false;
+        source->elements = QStringList{"a", "b"};
+
+        auto target = makeWave("dst", "0:9 1:9 0:9");
+        target->elements = QStringList{"old"};
+        Pattern* reused = target->patterns.at(0);
+        target->duplicateData(source.get());
+        QCOMPARE(target->name, QString("dst"));
+        QCOMPARE((QList<qint64>{target->group, target->polarity, target->spareInt, target->waveType,
+                                qint64(target->offset), qint64(target->formatValue), target->formatRatio,
+                                target->busWidth, target->foreverIndex}),
+                 (QList<qint64>{5, 2, 9, 4, 77, 123, -12, 8, 2}));
+        QVERIFY(target->isBus && target->isPattern);
+        QVERIFY(!target->visible && !target->selected && !target->expandFlag);
+        QCOMPARE(target->elements, QStringList({"a", "b"}));
+        QCOMPARE(segments(target.get()), QString("A:1 A:2 (-1:3"));
+        QCOMPARE(target->patterns.at(0), reused);
+
+        // New segments go through the merging append.
+        auto grow = makeWave("g", "0:5");
+        grow->duplicateData(makeWave("s", "1:1 1:2 0:3").get());
+        QCOMPARE(segments(grow.get()), QString("1:3 0:3"));
+
+        // A left-over forever mark must not move the tail.
+        auto marks = makeWave("m", "(1:1 0:2 (1:3");
+        marks->foreverIndex = 0;
+        auto fresh = makeWave("f", "");
+        fresh->duplicateData(marks.get());
+        QCOMPARE(fresh->foreverIndex, 0);
+    }
+
+    void duplicateDataKeepsSurplus()
+    {
+        // Surplus segments leave the list but stay alive for whoever holds them.
+        auto shrink = makeWave("t", "0:1 1:2 (0:3");
+        Pattern* second = shrink->patterns.at(1);
+        Pattern* third = shrink->patterns.at(2);
+        shrink->duplicateData(makeWave("s", "1:4").get());
+        QCOMPARE(segments(shrink.get()), QString("1:4"));
+        QCOMPARE(shrink->foreverIndex, -1);
+        QCOMPARE(second->value, std::string("1"));
+        QCOMPARE(third->duration, 3);
+        delete second;
+        delete third;
+    }
+
+    void document()
+    {
+        WaveformData doc;
+        QCOMPARE((QList<qint64>{doc.masterClockMult, doc.smallestUnit, doc.autoAssign, doc.decimals,
+                                qint64(doc.endTime)}),
+                 (QList<qint64>{1, 12, 0, 0, 1000}));
+        QVERIFY(doc.waves.isEmpty());
+
+        auto *a = new WaveData("clk"), *b = new WaveData("clk"), *c = new WaveData("data"), *d = new WaveData("en");
+        for (WaveData* w : {a, b, c, d})
+            doc.addWave(w);
+        QCOMPARE(doc.findWavebyName("clk"), a);
+        QCOMPARE(doc.findWavebyName("CLK"), nullptr);
+        QCOMPARE(doc.findWavebyName("cl"), nullptr);
+        QCOMPARE(doc.removeWave(c), 2);
+        QCOMPARE(doc.waves, QList<WaveData*>({a, b, d}));
+        WaveData outsider("x");
+        QCOMPARE(doc.removeWave(&outsider), -1);
+        QCOMPARE(doc.waves.size(), 3);
+
+        doc.loadText("%ENDTIME = 5000;\n%DECIMALS = 2;\n");
+        doc.ClearAll();
+        QVERIFY(doc.waves.isEmpty());
+        QCOMPARE(doc.endTime, quint64(5000));
+        QCOMPARE(doc.decimals, 2);
+
+        WaveData names("d");
+        names.elements << "pre";
+        WaveformData::genExpandWave(&names, "d", 2, 0);
+        WaveformData::genExpandWave(&names, "q", -1, 1);
+        WaveformData::genExpandWave(&names, "s", 7, 7);
+        QCOMPARE(names.elements, QStringList({"pre", "d[2]", "d[1]", "d[0]", "q[-1]", "q[0]", "q[1]", "s[7]"}));
+    }
+
+    void checkBusElements_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QStringList>("elements");   // empty: a single wave
+        QTest::addColumn<QString>("message");         // empty: accepted
+        QTest::newRow("element of bus") << "d[2]" << QStringList() << ElementOfBus;
+        QTest::newRow("case differs") << "D[2]" << QStringList() << QString();
+        QTest::newRow("same name as a single") << "x" << QStringList() << QString();
+        QTest::newRow("bus holds a single") << "n[1:0]" << QStringList{"z", "x"} << ElementsAdded;
+        QTest::newRow("bus shares a listed element") << "m[q]" << QStringList{"q"} << ElementsAdded;
+        QTest::newRow("bus shares a range element") << "n[1:0]" << QStringList{"d[1]", "d[0]"} << ElementsAdded;
+        QTest::newRow("disjoint bus of same name") << "d[3:0]" << QStringList{"k[1]", "k[0]"} << QString();
+    }
+    void checkBusElements()
+    {
+        QFETCH(QString, name);
+        QFETCH(QStringList, elements);
+        QFETCH(QString, message);
+        WaveformData doc;
+        auto* bus = new WaveData("d[3:0]");
+        bus->isBus = true;
+        WaveformData::genExpandWave(bus, "d", 3, 0);
+        doc.addWave(bus);
+        doc.addWave(new WaveData("x"));
+        auto* listed = new WaveData("e[p,q]");
+        listed->isBus = true;
+        listed->elements = QStringList{"p", "q"};
+        doc.addWave(listed);
+
+        WaveData candidate(name);
+        candidate.isBus = !elements.isEmpty();
+        candidate.elements = elements;
+        QString got;
+        QCOMPARE(doc.checkBusElements(&candidate, got), message.isEmpty());
+        if (!message.isEmpty())
+            QCOMPARE(got, message);
+        QVERIFY(WaveformData().checkBusElements(&candidate, got));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWaveData)
+#include "test_wavedata.moc"
