@@ -1,0 +1,120 @@
+#include "basehelp.h"
+
+#include <QDialog>
+#include <QFile>
+#include <QHash>
+#include <QPointer>
+#include <QRegularExpression>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+namespace kesu::toolvok {
+
+namespace {
+
+constexpr const char* MainPage = "waveform_editor";
+
+class HelpWindow : public QDialog
+{
+public:
+    HelpWindow()
+    {
+        setWindowTitle(QStringLiteral("Waveform Editor Help"));
+        setAttribute(Qt::WA_DeleteOnClose, false);
+        browser_ = new QTextBrowser(this);
+        browser_->setSearchPaths({QStringLiteral(":/help")});
+        browser_->setOpenExternalLinks(true);
+        auto* layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(browser_);
+        resize(640, 560);
+    }
+    void show(const QString& page)
+    {
+        page_ = page;
+        browser_->setSource(QUrl(QStringLiteral("qrc") + page));
+        QDialog::show();
+        raise();
+        activateWindow();
+    }
+    QString page() const { return page_; }
+
+private:
+    QTextBrowser* browser_;
+    QString page_;
+};
+
+QPointer<HelpWindow>& window()
+{
+    static QPointer<HelpWindow> w;
+    return w;
+}
+
+void showTopic(const QString& topic)
+{
+    QString page = BaseHelp::pageOf(topic);
+    if (page.isEmpty())
+        page = BaseHelp::pageOf(QLatin1String(MainPage));
+    if (!window())
+        window() = new HelpWindow;
+    window()->show(page);
+}
+
+QString readPage(const QString& path)
+{
+    static QHash<QString, QString> cache;
+    const auto found = cache.constFind(path);
+    if (found != cache.cend())
+        return *found;
+    QFile file(path);
+    const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    cache.insert(path, text);
+    return text;
+}
+
+} // namespace
+
+QString BaseHelp::pageOf(const QString& topic)
+{
+    const QString path = QStringLiteral(":/help/%1.html").arg(topic.toLower());
+    return QFile::exists(path) ? path : QString();
+}
+
+void BaseHelp::openHelpUrl(const QString& tool)
+{
+    showTopic(tool.isEmpty() || tool == QLatin1String("WAVE_EDITOR") ? QLatin1String(MainPage) : tool);
+}
+
+void BaseHelp::openDialogHelpUrl(const QString& topic)
+{
+    showTopic(topic);
+}
+
+void BaseHelp::openViewHelpUrl(const QString& topic)
+{
+    showTopic(topic);
+}
+
+QString BaseHelp::getWhatsThisText(const QString& topic, const QString& key)
+{
+    const QString page = pageOf(topic);
+    if (page.isEmpty())
+        return QString();
+    const QRegularExpression element(
+        QStringLiteral("<(\\w+)[^>]*\\bid=\"%1\"[^>]*>(.*?)</\\1>").arg(QRegularExpression::escape(key)),
+        QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch m = element.match(readPage(page));
+    return m.hasMatch() ? m.captured(2).trimmed() : QString();
+}
+
+QWidget* BaseHelp::helpWindow()
+{
+    return window();
+}
+
+QString BaseHelp::currentPage()
+{
+    return window() ? window()->page() : QString();
+}
+
+} // namespace kesu::toolvok

@@ -1,0 +1,250 @@
+#include "basguitool.h"
+
+#include "aboutdialog.h"
+#include "basehelp.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QKeySequence>
+#include <QMenu>
+#include <QMenuBar>
+#include <QStyle>
+#include <QToolBar>
+
+namespace kesu::toolvok {
+
+namespace {
+
+struct SharedActionInfo {
+    const char* name;
+    const char* text;
+    const char* themeIcon;
+    QStyle::StandardPixmap fallbackIcon;
+    QKeySequence::StandardKey key;
+    const char* extraKey;
+};
+
+// The frame's standard commands, with the platform's shortcuts and icons.
+const SharedActionInfo sharedInfo[] = {
+    {"new", "&New", "document-new", QStyle::SP_FileIcon, QKeySequence::New, nullptr},
+    {"open", "&Open...", "document-open", QStyle::SP_DialogOpenButton, QKeySequence::Open, nullptr},
+    {"save", "&Save", "document-save", QStyle::SP_DialogSaveButton, QKeySequence::Save, nullptr},
+    {"save as", "Save &As...", "document-save-as", QStyle::SP_CustomBase, QKeySequence::SaveAs, nullptr},
+    {"page setup", "Page Set&up...", "document-page-setup", QStyle::SP_CustomBase, QKeySequence::UnknownKey, nullptr},
+    {"print preview", "Print Pre&view...", "document-print-preview", QStyle::SP_FileDialogContentsView, QKeySequence::UnknownKey, nullptr},
+    {"print", "&Print...", "document-print", QStyle::SP_CustomBase, QKeySequence::Print, nullptr},
+    {"close", "&Close", "window-close", QStyle::SP_DialogCloseButton, QKeySequence::Close, nullptr},
+    {"undo", "&Undo", "edit-undo", QStyle::SP_ArrowBack, QKeySequence::Undo, nullptr},
+    {"redo", "&Redo", "edit-redo", QStyle::SP_ArrowForward, QKeySequence::Redo, nullptr},
+    {"cut", "Cu&t", "edit-cut", QStyle::SP_CustomBase, QKeySequence::Cut, nullptr},
+    {"copy", "&Copy", "edit-copy", QStyle::SP_CustomBase, QKeySequence::Copy, nullptr},
+    {"paste", "&Paste", "edit-paste", QStyle::SP_CustomBase, QKeySequence::Paste, nullptr},
+    {"clear", "Cl&ear", "edit-delete", QStyle::SP_TrashIcon, QKeySequence::UnknownKey, nullptr},
+    {"zoom in", "Zoom &In", "zoom-in", QStyle::SP_CustomBase, QKeySequence::ZoomIn, nullptr},
+    {"zoom out", "Zoom &Out", "zoom-out", QStyle::SP_CustomBase, QKeySequence::ZoomOut, nullptr},
+    {"zoom fit", "Zoom &Fit", "zoom-fit-best", QStyle::SP_CustomBase, QKeySequence::UnknownKey, "Ctrl+0"},
+    {"zoom area", "Zoom &Area", "zoom-select", QStyle::SP_CustomBase, QKeySequence::UnknownKey, nullptr},
+    {"refresh", "&Refresh", "view-refresh", QStyle::SP_BrowserReload, QKeySequence::Refresh, nullptr},
+    {"detach", "&Detach", "window-new", QStyle::SP_TitleBarNormalButton, QKeySequence::UnknownKey, nullptr},
+    {"attach", "A&ttach", "window", QStyle::SP_TitleBarMinButton, QKeySequence::UnknownKey, nullptr},
+    {"about", "&About...", "help-about", QStyle::SP_MessageBoxInformation, QKeySequence::UnknownKey, nullptr},
+    {"help", "&Help", "help-contents", QStyle::SP_DialogHelpButton, QKeySequence::HelpContents, nullptr},
+};
+
+} // namespace
+
+BasGUITool::BasGUITool(QWidget* parent, bool standalone) : QMainWindow(parent), m_standalone(standalone) {}
+
+BasGUITool::~BasGUITool() = default;
+
+const QStringList& BasGUITool::sharedActionNames()
+{
+    static const QStringList names = [] {
+        QStringList list;
+        for (const auto& info : sharedInfo)
+            list.append(QLatin1String(info.name));
+        return list;
+    }();
+    return names;
+}
+
+QString BasGUITool::stdMenuTitle(int menu)
+{
+    static const char* const titles[] = {"&File", "&Edit", "&View", "&Tools", "&Window", "&Help"};
+    return menu >= 0 && menu <= 5 ? QString::fromLatin1(titles[menu]) : QString();
+}
+
+bool BasGUITool::initialize()
+{
+    if (m_sharedActions.isEmpty())
+        createSharedActions();
+    if (!m_framed) {
+        m_framed = true;
+        buildMenuBar();
+        buildToolBars();
+    }
+    return true;
+}
+
+void BasGUITool::createSharedActions()
+{
+    for (const auto& info : sharedInfo) {
+        auto* action = new QAction(QString::fromLatin1(info.text), this);
+        action->setObjectName(QLatin1String(info.name));
+        QIcon icon = QIcon::fromTheme(QLatin1String(info.themeIcon));
+        if (icon.isNull() && info.fallbackIcon != QStyle::SP_CustomBase)
+            icon = style()->standardIcon(info.fallbackIcon);
+        action->setIcon(icon);
+        if (info.key != QKeySequence::UnknownKey)
+            action->setShortcuts(info.key);
+        else if (info.extraKey)
+            action->setShortcut(QKeySequence(QLatin1String(info.extraKey)));
+        m_sharedActions.insert(QLatin1String(info.name), action);
+    }
+    if (QAction* zoomArea = m_sharedActions.value(QStringLiteral("zoom area")))
+        zoomArea->setCheckable(true);
+    connect(m_sharedActions.value(QStringLiteral("close")), &QAction::triggered, this, &QWidget::close);
+    connect(m_sharedActions.value(QStringLiteral("detach")), &QAction::triggered, this,
+            [this] { Q_EMIT sigAttachRequest(this, false); });
+    connect(m_sharedActions.value(QStringLiteral("attach")), &QAction::triggered, this,
+            [this] { Q_EMIT sigAttachRequest(this, true); });
+}
+
+void BasGUITool::buildMenuBar()
+{
+    for (int m = FileMenu; m <= HelpMenu; ++m) {
+        const QStringList* names = stdMenuItems(static_cast<StdMenu>(m));
+        const QList<QAction*>* own = myMenuItems(static_cast<StdMenu>(m));
+        const bool hasNames = names && !names->isEmpty();
+        const bool hasOwn = own && !own->isEmpty();
+        if (!hasNames && !hasOwn)
+            continue;
+        QMenu* menu = menuBar()->addMenu(stdMenuTitle(m));
+        menu->setObjectName(QStringLiteral("menu%1").arg(m));
+        if (hasNames) {
+            for (const QString& name : *names) {
+                if (QAction* action = sharedAction(name))
+                    menu->addAction(action);
+            }
+        }
+        if (hasOwn) {
+            if (hasNames)
+                menu->addSeparator();
+            menu->addActions(*own);
+        }
+    }
+}
+
+void BasGUITool::buildToolBars()
+{
+    if (const QStringList* buttons = stdToolbarButtons(); buttons && !buttons->isEmpty()) {
+        QToolBar* bar = addToolBar(QStringLiteral("Standard"));
+        bar->setObjectName(QStringLiteral("standardToolBar"));
+        for (const QString& name : *buttons) {
+            if (QAction* action = sharedAction(name))
+                bar->addAction(action);
+        }
+    }
+    if (needSpecialToolBar()) {
+        m_specialToolBar = new QToolBar(toolName().isEmpty() ? QStringLiteral("Tool") : toolName(), this);
+        m_specialToolBar->setObjectName(QStringLiteral("specialToolBar"));
+        addToolBar(specialToolBarArea(), m_specialToolBar);
+    }
+}
+
+void BasGUITool::toolGUIInfo(QString& name, QString& title, QIcon& icon)
+{
+    name = toolName();
+    title = windowTitle();
+    icon = windowIcon();
+}
+
+QStringList BasGUITool::getModifiedFileList() const
+{
+    if (isModified() && !fullFileName().isEmpty())
+        return {fullFileName()};
+    return {};
+}
+
+bool BasGUITool::needToBeClosed(int reason, int)
+{
+    // 11: the host shuts down; 10: the common data files change.
+    if (reason == 11)
+        return true;
+    if (reason == 10)
+        return isCommonDataFile();
+    return false;
+}
+
+void BasGUITool::addButtonOnSpecialToolBar(QAction* action)
+{
+    if (m_specialToolBar)
+        m_specialToolBar->addAction(action);
+}
+
+void BasGUITool::addSeparatorOnSpecialToolBar()
+{
+    if (m_specialToolBar)
+        m_specialToolBar->addSeparator();
+}
+
+void BasGUITool::addWidgetOnSpecialToolBar(QWidget* widget)
+{
+    if (m_specialToolBar)
+        m_specialToolBar->addWidget(widget);
+}
+
+QList<QDockWidget*> BasGUITool::getDockWidget() const
+{
+    return findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+void BasGUITool::onClose(bool byHost)
+{
+    m_closeArgument = byHost;
+    close();
+}
+
+void BasGUITool::onAttached(bool attached, QWidget*)
+{
+    m_attached = attached;
+}
+
+void BasGUITool::onHelpAbout()
+{
+    QString name, title;
+    QIcon icon;
+    toolGUIInfo(name, title, icon);
+    AboutDialog(title, title, icon, this).exec();
+}
+
+void BasGUITool::onHelpHelp()
+{
+    BaseHelp::openHelpUrl(toolName());
+}
+
+bool BasGUITool::event(QEvent* event)
+{
+    if (event->type() == QEvent::WindowActivate)
+        onActivated();
+    else if (event->type() == QEvent::WindowDeactivate)
+        onDeactivated();
+    return QMainWindow::event(event);
+}
+
+QMenu* BasGUITool::createPopupMenu()
+{
+    return QMainWindow::createPopupMenu();
+}
+
+void BasGUITool::closeEvent(QCloseEvent* event)
+{
+    if (maybeSave())
+        event->accept();
+    else
+        event->ignore();
+}
+
+} // namespace kesu::toolvok

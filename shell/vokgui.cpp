@@ -1,0 +1,377 @@
+// Construction of the tool window and its contract with the host.
+#include "vokgui.h"
+
+#include "aboutdialog.h"
+#include "basehelp.h"
+#include "baseusrsettings.h"
+#include "editdlg.h"
+#include "patterndlg.h"
+#include "rulerview.h"
+#include "voknavigator.h"
+#include "wavedatadlg.h"
+#include "waveformdata.h"
+#include "wavelstview.h"
+#include "waveview.h"
+
+#include <QAction>
+#include <QDebug>
+#include <QFileInfo>
+#include <QFrame>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPrinter>
+#include <QScrollBar>
+#include <QSettings>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QTimer>
+#include <QUndoStack>
+
+namespace kesu::toolvok {
+
+int VokGUI::m_untitleNum = 1;
+
+VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool standalone)
+    : BasGUITool(parent, standalone)
+{
+    qDebug("New VokGUI.");
+    setAttribute(Qt::WA_DeleteOnClose, false);
+    m_toolTitle = standalone ? QStringLiteral("Waveform Editor (Stand-alone)") : QStringLiteral("Waveform Editor");
+    setWindowIcon(QIcon(QStringLiteral(":/images/waveform_editor.png")));
+
+    m_usrSettings = std::make_unique<BaseUsrSettings>(QStringLiteral("WAVE_EDITOR"));
+    readColors();
+
+    m_centralFrame = new QFrame(this);
+    m_data = new WaveformData;
+    m_printer = new QPrinter(QPrinter::HighResolution);
+    m_undoStack = new QUndoStack(this);
+
+    createViews();
+    createScrollBars();
+    layoutCentralFrame();
+
+    m_navigator = new VokNavigator(this);
+    m_waveView->installEventFilter(m_navigator);
+    installEventFilter(this);
+    m_waveView->installEventFilter(this);
+    m_ruler->installEventFilter(this);
+    m_waveList->installEventFilter(this);
+
+    createActions();
+    createDocks();
+    buildMenuLists();
+    takeFirstFile(files);
+    if (!m_fullFileName.isEmpty())
+        m_lastModified = QFileInfo(m_fullFileName).lastModified();
+    else
+        ++m_untitleNum;
+
+    m_autoSaveTimer = new QTimer(this);
+    connect(m_autoSaveTimer, &QTimer::timeout, this, &VokGUI::onAutoSave);
+}
+
+VokGUI::~VokGUI()
+{
+    SaveWinSettings();
+    // The views read the document while they go; take them down first.
+    delete m_centralFrame;
+    m_centralFrame = nullptr;
+    qDeleteAll(m_connections);
+    m_selection.clear();
+    // A cut leaves its segments to the clipboard alone; a copy made new ones.
+    qDeleteAll(m_clipboard);
+    delete m_data;
+    delete m_printer;
+}
+
+void VokGUI::readColors()
+{
+    struct Entry { const char* key; QColor* color; Qt::GlobalColor fallback; };
+    const Entry entries[] = {
+        {"color_back", &color_back, Qt::white}, {"color_names", &color_names, Qt::black},
+        {"color_h", &color_h, Qt::gray},        {"color_signal", &color_signal, Qt::blue},
+        {"color_bus", &color_bus, Qt::blue},    {"color_x", &color_x, Qt::red},
+        {"color_z", &color_z, Qt::gray},
+    };
+    for (const Entry& e : entries) {
+        const QVariant stored = m_usrSettings->value(QLatin1String(e.key));
+        // A stored value that is not a colour keeps the default.
+        const QColor color = stored.metaType().id() == QMetaType::QColor ? stored.value<QColor>()
+                                                                        : QColor(stored.toString());
+        *e.color = stored.isValid() && color.isValid() ? color : QColor(e.fallback);
+    }
+}
+
+void VokGUI::createViews()
+{
+    m_splitter = new QSplitter(Qt::Horizontal, m_centralFrame);
+    m_waveList = new WaveLstView(this, m_splitter);
+    m_waveView = new WaveView(this, m_splitter);
+    m_splitter->addWidget(m_waveList);
+    m_splitter->addWidget(m_waveView);
+    m_splitter->setHandleWidth(1);
+    m_splitter->setSizes({150, 600});
+    m_splitter->setChildrenCollapsible(false);
+    connect(m_splitter, &QSplitter::splitterMoved, this, &VokGUI::onChangeSplitter);
+
+    m_ruler = new RulerView(this, m_centralFrame);
+    m_ruler->setFixedHeight(50);
+}
+
+void VokGUI::createScrollBars()
+{
+    m_listHBar = new QScrollBar(Qt::Horizontal, m_centralFrame);
+    connect(m_listHBar, &QScrollBar::valueChanged, this, &VokGUI::onScrollLst_H);
+    connect(m_waveList->horizontalScrollBar(), &QScrollBar::valueChanged, this, &VokGUI::doListHScrollChanged);
+
+    m_waveHBar = new QScrollBar(Qt::Horizontal, m_centralFrame);
+    m_waveHBar->setPageStep(1);
+    connect(m_waveHBar, &QScrollBar::valueChanged, this, &VokGUI::onScrollWave_H);
+
+    m_waveVBar = new QScrollBar(Qt::Vertical, m_centralFrame);
+    connect(m_waveVBar, &QScrollBar::valueChanged, this, &VokGUI::onScrollWave_V);
+    connect(m_waveList->verticalScrollBar(), &QScrollBar::valueChanged, this, &VokGUI::doListVScrollChanged);
+}
+
+void VokGUI::layoutCentralFrame()
+{
+    auto* grid = new QGridLayout(m_centralFrame);
+    grid->setSpacing(0);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setColumnStretch(1, 1);
+    grid->addWidget(m_ruler, 0, 0, 1, 2);
+    grid->addWidget(m_splitter, 1, 0, 1, 2);
+    grid->addWidget(m_waveVBar, 1, 2);
+    grid->addWidget(m_listHBar, 2, 0);
+    grid->addWidget(m_waveHBar, 2, 1);
+    m_listHBar->setFixedWidth(150);
+    m_centralFrame->setFrameShape(QFrame::NoFrame);
+    setCentralWidget(m_centralFrame);
+}
+
+void VokGUI::createDocks()
+{
+    m_patternDlg = new PatternDlg(this, this);
+    m_waveDataDlg = new WaveDataDlg(this, this);
+    m_editDlg = new EditDlg(this, this);
+    addDockWidget(Qt::RightDockWidgetArea, m_patternDlg);
+    addDockWidget(Qt::RightDockWidgetArea, m_waveDataDlg);
+    addDockWidget(Qt::RightDockWidgetArea, m_editDlg);
+    tabifyDockWidget(m_editDlg, m_waveDataDlg);
+    tabifyDockWidget(m_waveDataDlg, m_patternDlg);
+
+    struct ViewAction { const char* text; QDockWidget* dock; void (VokGUI::*toggled)(bool); };
+    const ViewAction views[] = {
+        {"Waveform Properties View", m_waveDataDlg, &VokGUI::onToggleDataView},
+        {"Pulse Properties View", m_editDlg, &VokGUI::onTogglePropView},
+        {"Pattern View", m_patternDlg, &VokGUI::onTogglePatternView},
+    };
+    for (const ViewAction& v : views) {
+        auto* action = new QAction(QLatin1String(v.text), this);
+        action->setCheckable(true);
+        action->setChecked(true);
+        connect(action, &QAction::toggled, v.dock, &QDockWidget::setVisible);
+        connect(v.dock, &QDockWidget::visibilityChanged, this, v.toggled);
+        m_viewActions.append(action);
+    }
+    auto* separator = new QAction(this);
+    separator->setSeparator(true);
+    m_viewActions.append(separator);
+    m_jumpMenu = new QMenu(QStringLiteral("Jump to"), this);
+}
+
+void VokGUI::takeFirstFile(const QStringList& files)
+{
+    if (files.isEmpty())
+        return;
+    QString name = files.first();
+    if (name.startsWith(QLatin1Char('"')))
+        name = name.mid(1, name.size() - 2);
+    const QFileInfo info(name);
+    if (!name.isEmpty() && info.exists() && info.isFile())
+        m_fullFileName = info.absoluteFilePath();
+}
+
+bool VokGUI::initialize()
+{
+    m_settings = std::make_unique<QSettings>(QSettings::IniFormat, QSettings::UserScope,
+                                             QStringLiteral("Vostranelle"), QStringLiteral("WAVE_EDITOR"));
+    m_title = m_fullFileName.isEmpty() ? QStringLiteral("Untitled %1").arg(m_untitleNum - 1)
+                                       : QFileInfo(m_fullFileName).fileName();
+    m_fullTitle = m_toolTitle + QStringLiteral(" - ")
+        + (m_fullFileName.isEmpty() ? m_title : m_fullFileName);
+    BasGUITool::initialize();
+    initMyMenus();
+    initMyConnections();
+    if (isStandalone())
+        statusBar()->show();
+    if (!m_fullFileName.isEmpty())
+        LoadFile();
+    else
+        NewFile();
+    setWindowTitle(m_fullTitle);
+    GetWinSettings();
+    return true;
+}
+
+QString VokGUI::toolName() const
+{
+    return QStringLiteral("WAVE_EDITOR");
+}
+
+void VokGUI::toolGUIInfo(QString& name, QString& title, QIcon& icon)
+{
+    name = QStringLiteral("Waveform Editor");
+    title = QStringLiteral("Waveform Editor");
+    icon = windowIcon();
+}
+
+QString VokGUI::fileName() const
+{
+    return m_fullFileName.isEmpty() ? QString() : QFileInfo(m_fullFileName).fileName();
+}
+
+QString VokGUI::fullFileName() const
+{
+    return m_fullFileName;
+}
+
+QString VokGUI::getVirtualFileName() const
+{
+    return m_fullFileName.isEmpty() ? m_title : m_fullFileName;
+}
+
+bool VokGUI::isModified() const
+{
+    return m_modified;
+}
+
+QList<Connection*>* VokGUI::activeConnections()
+{
+    return &m_connections;
+}
+
+QList<QMenu*>* VokGUI::myMenus()
+{
+    return nullptr;
+}
+
+bool VokGUI::needSpecialToolBar() const
+{
+    return true;
+}
+
+void VokGUI::onToolSwitched(bool on)
+{
+    if (on)
+        onActivated();
+}
+
+void VokGUI::onAttached(bool attached, QWidget* frame)
+{
+    BasGUITool::onAttached(attached, frame);
+    if (attached)
+        return;
+    if (QAction* zoomArea = sharedAction(QStringLiteral("zoom area"))) {
+        if (zoomArea->isChecked() != isZooming())
+            zoomArea->setChecked(isZooming());
+    }
+}
+
+void VokGUI::onDefLayout()
+{
+    for (QDockWidget* dock : {static_cast<QDockWidget*>(m_waveDataDlg), static_cast<QDockWidget*>(m_editDlg),
+                              static_cast<QDockWidget*>(m_patternDlg)}) {
+        dock->setFloating(false);
+    }
+    m_waveDataDlg->show();
+    m_editDlg->show();
+    m_patternDlg->hide();
+}
+
+void VokGUI::helpTool()
+{
+    BaseHelp::openHelpUrl(toolName());
+}
+
+void VokGUI::helpAbout()
+{
+    QString name, title;
+    QIcon icon;
+    toolGUIInfo(name, title, icon);
+    AboutDialog(name, title, icon, this).exec();
+}
+
+namespace {
+QMessageBox::StandardButton messageBox(QMessageBox::Icon icon, const QString& text, QWidget* parent,
+                                       QMessageBox::StandardButtons buttons)
+{
+    QMessageBox box(icon, QObject::tr("Waveform Editor"), text, buttons, parent);
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+} // namespace
+
+QMessageBox::StandardButton VokGUI::showerrormsg(const QString& text, QWidget* parent)
+{
+    return messageBox(QMessageBox::Critical, text, parent, QMessageBox::Ok);
+}
+
+QMessageBox::StandardButton VokGUI::showwarnmsg(const QString& text, QWidget* parent)
+{
+    return messageBox(QMessageBox::Warning, text, parent, QMessageBox::Ok);
+}
+
+QMessageBox::StandardButton VokGUI::showconfirmmsg(const QString& text, QWidget* parent)
+{
+    return messageBox(QMessageBox::Question, text, parent,
+                      QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+}
+
+QMessageBox::StandardButton VokGUI::showmsg(const QString& text, QWidget* parent)
+{
+    return messageBox(QMessageBox::Information, text, parent, QMessageBox::Ok);
+}
+
+void VokGUI::onToggleDataView(bool visible)
+{
+    m_viewActions.at(0)->setChecked(visible);
+}
+
+void VokGUI::onTogglePropView(bool visible)
+{
+    m_viewActions.at(1)->setChecked(visible);
+}
+
+void VokGUI::onTogglePatternView(bool visible)
+{
+    m_viewActions.at(2)->setChecked(visible);
+    m_patternViewShown = visible;
+    if (visible)
+        m_patternDlg->LoadData();
+}
+
+void VokGUI::showEvent(QShowEvent* event)
+{
+    BasGUITool::showEvent(event);
+    if (m_shownOnce)
+        return;
+    m_shownOnce = true;
+    // The first fit needs the real width of the wave view, known only now.
+    onChangeSplitter();
+    if (!m_data->waves.isEmpty())
+        viewZoomfit();
+}
+
+void VokGUI::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && m_mode == ModeZoomArea) {
+        m_mode = action(ActEditMode)->isChecked() ? ModeEdit : ModeQuery;
+        setModeCursor();
+        return;
+    }
+    BasGUITool::keyReleaseEvent(event);
+}
+
+} // namespace kesu::toolvok

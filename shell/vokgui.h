@@ -1,0 +1,336 @@
+#pragma once
+
+#include "basguitool.h"
+#include "pattern.h"
+
+#include <QColor>
+#include <QDateTime>
+#include <QList>
+#include <QMap>
+#include <QMessageBox>
+#include <QStringList>
+
+#include <memory>
+#include <string>
+
+class QFile;
+class QFrame;
+class QIODevice;
+class QPrinter;
+class QScrollBar;
+class QSettings;
+class QSplitter;
+class QTimer;
+class QUndoStack;
+
+namespace kesu::toolvok {
+
+class BaseUsrSettings;
+class EditDlg;
+class PatternDlg;
+class RulerView;
+class VokNavigator;
+class WaveData;
+class WaveDataDlg;
+class WaveformData;
+class WaveLstView;
+class WaveView;
+
+// The waveform editor's tool window: one document, its views, docks, actions
+// and undo stack. Its members live in the folder of the concern they serve:
+// shell/ (construction, host contract, actions, lifecycle), edit/ (editing),
+// view/ (navigation and the text of times and values).
+class VokGUI : public BasGUITool
+{
+    Q_OBJECT
+public:
+    // Interaction modes.
+    enum Mode { ModeIgnore = 1, ModeZoomArea = 2, ModeQuery = 3, ModeEdit = 4 };
+    // Identifiers of the tool's own actions.
+    enum ActionId {
+        ActExport = 20, ActEditMode = 37, ActNewWave = 38, ActImportWave = 39, ActDupWave = 40,
+        ActShowWave = 41, ActHideWave = 42, ActRemoveWave = 43, ActInsertPattern = 45,
+        ActTimeSettings = 48, ActPlaceMarker = 65, ActHideMarker = 66, ActNextChange = 67,
+        ActJumpMarker = 68, ActJumpTime = 69, ActJumpZero = 70, ActJumpEnd = 71, ActTickLeft = 72,
+        ActTickRight = 73, ActLeft10 = 74, ActRight10 = 75, ActOptions = 91
+    };
+
+    VokGUI(QWidget* parent, QStringList files, QString& project, bool standalone);
+    ~VokGUI() override;
+
+    // --- host contract -----------------------------------------------------
+    bool initialize() override;
+    QString toolName() const override;
+    void toolGUIInfo(QString& name, QString& title, QIcon& icon) override;
+    QString fileName() const override;
+    QString fullFileName() const override;
+    QString getVirtualFileName() const override;
+    bool isModified() const override;
+    QList<Connection*>* activeConnections() override;
+    QStringList* stdMenuItems(StdMenu menu) override;
+    QList<QAction*>* myMenuItems(StdMenu menu) override;
+    QList<QMenu*>* myMenus() override;
+    QStringList* stdToolbarButtons() override;
+    bool needSpecialToolBar() const override;
+
+    static int untitledCounter() { return m_untitleNum; }
+
+    // --- message boxes, all titled "Waveform Editor" --------------------------
+    static QMessageBox::StandardButton showerrormsg(const QString& text, QWidget* parent);
+    static QMessageBox::StandardButton showwarnmsg(const QString& text, QWidget* parent);
+    static QMessageBox::StandardButton showconfirmmsg(const QString& text, QWidget* parent);
+    static QMessageBox::StandardButton showmsg(const QString& text, QWidget* parent);
+
+    // --- document, times and values ---------------------------------------
+    WaveformData* document() const { return m_data; }
+    bool loadData(QFile& file);
+    bool saveData(QIODevice& file);
+    QString getTimeString(quint64 t, bool withUnit) const;
+    quint64 convertTime(bool& ok, const QString& text) const;
+    QString getBusValueString(const std::string& value, int width) const;
+    quint64 getMaxEnd() const;
+    quint64 getEndTime() const;
+
+    // --- view state -------------------------------------------------------
+    quint64 startTime() const { return m_startTime; }
+    quint64 step() const { return m_step; }
+    void setStartTime(quint64 t) { m_startTime = t; }
+    int mode() const { return m_mode; }
+    void setMode(int mode) { m_mode = mode; }
+    int busRadix() const { return m_busRadix; }
+    void setBusRadix(int radix) { m_busRadix = radix; }
+    bool showGuideline() const { return m_showGuideline; }
+    void setShowGuideline(bool on) { m_showGuideline = on; }
+    QList<Pattern*>& selection() { return m_selection; }
+    QList<Pattern*>& clipboard() { return m_clipboard; }
+    WaveData* activeWave() const { return m_activeWave; }
+    bool isReadOnly() const { return m_readOnly; }
+    bool isZooming() const;
+    QAction* action(int id) const { return m_actionMap.value(id); }
+    const QMap<int, QAction*>& actionMap() const { return m_actionMap; }
+    QUndoStack* undoStack() const { return m_undoStack; }
+    QPrinter* printer() const { return m_printer; }
+
+    WaveView* waveView() const { return m_waveView; }
+    RulerView* rulerView() const { return m_ruler; }
+    WaveLstView* waveList() const { return m_waveList; }
+    QSplitter* splitter() const { return m_splitter; }
+    QScrollBar* waveHBar() const { return m_waveHBar; }
+    QScrollBar* waveVBar() const { return m_waveVBar; }
+    QScrollBar* listHBar() const { return m_listHBar; }
+    EditDlg* editDlg() const { return m_editDlg; }
+    WaveDataDlg* waveDataDlg() const { return m_waveDataDlg; }
+    PatternDlg* patternDlg() const { return m_patternDlg; }
+    VokNavigator* navigator() const { return m_navigator; }
+    BaseUsrSettings* usrSettings() const { return m_usrSettings.get(); }
+
+    // The drawing colours, in settings order.
+    QColor color_back, color_names, color_h, color_signal, color_bus, color_x, color_z;
+
+    // --- navigation (view/vokgui_navigation.cpp) --------------------------
+    void changeStep(quint64 s);
+    void zoomIn();
+    void zoomOut();
+    void zoomRange(quint64 a, quint64 b);
+    void changePointX(int x);
+    void changeRange(double a, double b);
+    quint64 getRangeStart() const;
+    quint64 getRangeEnd() const;
+    bool isMarked() const;
+    void setRulerStartX(int x);
+
+    // --- editing (edit/vokgui_edit.cpp) -----------------------------------
+    void setActiveWave(WaveData* wave);
+    void SetDirtyBit();
+    void ResetDirtyBit();
+    void setModeCursor();
+
+public Q_SLOTS:
+    bool maybeSave() override;
+    bool onSave() override;
+    void onActivated() override;
+    void onToolSwitched(bool on) override;
+    void onAttached(bool attached, QWidget* frame) override;
+    void onDefLayout() override;
+    void onLoadLayout(QSettings* settings) override;
+    void onSaveLayout(QSettings* settings) override;
+    void helpTool();
+    void helpAbout();
+    void onHelpAbout() override { helpAbout(); }
+    void onHelpHelp() override { helpTool(); }
+
+    // Lifecycle (shell/vokgui_lifecycle.cpp).
+    bool LoadFile();
+    bool SaveFile();
+    void NewFile();
+    void ClearAll();
+    void CloseFile();
+    void Reload();
+    void fileNew();
+    void fileOpen();
+    void fileClose();
+    bool fileSaveAs();
+    bool CompareData() const;
+    void titleChange();
+    void askKeepDeletedFile(const QString& path);
+    void changeReadonlyMode(bool readOnly);
+    void onEditDataChanged();
+    void fileExport();
+    void filePageSetup();
+    void filePrintPreview();
+    void filePrint();
+
+    // Editing.
+    void undo();
+    void redo();
+    void cutData();
+    void copyData();
+    void pasteData();
+    void clearData();
+    void onUndoChanged(bool can);
+    void onRedoChanged(bool can);
+    void onChangeMode(bool edit);
+    void newWave();
+    void importWave();
+    void dupWave();
+    void showWave();
+    void hideWave();
+    void removeWave();
+    void editTimeUnit();
+
+    // Navigation.
+    void Refresh();
+    void setBar();
+    void viewZoomin();
+    void viewZoomout();
+    void viewZoomfit();
+    void viewZoomto();
+    void onZooming(bool on);
+    void placeMarker();
+    void hideMarker();
+    void JumptoNext();
+    void JumptoMarker();
+    void JumptoTime();
+    void JumptoZero();
+    void JumptoEnd();
+    void JumptoLeft();
+    void JumptoRight();
+    void JumptoLeft10();
+    void JumptoRight10();
+    void onScrollWave_H();
+    void onScrollWave_V();
+    void onScrollLst_H();
+    void doListHScrollChanged(int v);
+    void doListVScrollChanged(int v);
+
+    // Layout.
+    void onChangeSplitter();
+    void onToggleDataView(bool visible);
+    void onTogglePropView(bool visible);
+    void onTogglePatternView(bool visible);
+    void onAutoSave();
+
+Q_SIGNALS:
+    void fileChanged(bool);
+    void alwaysAvailable(bool);
+    void editAvailable(bool);
+    void undoAvailable(bool);
+    void redoAvailable(bool);
+    void editdataChanged(bool);
+    void pastedataChanged(bool);
+    void sigOptionDialog();
+    void activeWaveChanged(bool);
+    void markChanged(bool);
+    void busWaveSelected(bool);
+    void viewmodeChanged(bool);
+    void sigZoomarea(bool);
+    void sigZoomAreaChecked(bool);
+    void sigQuitZooming();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    // Construction steps (shell/vokgui.cpp, shell/vokgui_actions.cpp).
+    void readColors();
+    void createViews();
+    void createScrollBars();
+    void layoutCentralFrame();
+    void createActions();
+    void createDocks();
+    void buildMenuLists();
+    void initMyMenus();
+    void initMyConnections();
+    void connectShared(const char* name, const char* signal, const QObject* receiver, const char* slot);
+    void enableShared(const char* name, const char* toolSignal);
+    void wireTableActions();
+    void takeFirstFile(const QStringList& files);
+    void GetWinSettings();
+    void SaveWinSettings();
+    void jumpTo(quint64 t);
+    void restartAutoSave();
+    QString dialogFolder() const;
+    bool askToSave();
+
+    // Host contract state.
+    QList<QAction*> m_menuItems[4];
+    QList<QAction*> m_toolbarItems;
+    QList<QAction*> m_viewActions;
+    QList<QAction*> m_jumpActions;
+    QMap<int, QAction*> m_actionMap;
+    QList<Connection*> m_connections;
+    QString m_toolTitle;
+    QString m_fullFileName;
+    QString m_lastFile;
+    std::unique_ptr<BaseUsrSettings> m_usrSettings;
+    QStringList m_stdMenuNames[6];
+    QStringList m_toolbarNames;
+    QMenu* m_jumpMenu = nullptr;
+
+    // The document and the widgets around it.
+    QFrame* m_centralFrame = nullptr;
+    WaveformData* m_data = nullptr;
+    QPrinter* m_printer = nullptr;
+    QUndoStack* m_undoStack = nullptr;
+    QSplitter* m_splitter = nullptr;
+    RulerView* m_ruler = nullptr;
+    WaveView* m_waveView = nullptr;
+    WaveLstView* m_waveList = nullptr;
+    QScrollBar* m_listHBar = nullptr;
+    QScrollBar* m_waveHBar = nullptr;
+    QScrollBar* m_waveVBar = nullptr;
+    EditDlg* m_editDlg = nullptr;
+    WaveDataDlg* m_waveDataDlg = nullptr;
+    PatternDlg* m_patternDlg = nullptr;
+    bool m_patternViewShown = false;
+    QDateTime m_lastModified;
+    QList<Pattern*> m_selection;
+    QList<Pattern*> m_clipboard;
+    QTimer* m_autoSaveTimer = nullptr;
+    VokNavigator* m_navigator = nullptr;
+    int m_mode = ModeQuery;
+    bool m_readOnly = false;
+    bool m_checkingChange = false;
+    bool m_modified = false;
+    bool m_askingDeleted = false;
+    bool m_fromCut = false;
+    bool m_shownOnce = false;
+    WaveData* m_activeWave = nullptr;
+
+    // View and option state.
+    quint64 m_startTime = 0;
+    quint64 m_step = 1;
+    quint64 m_viewEndTime = 0;
+    int m_busRadix = 0;
+    int m_autoSave = 0;
+    quint64 m_printFrom = 0;
+    quint64 m_printTo = 0;
+    bool m_showGuideline = false;
+    std::unique_ptr<QSettings> m_settings;
+
+    static int m_untitleNum;
+};
+
+} // namespace kesu::toolvok

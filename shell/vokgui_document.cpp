@@ -1,0 +1,66 @@
+// The document's file text and the text of times and bus values; the work is
+// done by the model's widget-free functions, which the command line shares.
+#include "vokgui.h"
+
+#include "rulerview.h"
+#include "timetext.h"
+#include "waveformdata.h"
+#include "wavelstview.h"
+#include "waveview.h"
+#include "wavewriter.h"
+
+#include <QFile>
+
+namespace kesu::toolvok {
+
+bool VokGUI::loadData(QFile& file)
+{
+    m_data->loadData(file);
+    m_viewEndTime = m_data->endTime;
+    // Either 1 or 2000, whatever it was before: the fit below sets the real step.
+    m_step = m_step == 0 ? 1 : 2000;
+    for (WaveData* wave : std::as_const(m_data->waves))
+        m_waveList->addWave(wave);
+    m_printFrom = 0;
+    m_printTo = getMaxEnd();
+    setBar();
+    m_ruler->update();
+    m_waveView->update();
+    viewZoomfit();
+    return file.error() == QFileDevice::NoError;
+}
+
+bool VokGUI::saveData(QIODevice& file)
+{
+    return writeWaveform(*m_data, file);
+}
+
+QString VokGUI::getTimeString(quint64 t, bool withUnit) const
+{
+    return TimeText::timeString(t, withUnit, m_data->smallestUnit, m_data->decimals);
+}
+
+quint64 VokGUI::convertTime(bool& ok, const QString& text) const
+{
+    return TimeText::parseTime(ok, text, m_data->smallestUnit, m_data->decimals);
+}
+
+QString VokGUI::getBusValueString(const std::string& value, int width) const
+{
+    return TimeText::busValueString(value, width, m_busRadix);
+}
+
+quint64 VokGUI::getMaxEnd() const
+{
+    return TimeText::maxEnd(*m_data);
+}
+
+quint64 VokGUI::getEndTime() const
+{
+    // Single precision and truncation, as every view computation does.
+    const float end = static_cast<float>(m_startTime)
+        + static_cast<float>(m_step) * static_cast<float>(m_waveView->width()) / 20.0f;
+    return static_cast<quint64>(end);
+}
+
+} // namespace kesu::toolvok
