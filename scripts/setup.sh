@@ -5,7 +5,7 @@ set -euo pipefail
 
 VOK_PACKAGES=(
     cmake ninja-build g++ pkg-config
-    qt6-base-dev qt6-base-dev-tools libgl-dev
+    qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev fonts-dejavu-core
     libgmp-dev
     xvfb xauth
 )
