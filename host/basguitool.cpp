@@ -105,7 +105,10 @@ void BasGUITool::createSharedActions()
     }
     if (QAction* zoomArea = m_sharedActions.value(QStringLiteral("zoom area")))
         zoomArea->setCheckable(true);
+    // The frame's own commands; the tool wires the rest by name.
     connect(m_sharedActions.value(QStringLiteral("close")), &QAction::triggered, this, &QWidget::close);
+    connect(m_sharedActions.value(QStringLiteral("about")), &QAction::triggered, this, &BasGUITool::onHelpAbout);
+    connect(m_sharedActions.value(QStringLiteral("help")), &QAction::triggered, this, &BasGUITool::onHelpHelp);
     connect(m_sharedActions.value(QStringLiteral("detach")), &QAction::triggered, this,
             [this] { Q_EMIT sigAttachRequest(this, false); });
     connect(m_sharedActions.value(QStringLiteral("attach")), &QAction::triggered, this,

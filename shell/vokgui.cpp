@@ -28,6 +28,13 @@
 #include <QTimer>
 #include <QUndoStack>
 
+// The resources live in a static library: without a reference to their
+// initialiser the linker drops them, and with them every icon and the help page.
+static void initToolResources()
+{
+    Q_INIT_RESOURCE(vokgui);
+}
+
 namespace kesu::toolvok {
 
 int VokGUI::m_untitleNum = 1;
@@ -36,6 +43,7 @@ VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool st
     : BasGUITool(parent, standalone)
 {
     qDebug("New VokGUI.");
+    initToolResources();
     setAttribute(Qt::WA_DeleteOnClose, false);
     m_toolTitle = standalone ? QStringLiteral("Waveform Editor (Stand-alone)") : QStringLiteral("Waveform Editor");
     setWindowIcon(QIcon(QStringLiteral(":/images/waveform_editor.png")));
@@ -75,6 +83,11 @@ VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool st
 VokGUI::~VokGUI()
 {
     SaveWinSettings();
+    // QWidget's destructor hides the docks of a shown window, and their
+    // visibility signals would reach this object after it stopped being a VokGUI.
+    for (QDockWidget* dock : {static_cast<QDockWidget*>(m_patternDlg), static_cast<QDockWidget*>(m_waveDataDlg),
+                              static_cast<QDockWidget*>(m_editDlg)})
+        disconnect(dock, nullptr, this, nullptr);
     // The views read the document while they go; take them down first.
     delete m_centralFrame;
     m_centralFrame = nullptr;

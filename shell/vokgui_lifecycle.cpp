@@ -81,7 +81,7 @@ bool VokGUI::LoadFile()
 
     setActiveWave(nullptr);
     hideMarker();
-    m_modified = false;
+    ResetDirtyBit();
     m_undoStack->clear();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
     restartAutoSave();

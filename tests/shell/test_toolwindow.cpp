@@ -1,0 +1,525 @@
+// The tool window as the host and the user meet it: its answers to the host,
+// its actions, menus and tool bars, its message boxes and the check for
+// changes made to the file by other programs.
+#include "vokgui.h"
+#include "editdlg.h"
+#include "patterndlg.h"
+#include "wavedatadlg.h"
+#include "waveformdata.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QDockWidget>
+#include <QFile>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMetaObject>
+#include <QPointer>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QToolBar>
+#include <QtTest>
+
+using namespace kesu::toolvok;
+
+namespace {
+
+const QString kStandaloneTitle = QStringLiteral("Waveform Editor (Stand-alone)");
+
+// Answers every message box that goes modal while it lives, in order, with
+// the given buttons, and records what each box showed.
+class BoxAnswerer : public QObject
+{
+public:
+    struct Seen {
+        QString title, text;
+        QMessageBox::Icon icon;
+        QMessageBox::StandardButtons buttons;
+        QMessageBox::StandardButton defaultButton;
+    };
+
+    explicit BoxAnswerer(QList<QMessageBox::StandardButton> answers) : m_answers(std::move(answers))
+    {
+        connect(&m_poll, &QTimer::timeout, this, &BoxAnswerer::poll);
+        m_poll.start(10);
+    }
+    QList<Seen> seen;
+
+private:
+    void poll()
+    {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box || box == m_last)
+            return;
+        m_last = box;
+        QPushButton* def = box->defaultButton();
+        seen.append({box->windowTitle(), box->text(), box->icon(), box->standardButtons(),
+                     def ? box->standardButton(def) : QMessageBox::NoButton});
+        const QMessageBox::StandardButton answer = m_answers.isEmpty() ? QMessageBox::No : m_answers.takeFirst();
+        if (QAbstractButton* button = box->button(answer))
+            button->click();
+        else
+            box->reject();
+    }
+
+    QList<QMessageBox::StandardButton> m_answers;
+    QPointer<QMessageBox> m_last;
+    QTimer m_poll;
+};
+
+QString exampleFile(const QString& name)
+{
+    return QStringLiteral(VOK_SOURCE_DIR "/examples/") + name;
+}
+
+// Pushes the file's modification time forward, as another program saving it would.
+void touchLater(const QString& path, int seconds)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(seconds), QFileDevice::FileModificationTime));
+}
+
+QList<QAction*> sharedActions(const BasGUITool& tool, const QStringList& names)
+{
+    QList<QAction*> list;
+    for (const QString& name : names)
+        list.append(tool.sharedAction(name));
+    return list;
+}
+
+QList<QAction*> toolActions(const VokGUI& gui, const QList<int>& ids)
+{
+    QList<QAction*> list;
+    for (int id : ids)
+        list.append(gui.action(id));
+    return list;
+}
+
+} // namespace
+
+class TestToolWindow : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    QString m_file;
+
+private Q_SLOTS:
+    void init()
+    {
+        QVERIFY(m_dir.isValid());
+        m_file = m_dir.filePath(QStringLiteral("counter.wdl"));
+        QFile::remove(m_file);
+        QVERIFY(QFile::copy(exampleFile(QStringLiteral("counter.wdl")), m_file));
+        QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner);
+    }
+
+    void hostContract()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, true);
+        QVERIFY(gui.initialize());
+        QCOMPARE(gui.toolName(), QStringLiteral("WAVE_EDITOR"));
+        QString name, title;
+        QIcon icon;
+        gui.toolGUIInfo(name, title, icon);
+        QCOMPARE(name, QStringLiteral("Waveform Editor"));
+        QCOMPARE(title, QStringLiteral("Waveform Editor"));
+        QCOMPARE(gui.windowTitle(), kStandaloneTitle + QStringLiteral(" - ") + m_file);
+        QCOMPARE(gui.fullFileName(), m_file);
+        QCOMPARE(gui.fileName(), QStringLiteral("counter.wdl"));
+        QCOMPARE(gui.getVirtualFileName(), m_file);
+        QVERIFY(!gui.document()->waves.isEmpty());
+
+        QVERIFY(gui.getModifiedFileList().isEmpty());
+        gui.SetDirtyBit();
+        QCOMPARE(gui.getModifiedFileList(), QStringList{m_file});
+        QVERIFY(gui.windowTitle().endsWith(QLatin1String(".wdl*")));
+        gui.SetDirtyBit();   // never two marks
+        QCOMPARE(gui.windowTitle(), kStandaloneTitle + QStringLiteral(" - ") + m_file + QLatin1Char('*'));
+        gui.ResetDirtyBit();
+        QCOMPARE(gui.windowTitle(), kStandaloneTitle + QStringLiteral(" - ") + m_file);
+
+        QVERIFY(gui.needToBeClosed(11, 0));
+        QVERIFY(!gui.needToBeClosed(10, 0));
+        QVERIFY(!gui.needToBeClosed(3, 0));
+        QVERIFY(!gui.isCommonDataFile());
+        QVERIFY(gui.needSpecialToolBar());
+        QVERIFY(!gui.myMenus());
+
+        // A quoted name, as shells and hosts pass paths with spaces.
+        VokGUI quoted(nullptr, QStringList{QLatin1Char('"') + m_file + QLatin1Char('"')}, project, true);
+        quoted.initialize();
+        QCOMPARE(quoted.fullFileName(), m_file);
+        QCOMPARE(quoted.document()->waves.size(), gui.document()->waves.size());
+
+        // The untitled counter is class-wide: two tools take consecutive numbers.
+        const int n = VokGUI::untitledCounter();
+        const QString missing = m_dir.filePath(QStringLiteral("missing.wdl"));
+        VokGUI first(nullptr, QStringList{missing}, project, true);
+        first.initialize();
+        VokGUI second(nullptr, QStringList{missing}, project, false);
+        second.initialize();
+        QCOMPARE(first.title(), QStringLiteral("Untitled %1").arg(n));
+        QCOMPARE(second.title(), QStringLiteral("Untitled %1").arg(n + 1));
+        QCOMPARE(first.windowTitle(), kStandaloneTitle + QStringLiteral(" - Untitled %1").arg(n));
+        QCOMPARE(second.windowTitle(), QStringLiteral("Waveform Editor - Untitled %1").arg(n + 1));
+        QVERIFY(first.fullFileName().isEmpty());
+        QVERIFY(first.fileName().isEmpty());
+        QCOMPARE(first.getVirtualFileName(), QStringLiteral("Untitled %1").arg(n));
+        first.SetDirtyBit();
+        QVERIFY(first.isModified());
+        QVERIFY(first.getModifiedFileList().isEmpty());
+
+        // Menus the host merges: Tools and Window depend on the mode.
+        QVERIFY(first.myMenuItems(ToolsMenu));
+        QCOMPARE(*first.myMenuItems(ToolsMenu), toolActions(first, {VokGUI::ActOptions}));
+        QVERIFY(!second.myMenuItems(ToolsMenu));
+        QVERIFY(first.stdMenuItems(WindowMenu) && first.stdMenuItems(WindowMenu)->isEmpty());
+        QCOMPARE(*second.stdMenuItems(WindowMenu), (QStringList{"detach", "attach"}));
+        QVERIFY(second.action(VokGUI::ActOptions));
+        for (VokGUI* tool : {&first, &second}) {
+            QVERIFY(!tool->stdMenuItems(ToolsMenu));
+            QVERIFY(!tool->stdMenuItems(static_cast<StdMenu>(6)));
+            QVERIFY(!tool->myMenuItems(WindowMenu));
+            QCOMPARE(*tool->stdMenuItems(FileMenu), (QStringList{"new", "open", "save", "save as", "page setup",
+                                                                "print preview", "print", "close"}));
+            QCOMPARE(*tool->stdMenuItems(EditMenu), (QStringList{"undo", "redo", "cut", "copy", "paste", "clear"}));
+            QCOMPARE(*tool->stdMenuItems(ViewMenu),
+                     (QStringList{"zoom in", "zoom out", "zoom fit", "zoom area", "refresh"}));
+            QCOMPARE(*tool->stdMenuItems(HelpMenu), (QStringList{"about", "help"}));
+            QCOMPARE(*tool->stdToolbarButtons(),
+                     (QStringList{"new", "open", "save", "print", "print preview", "undo", "redo", "cut", "copy",
+                                  "paste", "refresh", "zoom in", "zoom out", "zoom fit", "zoom area", "about",
+                                  "help"}));
+        }
+
+        // Untitled and unmodified still asks before closing.
+        {
+            VokGUI fresh(nullptr, QStringList(), project, true);
+            fresh.initialize();
+            const int next = VokGUI::untitledCounter();
+            BoxAnswerer answerer({QMessageBox::Cancel, QMessageBox::No});
+            QVERIFY(!fresh.maybeSave());
+            fresh.fileNew();
+            QCOMPARE(answerer.seen.size(), 2);
+            QCOMPARE(answerer.seen[0].text, QStringLiteral("Do you want to save your changes?"));
+            QCOMPARE(fresh.title(), QStringLiteral("Untitled %1").arg(next));
+            QCOMPARE(VokGUI::untitledCounter(), next + 1);
+        }
+    }
+
+    void menusAndConnections()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, false);
+        gui.initialize();
+
+        QCOMPARE(*gui.myMenuItems(FileMenu), toolActions(gui, {VokGUI::ActExport}));
+        const QList<QAction*> edit = *gui.myMenuItems(EditMenu);
+        QCOMPARE(edit.size(), 10);
+        for (int i : {1, 8})
+            QVERIFY2(edit[i]->isSeparator(), qPrintable(QString::number(i)));
+        QCOMPARE(edit.mid(0, 1), toolActions(gui, {37}));
+        QCOMPARE(edit.mid(2, 6), toolActions(gui, {38, 39, 40, 41, 42, 43}));
+        QCOMPARE(edit.mid(9), toolActions(gui, {48}));
+
+        const QList<QAction*> view = *gui.myMenuItems(ViewMenu);
+        QCOMPARE(view.size(), 7);
+        QCOMPARE(view.mid(0, 2), toolActions(gui, {65, 66}));
+        QVERIFY(view[2]->menu());
+        QCOMPARE(view[2]->text(), QStringLiteral("Jump to"));
+        QCOMPARE(view[2]->menu()->actions(), toolActions(gui, {67, 68, 69, 70, 71, 72, 73, 74, 75}));
+        QVERIFY(view[3]->isSeparator());
+        QStringList viewTexts;
+        for (QAction* a : view.mid(4)) {
+            QVERIFY(a->isCheckable());
+            viewTexts << a->text();
+        }
+        QCOMPARE(viewTexts, (QStringList{"Waveform Properties View", "Pulse Properties View", "Pattern View"}));
+
+        // The host wires these by name; each name must be a shared action and
+        // each tool-side signature must resolve on the tool.
+        const QList<Connection*>& records = *gui.activeConnections();
+        QCOMPARE(records.size(), 38);
+        auto same = [](const Connection* c, const char* s, const char* sig, const char* r, const char* slot) {
+            return c->sender == QLatin1String(s) && c->sender.isNull() == !s && c->signal == QLatin1String(sig)
+                && c->receiver == QLatin1String(r) && c->receiver.isNull() == !r && c->slot == QLatin1String(slot);
+        };
+        QVERIFY(same(records[0], nullptr, "2alwaysAvailable(bool)", "page setup", "1setEnabled(bool)"));
+        QVERIFY(same(records[6], nullptr, "2fileChanged(bool)", "save", "1setEnabled(bool)"));
+        QVERIFY(same(records[29], nullptr, "2sigZoomAreaChecked(bool)", "zoom area", "1setChecked(bool)"));
+        QVERIFY(same(records[30], nullptr, "2sigQuitZooming()", "zoom area", "1toggle()"));
+        QVERIFY(same(records[31], "zoom area", "2toggled(bool)", nullptr, "2sigZoomarea(bool)"));
+        QVERIFY(same(records[37], "help", "2triggered()", nullptr, "1onHelpHelp()"));
+        const QMetaObject* meta = gui.metaObject();
+        auto resolves = [meta](const QString& sig) {
+            const QByteArray norm = QMetaObject::normalizedSignature(sig.mid(1).toLatin1().constData());
+            return sig.startsWith(QLatin1Char('2')) ? meta->indexOfSignal(norm) >= 0 : meta->indexOfSlot(norm) >= 0;
+        };
+        for (const Connection* c : records) {
+            const QString& shared = c->sender.isNull() ? c->receiver : c->sender;
+            QVERIFY2(BasGUITool::sharedActionNames().contains(shared), qPrintable(shared));
+            QVERIFY2(resolves(c->sender.isNull() ? c->signal : c->slot), qPrintable(c->signal + c->slot));
+        }
+
+        // Default layout: two property docks shown and docked, patterns hidden.
+        gui.patternDlg()->show();
+        gui.waveDataDlg()->hide();
+        gui.editDlg()->setFloating(true);
+        gui.onDefLayout();
+        QVERIFY(!gui.waveDataDlg()->isHidden());
+        QVERIFY(!gui.editDlg()->isHidden());
+        QVERIFY(gui.patternDlg()->isHidden());
+        for (QDockWidget* dock : gui.getDockWidget())
+            QVERIFY(!dock->isFloating());
+    }
+
+    void actionMap()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, true);
+        gui.initialize();
+        const QMap<int, QString> texts = {
+            {20, "Export..."}, {37, "Edit Mode"}, {38, "New Wave..."}, {39, "Import Wave..."},
+            {40, "Duplicate Wave"}, {41, "Show Wave.."}, {42, "Hide Wave"}, {43, "Remove Wave..."},
+            {45, "Insert Pattern..."}, {48, "Timing Settings..."}, {65, "Place Marker"}, {66, "Hide Marker"},
+            {67, "Next Change"}, {68, "Marker"}, {69, "Time..."}, {70, "Time=0"}, {71, "Time=End"},
+            {72, "Tick Left"}, {73, "Tick Right"}, {74, "10 Left"}, {75, "10 Right"}, {91, "Options..."}};
+        QCOMPARE(gui.actionMap().keys(), texts.keys());
+        const QList<int> withIcon = {37, 38, 41, 42, 43, 65, 66};
+        const QMap<int, QKeySequence> keys = {
+            {37, QKeySequence(Qt::Key_F2)}, {67, QKeySequence(Qt::Key_Plus)}, {68, QKeySequence(Qt::Key_Minus)},
+            {70, QKeySequence(Qt::Key_Home)}, {71, QKeySequence(Qt::Key_End)}, {72, QKeySequence(Qt::Key_Left)},
+            {73, QKeySequence(Qt::Key_Right)}, {74, QKeySequence(Qt::SHIFT | Qt::Key_Left)},
+            {75, QKeySequence(Qt::SHIFT | Qt::Key_Right)}};
+        for (auto it = texts.cbegin(); it != texts.cend(); ++it) {
+            QAction* a = gui.action(it.key());
+            const QByteArray id = QByteArray::number(it.key());
+            QVERIFY2(a->text() == it.value(), id.constData());
+            const QStringList tip = a->statusTip().split(QLatin1Char('\n'));
+            QVERIFY2(tip.size() == 2 && tip[0] == tip[1] && !tip[0].isEmpty(), id.constData());
+            // The icons come from the tool's resources; a missing file gives no pixmap.
+            QVERIFY2(a->icon().pixmap(16).isNull() != withIcon.contains(it.key()), id.constData());
+            QVERIFY2(a->shortcut() == keys.value(it.key()), id.constData());
+        }
+        QCOMPARE(gui.action(20)->statusTip(), QStringLiteral("Export Waveform to File\nExport Waveform to File"));
+        QCOMPARE(gui.action(67)->statusTip(), QStringLiteral("Jump to Next Change\nJump to Next Change"));
+        QVERIFY(gui.action(37)->isCheckable());
+
+        // Each availability signal switches exactly its own actions.
+        auto allOn = [&gui] {
+            Q_EMIT gui.editAvailable(true);
+            Q_EMIT gui.activeWaveChanged(true);
+            Q_EMIT gui.markChanged(true);
+        };
+        auto disabledAfter = [&](void (VokGUI::*signal)(bool)) {
+            allOn();
+            (gui.*signal)(false);
+            QList<int> off;
+            for (auto it = gui.actionMap().cbegin(); it != gui.actionMap().cend(); ++it)
+                if (!it.value()->isEnabled())
+                    off << it.key();
+            return off;
+        };
+        QCOMPARE(disabledAfter(&VokGUI::editAvailable), (QList<int>{37, 38, 39, 41, 43, 48}));
+        QCOMPARE(disabledAfter(&VokGUI::activeWaveChanged), (QList<int>{40, 42, 67, 71}));
+        QCOMPARE(disabledAfter(&VokGUI::markChanged), (QList<int>{66, 68}));
+
+        QAction* save = gui.sharedAction(QStringLiteral("save"));
+        Q_EMIT gui.fileChanged(false);
+        QVERIFY(!save->isEnabled());
+        gui.SetDirtyBit();
+        QVERIFY(save->isEnabled());
+        gui.ResetDirtyBit();
+        QVERIFY(!save->isEnabled());
+
+        gui.action(VokGUI::ActEditMode)->setChecked(true);
+        gui.changeReadonlyMode(true);
+        QVERIFY(gui.isReadOnly());
+        QVERIFY(!gui.action(VokGUI::ActEditMode)->isChecked());
+        QVERIFY(!gui.action(VokGUI::ActEditMode)->isEnabled());
+        QVERIFY(!gui.sharedAction(QStringLiteral("save as"))->isEnabled());
+        gui.changeReadonlyMode(false);
+        QVERIFY(gui.sharedAction(QStringLiteral("save as"))->isEnabled());
+        QVERIFY(gui.action(VokGUI::ActEditMode)->isEnabled());
+    }
+
+    void standaloneFrame()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, true);
+        gui.initialize();
+        gui.resize(1000, 700);
+        gui.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&gui));
+
+        QStringList titles;
+        for (QAction* a : gui.menuBar()->actions())
+            titles << a->text().remove(QLatin1Char('&'));
+        QCOMPARE(titles, (QStringList{"File", "Edit", "View", "Tools", "Help"}));
+        const QList<QAction*> menus = gui.menuBar()->actions();
+        auto expect = [&](const QStringList& shared, const QList<QAction*>& own) {
+            QList<QAction*> list = sharedActions(gui, shared);
+            if (!shared.isEmpty() && !own.isEmpty())
+                list.append(nullptr);   // the separator
+            list.append(own);
+            return list;
+        };
+        auto actual = [](QAction* menu) {
+            QList<QAction*> list;
+            for (QAction* a : menu->menu()->actions())
+                list.append(a->isSeparator() && a->parent() == menu->menu() ? nullptr : a);
+            return list;
+        };
+        QCOMPARE(actual(menus[0]), expect(*gui.stdMenuItems(FileMenu), *gui.myMenuItems(FileMenu)));
+        QCOMPARE(actual(menus[1]), expect(*gui.stdMenuItems(EditMenu), *gui.myMenuItems(EditMenu)));
+        QCOMPARE(actual(menus[2]), expect(*gui.stdMenuItems(ViewMenu), *gui.myMenuItems(ViewMenu)));
+        QCOMPARE(actual(menus[3]), toolActions(gui, {VokGUI::ActOptions}));
+        QCOMPARE(actual(menus[4]), sharedActions(gui, {"about", "help"}));
+
+        auto* standard = gui.findChild<QToolBar*>(QStringLiteral("standardToolBar"));
+        QVERIFY(standard);
+        QCOMPARE(standard->actions().size(), 17);
+        QCOMPARE(standard->actions(), sharedActions(gui, *gui.stdToolbarButtons()));
+        QVERIFY(gui.specialToolBar());
+        QCOMPARE(gui.specialToolBar()->actions(), toolActions(gui, {37, 38, 41, 42, 43, 65, 66}));
+        QVERIFY(!gui.isHidden());
+    }
+
+    void messageBoxes()
+    {
+        struct Case {
+            QMessageBox::StandardButton (*show)(const QString&, QWidget*);
+            QMessageBox::Icon icon;
+            QMessageBox::StandardButtons buttons;
+            QMessageBox::StandardButton answer;
+        };
+        const Case cases[] = {
+            {&VokGUI::showerrormsg, QMessageBox::Critical, QMessageBox::Ok, QMessageBox::Ok},
+            {&VokGUI::showconfirmmsg, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
+             QMessageBox::Cancel},
+            {&VokGUI::showconfirmmsg, QMessageBox::Question, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
+             QMessageBox::Yes},
+            {&VokGUI::showwarnmsg, QMessageBox::Warning, QMessageBox::Ok, QMessageBox::Ok},
+            {&VokGUI::showmsg, QMessageBox::Information, QMessageBox::Ok, QMessageBox::Ok},
+        };
+        QWidget parent;
+        for (const Case& c : cases) {
+            BoxAnswerer answerer({c.answer});
+            QCOMPARE(c.show(QStringLiteral("some text"), &parent), c.answer);
+            QCOMPARE(answerer.seen.size(), 1);
+            QCOMPARE(answerer.seen[0].title, QStringLiteral("Waveform Editor"));
+            QCOMPARE(answerer.seen[0].text, QStringLiteral("some text"));
+            QCOMPARE(answerer.seen[0].icon, c.icon);
+            QCOMPARE(answerer.seen[0].buttons, c.buttons);
+        }
+    }
+
+    void escapeLeavesZoomArea()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, true);
+        gui.initialize();
+        auto release = [&gui](Qt::Key key) {
+            QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(&gui, &event);
+        };
+        for (bool edit : {true, false}) {
+            gui.action(VokGUI::ActEditMode)->setChecked(edit);
+            gui.setMode(VokGUI::ModeZoomArea);
+            release(Qt::Key_A);
+            QCOMPARE(gui.mode(), int(VokGUI::ModeZoomArea));
+            release(Qt::Key_Escape);
+            QCOMPARE(gui.mode(), edit ? int(VokGUI::ModeEdit) : int(VokGUI::ModeQuery));
+        }
+        // Outside zoom-area mode Escape changes nothing.
+        gui.setMode(VokGUI::ModeIgnore);
+        release(Qt::Key_Escape);
+        QCOMPARE(gui.mode(), int(VokGUI::ModeIgnore));
+    }
+
+    void changesByOtherPrograms()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, true);
+        gui.initialize();
+        const qsizetype waves = gui.document()->waves.size();
+        QVERIFY(waves > 2);
+
+        {   // Unchanged: nothing to ask.
+            BoxAnswerer answerer({});
+            gui.onActivated();
+            QVERIFY(answerer.seen.isEmpty());
+        }
+        touchLater(m_file, 60);
+        {   // Keep the shown version: it now differs from the disk.
+            BoxAnswerer answerer({QMessageBox::No});
+            gui.onActivated();
+            QCOMPARE(answerer.seen.size(), 1);
+            QCOMPARE(answerer.seen[0].title, QStringLiteral("Waveform Editor"));
+            QCOMPARE(answerer.seen[0].text,
+                     QStringLiteral("The file was modified by another program. Do you want to reload it?"));
+            QCOMPARE(answerer.seen[0].icon, QMessageBox::Question);
+            QVERIFY(gui.isModified());
+            QVERIFY(gui.windowTitle().endsWith(QLatin1Char('*')));
+            QCOMPARE(gui.document()->waves.size(), waves);
+            gui.onActivated();   // the new time is remembered: asked once
+            QCOMPARE(answerer.seen.size(), 1);
+        }
+        {   // Another program rewrote it with fewer waves; reloading shows them.
+            QFile source(exampleFile(QStringLiteral("counter.wdl")));
+            QVERIFY(source.open(QIODevice::ReadOnly));
+            QByteArray text;
+            for (int line = 0; line < 8; ++line)
+                text += source.readLine();
+            QFile out(m_file);
+            QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
+            out.write(text);
+            out.close();
+            touchLater(m_file, 120);
+            BoxAnswerer answerer({QMessageBox::Yes});
+            gui.onActivated();
+            QCOMPARE(answerer.seen.size(), 1);
+            QVERIFY(!gui.isModified());
+            QVERIFY(gui.getModifiedFileList().isEmpty());
+            VokGUI fresh(nullptr, QStringList{m_file}, project, false);
+            fresh.initialize();
+            QVERIFY(fresh.document()->waves.size() < waves);
+            QCOMPARE(gui.document()->waves.size(), fresh.document()->waves.size());
+        }
+        {   // Deleted: asked once in the life of the tool, No keeps it open.
+            QVERIFY(QFile::remove(m_file));
+            BoxAnswerer answerer({QMessageBox::No, QMessageBox::No});
+            gui.onActivated();
+            gui.onActivated();
+            QCOMPARE(answerer.seen.size(), 1);
+            QCOMPARE(answerer.seen[0].title, QStringLiteral("Close non-existing file"));
+            QCOMPARE(answerer.seen[0].text,
+                     QStringLiteral("The file \"%1\" doesn't exist any more. Close it?").arg(m_file));
+            QCOMPARE(answerer.seen[0].buttons, QMessageBox::Yes | QMessageBox::No);
+            QCOMPARE(answerer.seen[0].defaultButton, QMessageBox::No);
+            QCOMPARE(gui.fullFileName(), m_file);
+            QVERIFY(!gui.closedByHost());
+        }
+    }
+};
+
+int main(int argc, char** argv)
+{
+    // The tool reads and writes the user's settings: keep them in a sandbox.
+    QTemporaryDir config;
+    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    TestToolWindow test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_toolwindow.moc"
