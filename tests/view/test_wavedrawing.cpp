@@ -1,0 +1,687 @@
+// The wave view's and the ruler's pictures, rendered offscreen from documents
+// built by hand and checked pixel by pixel at places known from the time
+// scale (20 pixels per step, 40-pixel rows).
+
+#include "rulerview.h"
+#include "vokgui.h"
+#include "waveformdata.h"
+#include "waveview.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using namespace kesu::toolvok;
+
+namespace {
+
+const QColor Back(255, 255, 255);
+const QColor Signal(0, 0, 255);
+const QColor Bus(0, 128, 0);
+const QColor DontCare(200, 0, 100);
+const QColor Ink(0, 0, 128);
+const QColor Gray(Qt::gray);
+const QColor Red(Qt::red);
+const QColor Black(Qt::black);
+
+constexpr int Width = 400;
+constexpr int Height = 200;
+
+QColor at(const QImage& image, int x, int y)
+{
+    return QColor(image.pixel(x, y));
+}
+
+// How many pixels of the rectangle [x0, x1] x [y0, y1] have exactly the colour.
+int count(const QImage& image, const QColor& color, int x0, int y0, int x1, int y1)
+{
+    int n = 0;
+    for (int y = y0; y <= y1; ++y)
+        for (int x = x0; x <= x1; ++x)
+            n += image.pixel(x, y) == color.rgb();
+    return n;
+}
+
+} // namespace
+
+class TestWaveDrawing : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<VokGUI> gui_;
+    WaveView* view_ = nullptr;
+    RulerView* ruler_ = nullptr;
+
+    WaveformData* doc() const { return gui_->document(); }
+
+    // "value:duration" per segment, blank-separated; "(" in front of the first
+    // segment of the forever tail. Appended without merging.
+    WaveData* addWave(const QString& segments, quint64 offset = 0, int busWidth = 0)
+    {
+        auto* wave = new WaveData(QStringLiteral("w%1").arg(doc()->waves.size()));
+        wave->offset = offset;
+        if (busWidth > 0) {
+            wave->isBus = true;
+            wave->busWidth = busWidth;
+        }
+        for (QString item : segments.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            const bool forever = item.startsWith(QLatin1Char('('));
+            const QStringList parts = item.mid(forever ? 1 : 0).split(QLatin1Char(':'));
+            auto* p = new Pattern(parts.at(0).toStdString(), parts.at(1).toInt());
+            p->forever = forever;
+            wave->insertData(p, nullptr);
+            if (forever)
+                wave->foreverIndex = int(wave->patterns.size()) - 1;
+        }
+        doc()->addWave(wave);
+        return wave;
+    }
+
+    // A wave of n alternating levels of the given duration.
+    WaveData* addToggling(int n, int duration = 1)
+    {
+        auto* wave = new WaveData(QStringLiteral("t%1").arg(doc()->waves.size()));
+        for (int i = 0; i < n; ++i)
+            wave->insertData(new Pattern(i % 2 ? "1" : "0", duration), nullptr);
+        doc()->addWave(wave);
+        return wave;
+    }
+
+    void setView(quint64 start, quint64 step)
+    {
+        gui_->setStartTime(start);
+        gui_->changeStep(step);
+    }
+
+    QImage paint(int width = Width, int height = Height)
+    {
+        view_->resize(width, height);
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(Qt::magenta);
+        view_->render(&image);
+        if (view_->size() != QSize(width, height))
+            qFatal("the wave view was laid out to another size while rendering");
+        return image;
+    }
+
+    // The ruler keeps the size initTestCase gives it: resizing a view moves
+    // the ruler's origin to the width of the name column.
+    QImage paintRuler()
+    {
+        // Resizing the wave view moves the ruler's origin to the splitter;
+        // the ruler cases all measure from 100.
+        ruler_->originX = 100;
+        QImage image(ruler_->size(), QImage::Format_RGB32);
+        image.fill(Qt::magenta);
+        ruler_->render(&image);
+        return image;
+    }
+
+    void send(QWidget* target, QEvent::Type type, Qt::MouseButton button, QPoint pos)
+    {
+        const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
+        QMouseEvent event(type, QPointF(pos), target->mapToGlobal(QPointF(pos)), button, buttons, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &event);
+    }
+
+    // Collects the selection [a, b] on the wave as a release does.
+    void collect(WaveData* wave, double a, double b, int mode = VokGUI::ModeEdit)
+    {
+        wave->selected = true;
+        gui_->setMode(mode);
+        gui_->selection().clear();
+        view_->selectionStart = a;
+        view_->selectionEnd = b;
+        view_->snappedStart = view_->snappedEnd = 0;
+        view_->collectSelection = true;
+        paint();
+        view_->collectSelection = false;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QString project;
+        gui_ = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
+        gui_->initialize();
+        view_ = gui_->waveView();
+        ruler_ = gui_->rulerView();
+        QVERIFY(view_ && ruler_);
+        // The first render lays the hidden window out; sizes set after it stay.
+        QImage settle(8, 8, QImage::Format_RGB32);
+        gui_->render(&settle);
+        ruler_->resize(600, 50);
+        ruler_->render(&settle);
+        QCOMPARE(ruler_->size(), QSize(600, 50));
+    }
+
+    void init()
+    {
+        gui_->ClearAll();
+        gui_->selection().clear();
+        gui_->color_back = Back;
+        gui_->color_signal = Signal;
+        gui_->color_bus = Bus;
+        gui_->color_x = DontCare;
+        gui_->color_names = Ink;
+        gui_->setShowGuideline(false);
+        gui_->setBusRadix(3);
+        gui_->setMode(VokGUI::ModeQuery);
+        view_->setPalette(QPalette(Back));
+        ruler_->setPalette(QPalette(Back));
+        view_->firstVisibleRow = 0;
+        view_->markerTime = view_->cursorTime = 0;
+        view_->selectionStart = view_->selectionEnd = 0;
+        view_->snappedStart = view_->snappedEnd = 0;
+        view_->selectionIsRange = view_->highlightOff = view_->collectSelection = false;
+        view_->selectedPattern = view_->selectedPattern2 = nullptr;
+        view_->setProperty("directPaint", false);
+        ruler_->originX = 100;
+        ruler_->mouseX = 400;
+        ruler_->rangeActive = false;
+        ruler_->rangeStart = ruler_->rangeEnd = 0;
+        setView(0, 1);
+    }
+
+    void cleanupTestCase()
+    {
+        gui_->ClearAll();
+        gui_.reset();
+    }
+
+    // ----- single signals ---------------------------------------------------
+
+    void levelsAndEdges()
+    {
+        addWave("0:2 1:3 0:2");    // row 0
+        addWave("1:2 -1:2 0:2");   // row 1: no edge after a don't care...
+        addWave("1:2 -2:2 0:2");   // row 2: ...nor after high impedance
+        addWave("1:2 1:0 1:2");    // row 3: an empty pattern draws nothing
+        addWave("1:2", 3);         // row 4: low up to the offset
+        const QImage img = paint(Width, 240);
+        QCOMPARE(at(img, 20, 40), Signal);    // low: row top + 40
+        QCOMPARE(at(img, 20, 10), Back);
+        QCOMPARE(at(img, 70, 10), Signal);    // high: row top + 10
+        QCOMPARE(at(img, 70, 40), Back);
+        QCOMPARE(at(img, 40, 25), Signal);    // rising edge
+        QCOMPARE(at(img, 100, 25), Signal);   // falling edge
+        QCOMPARE(at(img, 120, 40), Signal);
+        QCOMPARE(at(img, 150, 40), Back);     // nothing after the end
+
+        QCOMPARE(at(img, 100, 80), Signal);
+        QCOMPARE(at(img, 80, 65), Back);
+        QCOMPARE(at(img, 100, 120), Signal);
+        QCOMPARE(at(img, 80, 105), Back);
+        QCOMPARE(at(img, 60, 130), Signal);
+        QCOMPARE(count(img, Signal, 38, 131, 42, 159), 0);
+
+        QCOMPARE(at(img, 30, 200), Signal);
+        QCOMPARE(at(img, 60, 185), Signal);   // edge from the offset's 0
+        QCOMPARE(at(img, 80, 170), Signal);
+        QCOMPARE(at(img, 110, 170), Back);
+    }
+
+    void dontCareAndHighZBoxes()
+    {
+        addWave("1:2 -1:2 0:2 -2:2");
+        const QImage img = paint();
+        // Don't care: hatched over x 40..79, y 10..39, one hatch pixel in
+        // eight on every line, nothing outside.
+        for (int y = 10; y <= 39; ++y)
+            QCOMPARE(count(img, DontCare, 40, y, 47, y), 1);
+        QCOMPARE(count(img, DontCare, 30, 0, 39, Height - 2), 0);
+        QCOMPARE(count(img, DontCare, 80, 0, Width - 2, Height - 2), 0);
+        QCOMPARE(count(img, DontCare, 40, 40, 79, 45), 0);
+        // Its letter, centred at 40 + 20 - 4 with its baseline 8 above the low level.
+        int letter = 0;
+        for (int y = 20; y < 32; ++y)
+            for (int x = 56; x < 64; ++x)
+                letter += at(img, x, y) != Back && at(img, x, y).red() > at(img, x, y).green();
+        QVERIFY(letter > 12);
+
+        // High impedance: outlined in gray over x 120..159, with a "Z".
+        for (int x = 120; x <= 159; ++x) {
+            QCOMPARE(at(img, x, 10), Gray);
+            QCOMPARE(at(img, x, 39), Gray);
+        }
+        for (int y = 10; y <= 39; ++y) {
+            QCOMPARE(at(img, 120, y), Gray);
+            QCOMPARE(at(img, 159, y), Gray);
+        }
+        QCOMPARE(at(img, 125, 20), Back);
+        QVERIFY(count(img, Gray, 136, 22, 144, 32) > 0);
+        QCOMPARE(count(img, Gray, 160, 0, Width - 2, Height - 2), 0);
+    }
+
+    void rowsOfShownWavesWithGuideLines()
+    {
+        WaveData* hidden = addWave("1:5");
+        addWave("0:5");
+        hidden->visible = false;   // takes no row
+        QImage img = paint();
+        QCOMPARE(at(img, 50, 40), Signal);
+        QCOMPARE(at(img, 50, 10), Back);
+        QCOMPARE(count(img, Signal, 1, 41, Width - 2, Height - 2), 0);
+
+        hidden->visible = true;
+        gui_->setShowGuideline(true);
+        img = paint();
+        QCOMPARE(at(img, 50, 10), Signal);
+        QCOMPARE(at(img, 50, 80), Signal);
+        // A dotted line 8 below each row's low level.
+        for (int y : {48, 88}) {
+            QVERIFY(count(img, Black, 1, y, Width - 2, y) > 100);
+            for (int x = 1; x < Width - 2; ++x)
+                QVERIFY(!(at(img, x, y) == Black && at(img, x + 1, y) == Black));
+        }
+        QCOMPARE(count(img, Black, 1, 120, Width - 2, Height - 2), 0);
+
+        view_->firstVisibleRow = 1;   // the first wave scrolled out above
+        img = paint();
+        QCOMPARE(at(img, 50, 40), Signal);
+        QCOMPARE(at(img, 50, 10), Back);
+    }
+
+    // ----- buses ---------------------------------------------------------------
+
+    void busShapesAndText()
+    {
+        setView(0, 2);   // 10 pixels per time unit
+        addWave("A5:6 1F:1 3:2", 0, 8);
+        QImage img = paint();
+        QCOMPARE(at(img, 30, 10), Bus);      // hexagon over 0..60
+        QCOMPARE(at(img, 30, 40), Bus);
+        QCOMPARE(at(img, 2, 10), Back);      // its left bevel
+        QCOMPARE(at(img, 60, 25), Bus);      // where hexagon and diamond meet
+        QCOMPARE(at(img, 65, 10), Bus);      // the diamond's tips, 60..70
+        QCOMPARE(at(img, 65, 40), Bus);
+        QCOMPARE(at(img, 61, 10), Back);
+        QCOMPARE(at(img, 69, 40), Back);
+        QCOMPARE(at(img, 76, 10), Bus);      // 20 pixels: a hexagon again,
+        QCOMPARE(at(img, 84, 10), Bus);      // its top edge over 75..85
+        QVERIFY(count(img, Bus, 10, 15, 50, 35) > 0);   // "A5"
+        QVERIFY(count(img, Bus, 76, 20, 84, 33) > 0);   // "3"
+
+        // Binary "10100101" is 64 pixels of text: too wide for 60.
+        gui_->setBusRadix(0);
+        img = paint();
+        QCOMPARE(count(img, Bus, 10, 15, 50, 35), 0);
+        QCOMPARE(at(img, 30, 10), Bus);
+
+        // Begun left of the view: the edges run from the left side, no bevel.
+        gui_->setBusRadix(3);
+        setView(1, 2);
+        img = paint();
+        QCOMPARE(at(img, 2, 10), Bus);
+        QCOMPARE(at(img, 2, 40), Bus);
+
+        // Before its offset a bus reads 0, bevelled only at time 0.
+        init();
+        setView(0, 2);
+        addWave("A:3", 4, 8);
+        img = paint();
+        QCOMPARE(at(img, 20, 10), Bus);
+        QCOMPARE(at(img, 2, 10), Back);
+        QVERIFY(count(img, Bus, 16, 20, 24, 33) > 0);   // "0"
+        setView(2, 2);
+        img = paint();
+        QCOMPARE(at(img, 2, 10), Bus);
+        QCOMPARE(at(img, 14, 10), Bus);                // 20 pixels: still a hexagon
+        QVERIFY(count(img, Bus, 6, 20, 14, 33) > 0);    // with its "0"
+    }
+
+    void expandedBusBitRows()
+    {
+        WaveData* bus = addWave("1:2 2:2 -1:1 3:1", 0, 2);
+        bus->expandFlag = true;
+        addWave("1:5");   // below the bus and its two bit rows
+        QImage img = paint();
+        QCOMPARE(at(img, 20, 10), Bus);
+        // Bit row 0 shows bit 1: 0 then 1.
+        QCOMPARE(at(img, 20, 80), Black);
+        QCOMPARE(at(img, 60, 50), Black);
+        QCOMPARE(at(img, 40, 65), Black);
+        // Bit row 1 shows bit 0: 1 then 0.
+        QCOMPARE(at(img, 20, 90), Black);
+        QCOMPARE(at(img, 60, 120), Black);
+        QCOMPARE(at(img, 40, 105), Black);
+        // Don't care in the bus row and in both bit rows.
+        for (int top : {0, 40, 80})
+            QVERIFY(count(img, DontCare, 80, top + 10, 87, top + 39) > 0);
+        QCOMPARE(count(img, DontCare, 100, 0, Width - 2, Height - 2), 0);
+        // After the don't care both bits are 1, without an edge.
+        QCOMPARE(at(img, 110, 50), Black);
+        QCOMPARE(at(img, 110, 90), Black);
+        QCOMPARE(at(img, 100, 65), Back);
+        QCOMPARE(at(img, 100, 105), Back);
+        QCOMPARE(at(img, 50, 130), Signal);   // the next wave in row 3
+
+        // Scrolled by two rows: bit row 1 is at the top.
+        view_->firstVisibleRow = 2;
+        img = paint();
+        QCOMPARE(at(img, 20, 10), Black);
+        QCOMPARE(at(img, 60, 40), Black);
+        QCOMPARE(at(img, 40, 25), Black);
+        QCOMPARE(count(img, Bus, 1, 1, Width - 2, Height - 2), 0);
+        QCOMPARE(at(img, 50, 50), Signal);
+    }
+
+    // ----- forever tail ---------------------------------------------------------
+
+    void foreverTailRepeatsToTheRightEdge()
+    {
+        addWave("0:1 (1:1 0:1");
+        QImage img = paint();
+        QCOMPARE(at(img, 30, 10), Signal);
+        QCOMPARE(at(img, 50, 40), Signal);
+        QCOMPARE(count(img, Gray, 1, 10, 59, 39), 0);   // the written part
+        QVERIFY(count(img, Gray, 60, 10, 99, 39) > 0);  // repeated over clone blocks
+        QVERIFY(count(img, Gray, 360, 10, 398, 39) > 0);
+        QCOMPARE(at(img, 390, 10), Signal);   // high over [60 + 40m, 80 + 40m]
+        QCOMPARE(at(img, 370, 40), Signal);
+
+        // However far the view scrolls.
+        setView(1000001, 1);
+        img = paint();
+        QCOMPARE(at(img, 10, 10), Signal);
+        QCOMPARE(at(img, 30, 40), Signal);
+        QCOMPARE(at(img, 390, 40), Signal);
+        QCOMPARE(at(img, 390, 10), Back);
+        QVERIFY(count(img, Gray, 1, 10, 398, 39) > 0);
+    }
+
+    // ----- marker and cursor ----------------------------------------------------
+
+    void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
+    {
+        view_->markerTime = 5;
+        QImage img = paint();
+        QCOMPARE(at(img, 100, 150), Red);
+        QCOMPARE(count(img, Red, 0, 0, Width - 1, Height - 1), Height - 2);
+        setView(4, 1);
+        QCOMPARE(at(paint(), 20, 150), Red);
+        setView(5, 1);
+        QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
+        view_->markerTime = NoTime;   // hidden
+        setView(0, 1);
+        QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
+
+        view_->cursorTime = 7;
+        for (int mode : {1, 2, 3, 4}) {
+            gui_->setMode(mode);
+            QCOMPARE(at(paint(), 140, 150), mode >= 3 ? Black : Back);
+        }
+    }
+
+    // ----- selection ------------------------------------------------------------
+
+    void selectionCollectsAndSnaps()
+    {
+        WaveData* wave = addWave("0:1 1:2 0:2 1:1");   // [0,1] [1,3] [3,5] [5,6]
+        collect(wave, 4.2, 1.3);
+        QCOMPARE(gui_->selection(), (QList<Pattern*>{wave->patterns.at(1), wave->patterns.at(2)}));
+        QCOMPARE(view_->snappedStart, 1.5);
+        QCOMPARE(view_->snappedEnd, 4.5);
+        QCOMPARE(view_->selectionStart, 1.5);
+        QCOMPARE(view_->selectionEnd, 4.5);
+
+        // A single time on a boundary takes both patterns that meet there.
+        collect(wave, 3, 3);
+        QCOMPARE(gui_->selection(), (QList<Pattern*>{wave->patterns.at(1), wave->patterns.at(2)}));
+
+        // Nothing is collected outside edit mode, with the highlight off or
+        // for a free range; the selection times stay.
+        for (int variant = 0; variant < 3; ++variant) {
+            view_->highlightOff = variant == 1;
+            view_->selectionIsRange = variant == 2;
+            if (variant == 0)
+                collect(wave, 1.3, 4.2, VokGUI::ModeQuery);
+            else
+                collect(wave, 1.3, 4.2);
+            QVERIFY(gui_->selection().isEmpty());
+            QCOMPARE(view_->selectionStart, 1.3);
+        }
+        view_->highlightOff = view_->selectionIsRange = false;
+        wave->selected = false;
+
+        // Right of the right edge (the view shows 20 time units)...
+        WaveData* right = addWave("0:100 1:5 0:5 1:5");
+        collect(right, 101, 109);
+        QCOMPARE(gui_->selection(), (QList<Pattern*>{right->patterns.at(1), right->patterns.at(2)}));
+        QCOMPARE(view_->selectionStart, 100.5);
+        QCOMPARE(view_->selectionEnd, 109.5);
+        right->selected = false;
+
+        // ...and in a row below the bottom edge (five rows show).
+        for (int i = 0; i < 8; ++i)
+            addWave("1:3");
+        WaveData* below = addWave("0:2 1:2 0:2");
+        collect(below, 2.5, 3.5);
+        QCOMPARE(gui_->selection(), QList<Pattern*>{below->patterns.at(1)});
+        QCOMPARE(view_->selectionStart, 2.5);
+        QCOMPARE(view_->selectionEnd, 3.5);
+    }
+
+    void selectionIsMarkedAboveAndBelowTheRow()
+    {
+        WaveData* wave = addWave("0:1 1:2 0:2 1:1");
+        collect(wave, 1.3, 4.2);
+        const QImage img = paint();
+        // Two-pixel lines over [1,5], x 20..100, at y 5 and 45 (each covers the
+        // pixel row above its y as well).
+        for (int y : {4, 5, 44, 45}) {
+            QCOMPARE(at(img, 60, y), Black);
+            QCOMPARE(at(img, 10, y), Back);
+            QCOMPARE(at(img, 110, y), Back);
+        }
+        // A free range is marked from its own times.
+        view_->selectionIsRange = true;
+        view_->selectionStart = 2;
+        view_->selectionEnd = 3;
+        const QImage range = paint();
+        QCOMPARE(at(range, 50, 5), Black);
+        QCOMPARE(at(range, 30, 5), Back);
+        QCOMPARE(at(range, 70, 5), Back);
+    }
+
+    // ----- cost and fidelity of painting ------------------------------------------
+
+    void paintingCostsWhatIsVisible()
+    {
+        // Segments right of the view cost nothing.
+        addToggling(25);
+        paint();
+        const int few = view_->lastPaintPrimitives();
+        QVERIFY(few > 20);
+        init();
+        addToggling(100025);
+        paint();
+        QCOMPARE(view_->lastPaintPrimitives(), few);
+
+        // Rows below the bottom edge cost nothing.
+        init();
+        for (int i = 0; i < 5; ++i)
+            addToggling(25);
+        paint();
+        const int fiveRows = view_->lastPaintPrimitives();
+        for (int i = 0; i < 2000; ++i)
+            addToggling(25);
+        paint();
+        QCOMPARE(view_->lastPaintPrimitives(), fiveRows);
+
+        // Thousands of segments per pixel cost about the pixels.
+        init();
+        addToggling(200000);
+        view_->resize(Width, Height);
+        gui_->zoomRange(0, 200000);
+        paint();
+        QVERIFY2(view_->lastPaintPrimitives() < 4 * Width,
+                 qPrintable(QString::number(view_->lastPaintPrimitives())));
+    }
+
+    void gatheredPaintingEqualsDirectPainting_data()
+    {
+        QTest::addColumn<quint64>("start");
+        QTest::addColumn<quint64>("step");
+        QTest::newRow("step 1") << quint64(0) << quint64(1);
+        QTest::newRow("step 1, scrolled") << quint64(7) << quint64(1);
+        QTest::newRow("step 2") << quint64(3) << quint64(2);
+        QTest::newRow("sub-pixel") << quint64(0) << quint64(50);
+        QTest::newRow("fit") << quint64(0) << quint64(0);
+    }
+    void gatheredPaintingEqualsDirectPainting()
+    {
+        QFETCH(quint64, start);
+        QFETCH(quint64, step);
+        QString mixed, busy, tail;
+        for (int i = 0; i < 400; ++i) {
+            const char* values[] = {"0", "1", "1", "-1", "0", "-2", "1", "0"};
+            mixed += QStringLiteral("%1:%2 ").arg(values[i % 8]).arg(1 + i % 3);
+            const QString number = i % 7 == 3 ? QStringLiteral("-1") : QString::number(i * 37 % 256, 16);
+            busy += QStringLiteral("%1:%2 ").arg(number).arg(1 + i % 4);
+            if (i < 10)
+                tail += QStringLiteral("%1%2:%3 ").arg(i == 0 ? "(" : "").arg(number).arg(1 + i % 2);
+        }
+        addWave(mixed, 2);   // above the view
+        WaveData* bus = addWave(busy, 5, 8);
+        bus->expandFlag = true;
+        addWave("0:3 (1:2 -1:1 0:1 -2:1", 1);
+        addWave(busy + tail, 0, 8);
+        WaveData* selected = addWave(mixed, 0);
+        selected->selected = true;
+        gui_->setShowGuideline(true);
+        view_->markerTime = 30;
+        view_->cursorTime = 40;
+        view_->selectedPattern = selected->patterns.at(5);
+        view_->selectedPattern2 = bus->patterns.at(9);
+        gui_->setMode(VokGUI::ModeEdit);
+        view_->selectionStart = 20;
+        view_->selectionEnd = 700;
+        view_->firstVisibleRow = 1;
+        view_->resize(Width, 500);
+        if (step == 0)
+            gui_->zoomRange(0, gui_->getMaxEnd());
+        else
+            setView(start, step);
+
+        const QImage gathered = paint(Width, 500);
+        const int gatheredCount = view_->lastPaintPrimitives();
+        view_->setProperty("directPaint", true);
+        const QImage direct = paint(Width, 500);
+        QVERIFY(gathered == direct);
+        QVERIFY(gatheredCount <= view_->lastPaintPrimitives());
+    }
+
+    // ----- ruler ------------------------------------------------------------------
+
+    void rulerTicksFromTheStart_data()
+    {
+        QTest::addColumn<quint64>("start");
+        QTest::addColumn<int>("minors");
+        QTest::addColumn<quint64>("labelStart");
+        // labelStart: a start whose first major tick comes at x 300 with the
+        // same label as the tick under test.
+        QTest::newRow("on the grid") << quint64(100) << 0 << quint64(0);
+        QTest::newRow("start 10") << quint64(10) << 9 << quint64(0);
+        QTest::newRow("start 15") << quint64(15) << 9 << quint64(5);
+        QTest::newRow("start 55") << quint64(55) << 5 << quint64(5);
+        QTest::newRow("start 1230") << quint64(1230) << 7 << quint64(1200);
+    }
+    void rulerTicksFromTheStart()
+    {
+        QFETCH(quint64, start);
+        QFETCH(int, minors);
+        QFETCH(quint64, labelStart);
+        setView(start, 10);
+        const QImage img = paintRuler();
+        // Height 50, half 25: minor ticks from y 40, major ticks from y 35.
+        for (int i = 0; i < minors; ++i) {
+            const int x = 100 + 20 * i;
+            QCOMPARE(at(img, x, 45), Ink);
+            QCOMPARE(at(img, x, 37), Back);
+            QCOMPARE(at(img, x + 10, 45), Back);
+        }
+        const int major = 100 + 20 * minors;
+        QCOMPARE(at(img, major, 37), Ink);
+        QCOMPARE(at(img, major + 200, 37), Ink);
+        QCOMPARE(at(img, major + 20, 37), Back);
+
+        // Its label equals the label of the same time elsewhere.
+        setView(labelStart, 10);
+        const QImage reference = paintRuler();
+        QCOMPARE(at(reference, 300, 37), Ink);
+        const QImage label = img.copy(major - 20, 0, 40, 34);
+        QVERIFY(count(label, Back, 0, 0, 39, 33) < 40 * 34 - 20);
+        QCOMPARE(label, reference.copy(300 - 20, 0, 40, 34));
+        QVERIFY(label != reference.copy(100 - 20, 0, 40, 34));
+    }
+
+    void rulerMarksARange()
+    {
+        setView(0, 10);
+        ruler_->rangeActive = true;
+        ruler_->rangeStart = 50;
+        ruler_->rangeEnd = 20;
+        QImage img = paintRuler();
+        for (int x : {150, 170, 190})
+            QCOMPARE(at(img, x, 45), Black);
+        QCOMPARE(at(img, 140, 45), Back);   // inside the white outline
+        QCOMPARE(at(img, 130, 45), Back);
+        QCOMPARE(at(img, 210, 45), Back);
+        ruler_->rangeEnd = 50;
+        img = paintRuler();
+        QCOMPARE(count(img, Black, 100, 36, 599, 48), 0);
+    }
+
+    void rulerMouse()
+    {
+        setView(1000, 10);
+        QCOMPARE(ruler_->timeAt(150), quint64(1020));
+        QCOMPARE(ruler_->timeAt(40), quint64(1000));   // never left of the start
+
+        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(40, 10));
+        QCOMPARE(ruler_->mouseX, 0);
+        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(175, 10));
+        QCOMPARE(ruler_->mouseX, 75);
+
+        // Outside zoom mode a range ends at the first move.
+        send(ruler_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(150, 10));
+        QVERIFY(ruler_->rangeActive);
+        QCOMPARE(ruler_->rangeStart, quint64(1020));
+        QCOMPARE(ruler_->rangeEnd, quint64(1020));
+        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(210, 10));
+        QVERIFY(!ruler_->rangeActive);
+
+        send(ruler_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(150, 10));
+        send(ruler_, QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(150, 10));
+        QVERIFY(!ruler_->rangeActive);
+
+        // Another button leaves the zoom-area mode for the checked mode.
+        for (bool edit : {false, true}) {
+            gui_->action(VokGUI::ActEditMode)->setChecked(edit);
+            gui_->setMode(VokGUI::ModeZoomArea);
+            send(ruler_, QEvent::MouseButtonRelease, Qt::RightButton, QPoint(150, 10));
+            QCOMPARE(gui_->mode(), edit ? int(VokGUI::ModeEdit) : int(VokGUI::ModeQuery));
+        }
+        gui_->action(VokGUI::ActEditMode)->setChecked(false);
+    }
+};
+
+int main(int argc, char** argv)
+{
+    // The tool reads and writes the user's settings: keep them in a sandbox.
+    QTemporaryDir config;
+    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    TestWaveDrawing test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_wavedrawing.moc"
