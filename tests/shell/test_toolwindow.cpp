@@ -24,6 +24,8 @@
 #include <QToolBar>
 #include <QtTest>
 
+#include "sandboxedtestmain.h"
+
 using namespace kesu::toolvok;
 
 namespace {
@@ -510,16 +512,6 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char** argv)
-{
-    // The tool reads and writes the user's settings: keep them in a sandbox.
-    QTemporaryDir config;
-    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    TestToolWindow test;
-    return QTest::qExec(&test, argc, argv);
-}
+VOK_SANDBOXED_TEST_MAIN(TestToolWindow)
 
 #include "test_toolwindow.moc"

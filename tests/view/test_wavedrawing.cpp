@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "sandboxedtestmain.h"
+
 #include <memory>
 
 using namespace kesu::toolvok;
@@ -672,16 +674,6 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char** argv)
-{
-    // The tool reads and writes the user's settings: keep them in a sandbox.
-    QTemporaryDir config;
-    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    TestWaveDrawing test;
-    return QTest::qExec(&test, argc, argv);
-}
+VOK_SANDBOXED_TEST_MAIN(TestWaveDrawing)
 
 #include "test_wavedrawing.moc"
