@@ -8,6 +8,7 @@
 // Each figure is the median wall-clock time of R paints (default 15), with
 // the number of primitives the paint drew. --png writes the pictures.
 
+#include "generated_document.h"
 #include "vokgui.h"
 #include "waveformdata.h"
 #include "waveview.h"
@@ -38,69 +39,6 @@ struct Options {
     quint64 seed = 1;
     QString pngDir;
 };
-
-// splitmix64
-class Rng
-{
-public:
-    explicit Rng(quint64 seed) : state_(seed) {}
-    quint64 next()
-    {
-        quint64 z = (state_ += 0x9e3779b97f4a7c15ULL);
-        z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9ULL;
-        z = (z ^ (z >> 27)) * 0x94d049bb133111ebULL;
-        return z ^ (z >> 31);
-    }
-    quint64 below(quint64 n) { return next() % n; }
-
-private:
-    quint64 state_;
-};
-
-std::string hexOf(quint64 v)
-{
-    char digits[20];
-    const auto r = std::to_chars(digits, digits + sizeof digits, v, 16);
-    return std::string(digits, r.ptr);
-}
-
-// Levels and bus values at random, 3 % don't care and 2 % high impedance,
-// durations 1 to 1000, offsets below 1000; about one wave in a hundred ends
-// in a forever tail.
-WaveData* makeWave(Rng& rng, int index, int segments)
-{
-    const bool bus = index % 4 == 3;
-    const int width = bus ? 8 + int(rng.below(57)) : 1;
-    auto* wave = new WaveData(bus ? QStringLiteral("data%1[%2:0]").arg(index).arg(width - 1)
-                                  : QStringLiteral("sig%1").arg(index));
-    wave->isBus = bus;
-    wave->busWidth = width;
-    wave->offset = rng.below(1000);
-    const quint64 mask = width >= 64 ? ~quint64(0) : (quint64(1) << width) - 1;
-    const int foreverAt = index % 100 == 42 ? segments - 1 - int(rng.below(std::min(segments, 64))) : -1;
-    wave->patterns.reserve(segments);
-    std::string previous;
-    for (int k = 0; k < segments; ++k) {
-        std::string value;
-        do {
-            const quint64 pick = rng.below(100);
-            if (pick < 3)
-                value = Values::DontCare;
-            else if (pick < 5)
-                value = Values::HighZ;
-            else if (!bus)
-                value = pick & 1 ? "1" : "0";
-            else
-                value = hexOf(rng.next() & mask);
-        } while (value == previous);
-        auto* p = new Pattern(value, qint32(1 + rng.below(1000)));
-        p->forever = k == foreverAt;
-        wave->insertData(p, nullptr);
-        previous = std::move(value);
-    }
-    wave->foreverIndex = foreverAt;
-    return wave;
-}
 
 double now()
 {
@@ -166,9 +104,8 @@ int main(int argc, char** argv)
     gui->initialize();
 
     const double t0 = now();
-    Rng rng(opt.seed);
     for (int i = 0; i < opt.waves; ++i)
-        gui->document()->addWave(makeWave(rng, i, opt.segments));
+        gui->document()->addWave(makeGeneratedWave(opt.seed, i, opt.segments).release());
     const double built = now() - t0;
 
     WaveView* view = gui->waveView();
