@@ -52,9 +52,10 @@ QPointer<HelpWindow>& window()
 
 void showTopic(const QString& topic)
 {
+    // A topic without a page of its own is a section of the main page.
     QString page = BaseHelp::pageOf(topic);
     if (page.isEmpty())
-        page = BaseHelp::pageOf(QLatin1String(MainPage));
+        page = BaseHelp::pageOf(QLatin1String(MainPage)) + QLatin1Char('#') + topic;
     if (!window())
         window() = new HelpWindow;
     window()->show(page);

@@ -77,8 +77,8 @@ void WaveLstView::removeWave(int row)
     if (!wave)
         return;
     int count = 1;
-    while (row + count < model_->rowCount() && !waveAt(row + count)
-           && static_cast<WaveItem*>(model_->item(row + count))->wave == nullptr)
+    // The element rows of an expanded bus follow it and go with it.
+    while (row + count < model_->rowCount() && !waveAt(row + count))
         ++count;
     model_->removeRows(row, count);
 }

@@ -5,6 +5,8 @@
 #include "editdlg.h"
 #include "patterndlg.h"
 #include "wavedatadlg.h"
+#include "basehelp.h"
+#include "waveview.h"
 #include "waveformdata.h"
 
 #include <QAbstractButton>
@@ -444,6 +446,33 @@ private Q_SLOTS:
         gui.setMode(VokGUI::ModeIgnore);
         release(Qt::Key_Escape);
         QCOMPARE(gui.mode(), int(VokGUI::ModeIgnore));
+    }
+
+    void helpFromKeysAndMenus()
+    {
+        QString project;
+        VokGUI gui(nullptr, QStringList{m_file}, project, true);
+        gui.initialize();
+        auto f1 = [](QObject* target) {
+            QKeyEvent event(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
+            QCoreApplication::sendEvent(target, &event);
+        };
+        const QString main = QStringLiteral(":/help/waveform_editor.html");
+        f1(gui.waveView());
+        QCOMPARE(BaseHelp::currentPage(), main + QStringLiteral("#wave_display"));
+        QVERIFY(BaseHelp::helpWindow()->isVisible());
+        f1(&gui);
+        QCOMPARE(BaseHelp::currentPage(), main);
+        BaseHelp::helpWindow()->hide();
+        gui.sharedAction(QStringLiteral("help"))->trigger();
+        QVERIFY(BaseHelp::helpWindow()->isVisible());
+        QCOMPARE(BaseHelp::currentPage(), main);
+        // What's-this texts are the marked sections of the pages.
+        QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
+                 QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
+        QVERIFY(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("nothing")).isEmpty());
+        QVERIFY(BaseHelp::getWhatsThisText(QStringLiteral("no_such_page"), QStringLiteral("x")).isEmpty());
+        BaseHelp::helpWindow()->hide();
     }
 
     void changesByOtherPrograms()
