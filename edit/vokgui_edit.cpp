@@ -40,12 +40,7 @@ void VokGUI::setModeCursor()
 void VokGUI::onChangeMode(bool edit)
 {
     m_mode = edit ? ModeEdit : ModeQuery;
-    // Leaving or entering edit mode drops the selection.
-    m_selection.clear();
-    m_editDlg->LoadData(nullptr, m_selection);
-    if (m_mode == ModeQuery)
-        Refresh();
-    setModeCursor();
+    ChangeMode();
     if (edit) {
         Q_EMIT viewmodeChanged(true);
         onEditDataChanged();
@@ -54,6 +49,39 @@ void VokGUI::onChangeMode(bool edit)
         Q_EMIT pastedataChanged(false);
         Q_EMIT viewmodeChanged(false);
     }
+}
+
+void VokGUI::ChangeMode()
+{
+    // Entering or leaving edit mode drops the selection.
+    m_selection.clear();
+    m_editDlg->LoadData(nullptr, m_selection);
+    if (m_mode == ModeQuery)
+        Refresh();
+    setModeCursor();
+}
+
+void VokGUI::LoadEditData()
+{
+    if (m_mode == ModeEdit)
+        m_editDlg->LoadData(m_activeWave, m_selection);
+    if (m_patternDlg)
+        m_patternDlg->updateButton();
+}
+
+void VokGUI::DisplayData()
+{
+    m_waveDataDlg->LoadData(m_activeWave);
+    if (m_patternViewShown)
+        m_patternDlg->updateButton();
+}
+
+void VokGUI::selectWave(int y)
+{
+    const int row = y / WaveView::RowHeight + m_waveView->firstVisibleRow;
+    const QModelIndex index = m_waveList->itemModel()->index(row, 0);
+    if (index.isValid() && !m_waveList->selectionModel()->isSelected(index))
+        m_waveList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
 }
 
 void VokGUI::onEditDataChanged()
@@ -150,16 +178,10 @@ bool VokGUI::eventFilter(QObject* watched, QEvent* event)
     return BasGUITool::eventFilter(watched, event);
 }
 
-// Clipboard and wave operations arrive with the editing commands.
-void VokGUI::cutData() {}
-void VokGUI::copyData() {}
-void VokGUI::pasteData() {}
-void VokGUI::clearData() {}
+// The dialogs that these open arrive with their own features.
 void VokGUI::newWave() {}
 void VokGUI::importWave() {}
-void VokGUI::dupWave() {}
 void VokGUI::showWave() {}
-void VokGUI::hideWave() {}
 void VokGUI::removeWave() {}
 void VokGUI::editTimeUnit() {}
 void VokGUI::fileExport() {}

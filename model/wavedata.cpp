@@ -208,4 +208,11 @@ QList<Pattern*> WaveData::duplicateData(const WaveData* source)
     return surplus;
 }
 
+WaveData* snapshotOf(const WaveData* source)
+{
+    auto* copy = new WaveData(source->name);
+    copy->duplicateData(source);   // an empty wave has no surplus
+    return copy;
+}
+
 } // namespace kesu::toolvok

@@ -57,4 +57,8 @@ public:
     QMap<Pattern*, QString> patternNames;
 };
 
+// A new wave of the same name holding a copy of every attribute and segment of
+// source: the undo commands' snapshots, and the copies that go into a document.
+WaveData* snapshotOf(const WaveData* source);
+
 } // namespace kesu::toolvok

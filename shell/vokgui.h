@@ -144,6 +144,26 @@ public:
     void SetDirtyBit();
     void ResetDirtyBit();
     void setModeCursor();
+    void addEditData(quint64 time);
+    void addWave(WaveData* wave);
+    void removeWave(WaveData* wave);
+    void insertWave(WaveData* wave, int index);
+    void moveWave(WaveData* wave, int from, int to);
+    void showWave(WaveData* wave);
+    void hideWave(WaveData* wave);
+    void resetForever(WaveData* wave);
+    void mergeAfterEdit(WaveData* wave);
+    void LoadEditData();
+    void ChangeMode();
+    void selectWave(int y);
+    void DisplayData();
+    bool isFromCut() const { return m_fromCut; }
+    // Deletes segments that an edit or an undo took out of a wave, after
+    // forgetting them wherever the selection state still refers to them.
+    void discardSegments(const QList<Pattern*>& segments);
+    // Empties the clipboard; its segments are deleted unless a paste moved
+    // them into a wave.
+    void dropClipboard();
 
 public Q_SLOTS:
     bool maybeSave() override;
@@ -271,6 +291,8 @@ private:
     void SaveWinSettings();
     void jumpTo(quint64 t);
     void restartAutoSave();
+    // Lets go of everything that refers to a wave about to be deleted.
+    void forgetWave(WaveData* wave);
     QString dialogFolder() const;
     bool askToSave();
 

@@ -46,6 +46,17 @@ QString VokGUI::dialogFolder() const
 
 void VokGUI::ClearAll()
 {
+    // Nothing may keep pointing into the waves about to go, and no step of
+    // the old document may be undone into the next one.
+    setActiveWave(nullptr);
+    m_selection.clear();
+    dropClipboard();
+    m_waveView->pendingPatterns.clear();
+    m_waveView->draggedPatterns.clear();
+    m_waveView->pendingWaves.clear();
+    m_waveView->selectedPattern = nullptr;
+    m_waveView->selectedPattern2 = nullptr;
+    m_undoStack->clear();
     m_data->ClearAll();
     m_waveList->clearWaves();
     setActiveWave(nullptr);

@@ -1,0 +1,343 @@
+#include "undocommands.h"
+
+#include "patterndlg.h"
+#include "vokgui.h"
+#include "wavedata.h"
+#include "wavedatadlg.h"
+#include "waveformdata.h"
+#include "wavelstview.h"
+
+namespace kesu::toolvok {
+
+namespace {
+constexpr qint32 PatternKind = 5;
+
+WaveData* find(VokGUI* gui, const QString& name)
+{
+    return gui->document()->findWavebyName(name);
+}
+
+void markForever(WaveData* wave, qint32 index)
+{
+    if (index >= 0 && index < wave->patterns.size())
+        wave->patterns.at(index)->forever = true;
+}
+} // namespace
+
+// --- AddWaveCommand ---------------------------------------------------------
+
+AddWaveCommand::AddWaveCommand(WaveData* wave, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), wave_(wave), gui_(gui)
+{
+}
+
+AddWaveCommand::~AddWaveCommand()
+{
+    delete wave_;
+}
+
+void AddWaveCommand::undo()
+{
+    if (WaveData* live = find(gui_, wave_->name)) {
+        const bool pattern = live->polarity == PatternKind;
+        gui_->removeWave(live);
+        if (pattern)
+            gui_->patternDlg()->LoadData();
+    }
+    gui_->SetDirtyBit();
+}
+
+void AddWaveCommand::redo()
+{
+    WaveData* copy = snapshotOf(wave_);
+    gui_->addWave(copy);
+    if (copy->polarity == PatternKind)
+        gui_->patternDlg()->LoadData();
+    gui_->SetDirtyBit();
+}
+
+// --- DelWaveCommand ---------------------------------------------------------
+
+DelWaveCommand::DelWaveCommand(const QList<WaveData*>& waves, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), gui_(gui)
+{
+    const QList<WaveData*>& all = gui->document()->waves;
+    for (const WaveData* wave : waves) {
+        snapshots_.append(snapshotOf(wave));
+        positions_.append(static_cast<int>(all.indexOf(wave)));
+    }
+}
+
+DelWaveCommand::~DelWaveCommand()
+{
+    qDeleteAll(snapshots_);
+}
+
+void DelWaveCommand::undo()
+{
+    for (qsizetype i = 0; i < snapshots_.size(); ++i) {
+        WaveData* copy = snapshotOf(snapshots_.at(i));
+        const bool pattern = copy->polarity == PatternKind;
+        gui_->insertWave(copy, positions_.at(i));
+        if (pattern)
+            gui_->patternDlg()->LoadData();
+    }
+    gui_->SetDirtyBit();
+}
+
+void DelWaveCommand::redo()
+{
+    for (const WaveData* snapshot : snapshots_) {
+        if (WaveData* live = find(gui_, snapshot->name)) {
+            const bool pattern = live->polarity == PatternKind;
+            gui_->removeWave(live);
+            if (pattern)
+                gui_->patternDlg()->LoadData();
+        }
+    }
+    gui_->SetDirtyBit();
+}
+
+// --- ShowWaveCommand and HideWaveCommand ------------------------------------
+
+ShowWaveCommand::ShowWaveCommand(const QList<WaveData*>& waves, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), gui_(gui)
+{
+    for (const WaveData* wave : waves)
+        names_.append(wave->name);
+}
+
+void ShowWaveCommand::undo()
+{
+    for (const QString& name : names_) {
+        if (WaveData* live = find(gui_, name))
+            gui_->hideWave(live);
+    }
+}
+
+void ShowWaveCommand::redo()
+{
+    for (const QString& name : names_) {
+        if (WaveData* live = find(gui_, name)) {
+            live->visible = true;
+            gui_->showWave(live);
+        }
+    }
+}
+
+HideWaveCommand::HideWaveCommand(WaveData* wave, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), name_(wave->name), gui_(gui)
+{
+}
+
+void HideWaveCommand::undo()
+{
+    if (WaveData* live = find(gui_, name_)) {
+        live->visible = true;
+        gui_->showWave(live);
+    }
+}
+
+void HideWaveCommand::redo()
+{
+    if (WaveData* live = find(gui_, name_))
+        gui_->hideWave(live);
+}
+
+// --- ForeverCommand ---------------------------------------------------------
+
+ForeverCommand::ForeverCommand(WaveData* wave, int foreverIndex, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), name_(wave->name), newIndex_(foreverIndex), oldIndex_(wave->foreverIndex), gui_(gui),
+      snapshot_(snapshotOf(wave))
+{
+}
+
+ForeverCommand::~ForeverCommand()
+{
+    delete snapshot_;
+}
+
+void ForeverCommand::undo()
+{
+    WaveData* live = find(gui_, name_);
+    if (!live)
+        return;
+    gui_->discardSegments(live->duplicateData(snapshot_));
+    live->foreverIndex = oldIndex_;
+    markForever(live, oldIndex_);
+    if (live == gui_->activeWave())
+        gui_->waveDataDlg()->LoadData(live);
+    gui_->Refresh();
+    gui_->SetDirtyBit();
+}
+
+void ForeverCommand::redo()
+{
+    WaveData* live = find(gui_, name_);
+    if (!live)
+        return;
+    live->foreverIndex = newIndex_;
+    markForever(live, newIndex_);
+    gui_->mergeAfterEdit(live);
+    gui_->Refresh();
+    gui_->SetDirtyBit();
+}
+
+// --- EditPatternCommand and CutPatternCommand -------------------------------
+
+EditPatternCommand::EditPatternCommand(WaveData* after, WaveData* before, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), after_(snapshotOf(after)), before_(snapshotOf(before)), gui_(gui)
+{
+}
+
+EditPatternCommand::~EditPatternCommand()
+{
+    delete after_;
+    delete before_;
+}
+
+WaveData* EditPatternCommand::restore(const WaveData* state)
+{
+    WaveData* live = find(gui_, after_->name);
+    if (live)
+        gui_->discardSegments(live->duplicateData(state));
+    return live;
+}
+
+void EditPatternCommand::undo()
+{
+    if (WaveData* live = restore(before_)) {
+        if (live == gui_->activeWave())
+            gui_->waveDataDlg()->LoadData(live);
+        gui_->Refresh();
+        gui_->SetDirtyBit();
+    }
+}
+
+void EditPatternCommand::redo()
+{
+    if (WaveData* live = restore(after_)) {
+        if (live == gui_->activeWave())
+            gui_->waveDataDlg()->LoadData(live);
+        gui_->Refresh();
+        gui_->SetDirtyBit();
+    }
+}
+
+void CutPatternCommand::undo()
+{
+    if (restore(before_)) {
+        gui_->Refresh();
+        gui_->SetDirtyBit();
+    }
+}
+
+void CutPatternCommand::redo()
+{
+    if (restore(after_)) {
+        gui_->Refresh();
+        gui_->SetDirtyBit();
+    }
+}
+
+// --- NodeParaCommand --------------------------------------------------------
+
+NodeParaCommand::NodeParaCommand(WaveData* wave, int oldPolarity, int oldOffset, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), name_(wave->name), oldPolarity_(oldPolarity), oldOffset_(oldOffset),
+      newPolarity_(wave->polarity), newOffset_(static_cast<qint32>(static_cast<quint32>(wave->offset))), gui_(gui)
+{
+}
+
+void NodeParaCommand::apply(qint32 polarity, qint32 offset)
+{
+    WaveData* live = find(gui_, name_);
+    if (!live)
+        return;
+    live->polarity = polarity;
+    live->offset = static_cast<quint64>(static_cast<qint64>(offset));
+    gui_->waveList()->updateWaveTitle(live);
+    gui_->DisplayData();
+    gui_->Refresh();
+    gui_->SetDirtyBit();
+}
+
+void NodeParaCommand::undo()
+{
+    apply(oldPolarity_, oldOffset_);
+}
+
+void NodeParaCommand::redo()
+{
+    apply(newPolarity_, newOffset_);
+}
+
+// --- TimeUnitCommand --------------------------------------------------------
+
+TimeUnitCommand::TimeUnitCommand(int unit, int precision, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), oldUnit_(gui->document()->smallestUnit), oldPrecision_(gui->document()->decimals),
+      newUnit_(unit), newPrecision_(precision), gui_(gui)
+{
+}
+
+void TimeUnitCommand::apply(qint32 unit, qint32 precision)
+{
+    gui_->document()->decimals = precision;
+    gui_->document()->smallestUnit = unit;
+    gui_->Refresh();
+    gui_->SetDirtyBit();
+}
+
+void TimeUnitCommand::undo()
+{
+    apply(oldUnit_, oldPrecision_);
+}
+
+void TimeUnitCommand::redo()
+{
+    apply(newUnit_, newPrecision_);
+}
+
+// --- ImportWaveCommand ------------------------------------------------------
+
+ImportWaveCommand::ImportWaveCommand(const QList<WaveData*>& waves, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), waves_(waves), gui_(gui)
+{
+}
+
+void ImportWaveCommand::undo()
+{
+    for (const WaveData* wave : waves_) {
+        if (WaveData* live = find(gui_, wave->name))
+            gui_->removeWave(live);
+    }
+}
+
+void ImportWaveCommand::redo()
+{
+    for (const WaveData* wave : waves_) {
+        gui_->addWave(snapshotOf(wave));
+        gui_->SetDirtyBit();
+    }
+}
+
+// --- moveWaveCommand --------------------------------------------------------
+
+moveWaveCommand::moveWaveCommand(WaveData* wave, int from, int to, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), wave_(wave), from_(from), to_(to), gui_(gui)
+{
+}
+
+// The wave is held by pointer: it must still belong to the document.
+void moveWaveCommand::undo()
+{
+    if (gui_->document()->waves.contains(wave_))
+        gui_->moveWave(wave_, to_, from_);
+}
+
+void moveWaveCommand::redo()
+{
+    if (gui_->document()->waves.contains(wave_))
+        gui_->moveWave(wave_, from_, to_);
+}
+
+} // namespace kesu::toolvok

@@ -1,0 +1,181 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QUndoCommand>
+
+namespace kesu::toolvok {
+
+class VokGUI;
+class WaveData;
+
+// Every change to a document is one of these commands on the tool's undo
+// stack. They find their wave again by the name it had when they were built,
+// so a wave that was replaced by a copy in between is still found; a wave that
+// is gone is skipped.
+
+class AddWaveCommand : public QUndoCommand
+{
+public:
+    AddWaveCommand(WaveData* wave, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~AddWaveCommand() override;
+    void undo() override;
+    void redo() override;
+
+private:
+    WaveData* wave_;
+    VokGUI* gui_;
+};
+
+class DelWaveCommand : public QUndoCommand
+{
+public:
+    DelWaveCommand(const QList<WaveData*>& waves, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~DelWaveCommand() override;
+    void undo() override;
+    void redo() override;
+
+private:
+    QList<WaveData*> snapshots_;
+    QList<int> positions_;
+    VokGUI* gui_;
+};
+
+class ShowWaveCommand : public QUndoCommand
+{
+public:
+    ShowWaveCommand(const QList<WaveData*>& waves, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~ShowWaveCommand() override = default;
+    void undo() override;
+    void redo() override;
+
+private:
+    QList<QString> names_;
+    VokGUI* gui_;
+};
+
+class HideWaveCommand : public QUndoCommand
+{
+public:
+    HideWaveCommand(WaveData* wave, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~HideWaveCommand() override = default;
+    void undo() override;
+    void redo() override;
+
+private:
+    QString name_;
+    VokGUI* gui_;
+};
+
+class ForeverCommand : public QUndoCommand
+{
+public:
+    ForeverCommand(WaveData* wave, int foreverIndex, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~ForeverCommand() override;
+    void undo() override;
+    void redo() override;
+
+private:
+    QString name_;
+    qint32 newIndex_;
+    qint32 oldIndex_;
+    VokGUI* gui_;
+    WaveData* snapshot_;
+};
+
+class EditPatternCommand : public QUndoCommand
+{
+public:
+    EditPatternCommand(WaveData* after, WaveData* before, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~EditPatternCommand() override;
+    void undo() override;
+    void redo() override;
+
+protected:
+    // Puts the live wave into the state of the given snapshot.
+    WaveData* restore(const WaveData* state);
+
+    WaveData* after_;
+    WaveData* before_;
+    VokGUI* gui_;
+};
+
+// A cut leaves the Waveform Properties view alone: the cutting code reloads it
+// itself.
+class CutPatternCommand : public EditPatternCommand
+{
+public:
+    using EditPatternCommand::EditPatternCommand;
+    ~CutPatternCommand() override = default;
+    void undo() override;
+    void redo() override;
+};
+
+class NodeParaCommand : public QUndoCommand
+{
+public:
+    NodeParaCommand(WaveData* wave, int oldPolarity, int oldOffset, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~NodeParaCommand() override = default;
+    void undo() override;
+    void redo() override;
+
+private:
+    void apply(qint32 polarity, qint32 offset);
+
+    QString name_;
+    qint32 oldPolarity_;
+    qint32 oldOffset_;
+    qint32 newPolarity_;
+    qint32 newOffset_;
+    VokGUI* gui_;
+};
+
+class TimeUnitCommand : public QUndoCommand
+{
+public:
+    TimeUnitCommand(int unit, int precision, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~TimeUnitCommand() override = default;
+    void undo() override;
+    void redo() override;
+
+private:
+    void apply(qint32 unit, qint32 precision);
+
+    qint32 oldUnit_;
+    qint32 oldPrecision_;
+    qint32 newUnit_;
+    qint32 newPrecision_;
+    VokGUI* gui_;
+};
+
+// The imported waves stay with the importer; the document gets copies, so the
+// command can be redone after an undo.
+class ImportWaveCommand : public QUndoCommand
+{
+public:
+    ImportWaveCommand(const QList<WaveData*>& waves, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~ImportWaveCommand() override = default;
+    void undo() override;
+    void redo() override;
+
+private:
+    QList<WaveData*> waves_;
+    VokGUI* gui_;
+};
+
+class moveWaveCommand : public QUndoCommand
+{
+public:
+    moveWaveCommand(WaveData* wave, int from, int to, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~moveWaveCommand() override = default;
+    void undo() override;
+    void redo() override;
+
+private:
+    WaveData* wave_;
+    qint32 from_;
+    qint32 to_;
+    VokGUI* gui_;
+};
+
+} // namespace kesu::toolvok

@@ -1,0 +1,227 @@
+// Editing the segments of the active wave: extending by a click, clear, cut,
+// copy and paste, and the merging of equal neighbours after an edit.
+//
+// Ownership: a segment belongs to the list of its wave, or to the clipboard
+// once a cut took it out; everything else that leaves a wave is deleted here,
+// after the selection state forgot it.
+#include "vokgui.h"
+
+#include "biginteger.h"
+#include "editdlg.h"
+#include "undocommands.h"
+#include "wavedata.h"
+#include "wavedatadlg.h"
+#include "wavelstview.h"
+#include "waveview.h"
+
+#include <QScrollBar>
+#include <QSet>
+#include <QUndoStack>
+
+#include <memory>
+
+namespace kesu::toolvok {
+
+namespace {
+qint32 addDurations(qint32 a, qint32 b)
+{
+    return static_cast<qint32>(static_cast<quint32>(a) + static_cast<quint32>(b));
+}
+
+// Merges equal neighbours of patterns[from, to) in place of that range;
+// returns how many segments left it, appending them to removed.
+qsizetype mergeRange(const QList<Pattern*>& in, qsizetype from, qsizetype to, QList<Pattern*>& out,
+                     QList<Pattern*>& removed)
+{
+    const qsizetype before = removed.size();
+    for (qsizetype i = from; i < to; ++i) {
+        Pattern* p = in.at(i);
+        if (i > from && out.last()->value == p->value) {
+            out.last()->duration = addDurations(out.last()->duration, p->duration);
+            removed.append(p);
+        } else {
+            out.append(p);
+        }
+    }
+    return removed.size() - before;
+}
+
+std::string nextValue(const WaveData* wave)
+{
+    const std::string last = wave->getLastValue();
+    if (wave->isBus) {
+        if (Values::isSpecial(last))
+            return "0";
+        return BigInteger(last, 16).plusOne(wave->busWidth).toString(16);
+    }
+    return last == "0" ? "1" : "0";
+}
+} // namespace
+
+void VokGUI::discardSegments(const QList<Pattern*>& segments)
+{
+    if (segments.isEmpty())
+        return;
+    const QSet<Pattern*> gone(segments.cbegin(), segments.cend());
+    auto forget = [&gone](QList<Pattern*>& list) { list.removeIf([&gone](Pattern* p) { return gone.contains(p); }); };
+    forget(m_selection);
+    forget(m_clipboard);
+    forget(m_waveView->pendingPatterns);
+    forget(m_waveView->draggedPatterns);
+    if (gone.contains(m_waveView->selectedPattern))
+        m_waveView->selectedPattern = nullptr;
+    if (gone.contains(m_waveView->selectedPattern2))
+        m_waveView->selectedPattern2 = nullptr;
+    qDeleteAll(gone);
+}
+
+void VokGUI::dropClipboard()
+{
+    // Cut segments still waiting for their paste belong to nobody else.
+    qDeleteAll(m_clipboard);
+    m_clipboard.clear();
+}
+
+void VokGUI::resetForever(WaveData* wave)
+{
+    if (wave->foreverIndex != -1 && wave->foreverIndex < wave->patterns.size())
+        wave->patterns.at(wave->foreverIndex)->forever = true;
+}
+
+void VokGUI::mergeAfterEdit(WaveData* wave)
+{
+    // The head (before the forever segment) and the repeated tail merge each
+    // in itself, never across their border. One pass keeps large waves cheap.
+    const qsizetype count = wave->patterns.size();
+    const qint32 forever = wave->foreverIndex;
+    const qsizetype headEnd = forever == -1 ? count : qBound(qsizetype(0), qsizetype(forever), count);
+    QList<Pattern*> merged;
+    merged.reserve(count);
+    QList<Pattern*> removed;
+    const qsizetype headMerges = mergeRange(wave->patterns, 0, headEnd, merged, removed);
+    if (forever != -1)
+        mergeRange(wave->patterns, headEnd, count, merged, removed);
+    else if (headEnd < count)
+        merged.append(wave->patterns.mid(headEnd));
+    if (!removed.isEmpty()) {
+        wave->patterns.swap(merged);
+        if (forever != -1)
+            wave->foreverIndex = static_cast<qint32>(forever - headMerges);
+        discardSegments(removed);
+    }
+    resetForever(wave);
+}
+
+void VokGUI::addEditData(quint64 time)
+{
+    if (m_mode != ModeEdit)
+        return;
+    WaveData* wave = m_waveList->waveAt(m_waveList->currentIndex().row());
+    if (!wave || wave->getEndTime() > time)
+        return;
+    auto* p = new Pattern(nextValue(wave), static_cast<qint32>(time - wave->getEndTime()));
+    if (time / m_step > quint64(m_waveHBar->maximum()))
+        m_waveHBar->setMaximum(static_cast<int>(qMin<quint64>(time / m_step + 5, INT_MAX)));
+
+    std::unique_ptr<WaveData> before(snapshotOf(wave));
+    const bool taken = wave->addData(p);
+    m_undoStack->push(new EditPatternCommand(wave, before.get(), this));
+    // A click right at the end makes a segment of no length, which no wave takes.
+    if (taken)
+        m_selection.append(p);
+    else
+        delete p;
+}
+
+void VokGUI::clearData()
+{
+    if (m_selection.isEmpty() || !m_activeWave)
+        return;
+    std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
+    const QList<Pattern*> cleared = m_selection;
+    for (Pattern* p : cleared)
+        m_activeWave->removeData(p);
+    discardSegments(cleared);
+    mergeAfterEdit(m_activeWave);
+    changeRange(-1, -1);
+    m_editDlg->LoadData(nullptr, m_selection);
+    m_undoStack->push(new EditPatternCommand(m_activeWave, before.get(), this));
+    m_selection.clear();
+    Refresh();
+}
+
+void VokGUI::cutData()
+{
+    if (m_selection.isEmpty() || !m_activeWave)
+        return;
+    m_fromCut = true;
+    dropClipboard();
+    std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
+    m_activeWave->selected = false;
+    for (Pattern* p : std::as_const(m_selection)) {
+        m_clipboard.append(p);
+        m_activeWave->removeData(p);
+    }
+    m_selection.clear();
+    // The cut segments live on in the clipboard; the views must let go of them.
+    for (QList<Pattern*>* list : {&m_waveView->pendingPatterns, &m_waveView->draggedPatterns})
+        list->removeIf([this](Pattern* p) { return m_clipboard.contains(p); });
+    mergeAfterEdit(m_activeWave);
+    m_editDlg->LoadData(nullptr, m_selection);
+    m_waveDataDlg->LoadData(m_activeWave);
+    m_undoStack->push(new CutPatternCommand(m_activeWave, before.get(), this));
+    Q_EMIT pastedataChanged(false);
+    Q_EMIT editdataChanged(false);
+}
+
+void VokGUI::copyData()
+{
+    m_fromCut = false;
+    dropClipboard();
+    for (const Pattern* p : std::as_const(m_selection)) {
+        auto* copy = new Pattern(p->value, p->duration);
+        copy->wave = p->wave;
+        copy->spare = p->spare;
+        copy->forever = p->forever;
+        m_clipboard.append(copy);
+    }
+    Q_EMIT pastedataChanged(!m_selection.isEmpty());
+}
+
+void VokGUI::pasteData()
+{
+    if (m_clipboard.isEmpty() || m_selection.isEmpty() || !m_activeWave)
+        return;
+    const WaveData* source = m_clipboard.first()->wave;
+    if (!source || source->isBus != m_activeWave->isBus
+        || (source->isBus && source->busWidth != m_activeWave->busWidth))
+        return;
+
+    Pattern* insertionPoint = m_selection.first();
+    std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
+    for (Pattern* p : std::as_const(m_clipboard)) {
+        if (m_fromCut) {
+            p->wave->removeData(p);
+            m_activeWave->insertData(p, insertionPoint);
+        } else {
+            m_activeWave->insertData(new Pattern(p->value, p->duration), insertionPoint);
+        }
+    }
+    const QList<Pattern*> replaced = m_selection;
+    for (Pattern* p : replaced)
+        m_activeWave->removeData(p);
+    discardSegments(replaced);
+    mergeAfterEdit(m_activeWave);
+    if (m_fromCut)
+        m_clipboard.clear();   // a cut pastes once: its segments now belong to the wave
+
+    m_activeWave->selected = false;
+    m_selection.clear();
+    m_editDlg->LoadData(m_activeWave, m_selection);
+    m_undoStack->push(new EditPatternCommand(m_activeWave, before.get(), this));
+    Q_EMIT pastedataChanged(false);
+    Q_EMIT editdataChanged(false);
+    Refresh();
+}
+
+} // namespace kesu::toolvok

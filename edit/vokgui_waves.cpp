@@ -1,0 +1,121 @@
+// Adding, removing, moving, showing, hiding and duplicating whole waves.
+#include "vokgui.h"
+
+#include "undocommands.h"
+#include "wavedata.h"
+#include "waveformdata.h"
+#include "wavelstview.h"
+#include "waveview.h"
+
+#include <QUndoStack>
+
+namespace kesu::toolvok {
+
+void VokGUI::forgetWave(WaveData* wave)
+{
+    if (m_activeWave == wave)
+        setActiveWave(nullptr);
+    m_waveView->pendingWaves.removeAll(wave);
+    // Selection state refers to segments of one wave at a time.
+    auto ofWave = [wave](const Pattern* p) { return p->wave == wave; };
+    if (std::any_of(m_selection.cbegin(), m_selection.cend(), ofWave))
+        m_selection.clear();
+    m_waveView->pendingPatterns.removeIf(ofWave);
+    m_waveView->draggedPatterns.removeIf(ofWave);
+    if (m_waveView->selectedPattern && ofWave(m_waveView->selectedPattern))
+        m_waveView->selectedPattern = nullptr;
+    if (m_waveView->selectedPattern2 && ofWave(m_waveView->selectedPattern2))
+        m_waveView->selectedPattern2 = nullptr;
+    // Clipboard segments remember their source wave, which paste consults.
+    if (std::any_of(m_clipboard.cbegin(), m_clipboard.cend(), ofWave)) {
+        dropClipboard();
+        Q_EMIT pastedataChanged(false);
+    }
+}
+
+void VokGUI::addWave(WaveData* wave)
+{
+    m_data->addWave(wave);
+    m_waveList->addWave(wave);
+    Refresh();
+    SetDirtyBit();
+}
+
+void VokGUI::removeWave(WaveData* wave)
+{
+    if (!m_data->waves.contains(wave))
+        return;
+    forgetWave(wave);
+    m_waveList->removeWave(wave);
+    m_data->removeWave(wave);
+    Refresh();
+    SetDirtyBit();
+}
+
+void VokGUI::insertWave(WaveData* wave, int index)
+{
+    // A position that no longer exists (or was never found) appends.
+    if (index < 0 || index > m_data->waves.size())
+        index = static_cast<int>(m_data->waves.size());
+    m_data->waves.insert(index, wave);
+    m_waveList->insertWave(wave, qMin(index, m_waveList->itemModel()->rowCount()));
+    Refresh();
+    SetDirtyBit();
+}
+
+void VokGUI::moveWave(WaveData* wave, int from, int to)
+{
+    m_waveList->moveWave(wave, from, to);
+    const int count = static_cast<int>(m_data->waves.size());
+    if (from >= 0 && from < count && to >= 0 && to < count)
+        m_data->waves.move(from, to);
+    Refresh();
+    SetDirtyBit();
+}
+
+void VokGUI::showWave(WaveData*)
+{
+    // Rebuilt from scratch so that the rows keep the document's order.
+    m_waveList->clearWaves();
+    for (WaveData* wave : std::as_const(m_data->waves)) {
+        if (wave->visible)
+            m_waveList->addWave(wave);
+    }
+    Refresh();
+}
+
+void VokGUI::hideWave(WaveData* wave)
+{
+    wave->visible = false;
+    m_waveList->removeWave(wave);
+    wave->expandFlag = false;
+    wave->selected = false;
+    Refresh();
+}
+
+void VokGUI::hideWave()
+{
+    if (WaveData* wave = m_waveList->waveAt(m_waveList->currentIndex().row()))
+        m_undoStack->push(new HideWaveCommand(wave, this));
+}
+
+void VokGUI::dupWave()
+{
+    if (!m_activeWave)
+        return;
+    const QString& name = m_activeWave->name;
+    const qsizetype bracket = name.indexOf(QLatin1Char('['));
+    const QString base = bracket < 0 ? name : name.left(bracket);
+    const QString suffix = bracket < 0 ? QString() : name.mid(bracket);
+    QString copyName;
+    for (int n = 0;; ++n) {
+        copyName = base + QLatin1Char('_') + QString::number(n) + suffix;
+        if (!m_data->findWavebyName(copyName))
+            break;
+    }
+    auto* copy = new WaveData(copyName);
+    copy->duplicateData(m_activeWave);
+    m_undoStack->push(new AddWaveCommand(copy, this));
+}
+
+} // namespace kesu::toolvok
