@@ -162,7 +162,7 @@ void ForeverCommand::undo()
     WaveData* live = find(gui_, name_);
     if (!live)
         return;
-    gui_->discardSegments(live->duplicateData(snapshot_));
+    gui_->discardSegments(copyExactly(live, snapshot_));
     live->foreverIndex = oldIndex_;
     markForever(live, oldIndex_);
     if (live == gui_->activeWave())
@@ -200,7 +200,7 @@ WaveData* EditPatternCommand::restore(const WaveData* state)
 {
     WaveData* live = find(gui_, after_->name);
     if (live)
-        gui_->discardSegments(live->duplicateData(state));
+        gui_->discardSegments(copyExactly(live, state));
     return live;
 }
 

@@ -113,8 +113,8 @@ void VokGUI::dupWave()
         if (!m_data->findWavebyName(copyName))
             break;
     }
-    auto* copy = new WaveData(copyName);
-    copy->duplicateData(m_activeWave);
+    WaveData* copy = snapshotOf(m_activeWave);
+    copy->name = copyName;
     m_undoStack->push(new AddWaveCommand(copy, this));
 }
 

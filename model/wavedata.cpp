@@ -208,10 +208,25 @@ QList<Pattern*> WaveData::duplicateData(const WaveData* source)
     return surplus;
 }
 
+QList<Pattern*> copyExactly(WaveData* target, const WaveData* source)
+{
+    if (!source || source == target)
+        return {};
+    // Blank segments first, so that duplicateData only overwrites: its
+    // appending would fold equal neighbours together, a forever tail's first
+    // segment into an equal one before it among them.
+    while (target->patterns.size() < source->patterns.size()) {
+        auto* blank = new Pattern;
+        blank->wave = target;
+        target->patterns.append(blank);
+    }
+    return target->duplicateData(source);
+}
+
 WaveData* snapshotOf(const WaveData* source)
 {
     auto* copy = new WaveData(source->name);
-    copy->duplicateData(source);   // an empty wave has no surplus
+    copyExactly(copy, source);   // an empty wave has no surplus
     return copy;
 }
 

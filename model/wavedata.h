@@ -57,6 +57,10 @@ public:
     QMap<Pattern*, QString> patternNames;
 };
 
+// duplicateData, but segment for segment: equal neighbours of source stay
+// apart in target. Returns target's surplus segments, as duplicateData does.
+QList<Pattern*> copyExactly(WaveData* target, const WaveData* source);
+
 // A new wave of the same name holding a copy of every attribute and segment of
 // source: the undo commands' snapshots, and the copies that go into a document.
 WaveData* snapshotOf(const WaveData* source);

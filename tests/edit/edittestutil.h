@@ -1,0 +1,114 @@
+#pragma once
+
+// A tool window with a document loaded from text, as the user opens a file,
+// and the text that saving it would write.
+#include "vokgui.h"
+#include "wavedata.h"
+#include "waveformdata.h"
+#include "wavelstview.h"
+
+#include <QAction>
+#include <QBuffer>
+#include <QFile>
+#include <QStandardItemModel>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+namespace edittest {
+
+using namespace kesu::toolvok;
+
+inline const QByteArray kHeader = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 0;\n"
+                                  "%DECIMALS = 0;\n%ENDTIME = 400;\n";
+
+// Header plus one line per wave, each ended by a line feed: the writer's layout.
+inline QByteArray wdl(const QList<QByteArray>& waves)
+{
+    QByteArray text = kHeader;
+    for (const QByteArray& line : waves)
+        text += line + '\n';
+    return text;
+}
+
+class Tool
+{
+public:
+    explicit Tool(const QByteArray& text)
+    {
+        const QString path = m_dir.filePath(QStringLiteral("doc.wdl"));
+        QFile file(path);
+        if (file.open(QIODevice::WriteOnly))
+            file.write(text);
+        file.close();
+        gui = std::make_unique<VokGUI>(nullptr, QStringList{path}, m_project, true);
+        gui->initialize();
+    }
+
+    VokGUI* operator->() const { return gui.get(); }
+    VokGUI& operator*() const { return *gui; }
+
+    QByteArray saved() const
+    {
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        gui->saveData(buffer);
+        return buffer.data();
+    }
+
+    WaveData* wave(const QString& name) const { return gui->document()->findWavebyName(name); }
+
+    QStringList docOrder() const
+    {
+        QStringList names;
+        for (const WaveData* w : gui->document()->waves)
+            names << w->name;
+        return names;
+    }
+
+    // The waves of the name list's rows, by name (element rows as "-").
+    QStringList listRows() const
+    {
+        QStringList names;
+        for (int row = 0; row < gui->waveList()->itemModel()->rowCount(); ++row) {
+            const WaveData* w = gui->waveList()->waveAt(row);
+            names << (w ? w->name : QStringLiteral("-"));
+        }
+        return names;
+    }
+
+    // What the wave view does when the user drags across pulses of a wave in
+    // edit mode: the wave becomes active and current, its pulses selected.
+    void select(const QString& name, const QList<int>& indexes) const
+    {
+        WaveData* w = wave(name);
+        gui->setActiveWave(w);
+        const int row = gui->waveList()->rowOf(w);
+        gui->waveList()->setCurrentIndex(gui->waveList()->itemModel()->index(row, 0));
+        gui->selection().clear();
+        for (int i : indexes)
+            gui->selection().append(w->patterns.at(i));
+        w->selected = true;
+    }
+
+    void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
+
+private:
+    QTemporaryDir m_dir;
+    QString m_project;
+
+public:
+    std::unique_ptr<VokGUI> gui;
+};
+
+// The arguments of every emission of a one-bool signal.
+inline QList<bool> emitted(const QSignalSpy& spy)
+{
+    QList<bool> values;
+    for (const QList<QVariant>& args : spy)
+        values << args.at(0).toBool();
+    return values;
+}
+
+} // namespace edittest
