@@ -103,21 +103,24 @@ bool VokGUI::LoadFile()
 
 bool VokGUI::SaveFile()
 {
-    if (m_fullFileName.isEmpty()) {
+    QString path = m_fullFileName;
+    if (path.isEmpty()) {
         const QString name = askFileName(this, true, tr("Save Waveform File"), dialogFolder(),
                                          tr("Waveform File (*.wdl);;All Files (*)"));
         if (name.isEmpty())
             return false;
-        m_fullFileName = QFileInfo(name).absoluteFilePath();
+        path = QFileInfo(name).absoluteFilePath();
     }
     // The file on disk is replaced only once the whole text is written, so a
     // failed save leaves the previous version intact.
-    QSaveFile file(m_fullFileName);
+    QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || !saveData(file) || !file.commit()) {
         file.cancelWriting();
-        showerrormsg(tr(cannotOpen) + m_fullFileName, this);
+        showerrormsg(tr(cannotOpen) + path, this);
         return false;
     }
+    // An untitled document takes its name only once it is on disk.
+    m_fullFileName = path;
     ResetDirtyBit();
     restartAutoSave();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
@@ -135,12 +138,23 @@ bool VokGUI::fileSaveAs()
                                      tr("WAveform File (*.wdl);;All Files (*)"));
     if (name.isEmpty())
         return false;
+    const QString oldFileName = m_fullFileName;
+    const QString oldTitle = m_title;
+    const QString oldFullTitle = m_fullTitle;
     m_fullFileName = QFileInfo(name).absoluteFilePath();
     m_title = QFileInfo(m_fullFileName).fileName();
     m_fullTitle = m_toolTitle + QStringLiteral(" - ") + m_fullFileName;
     setWindowTitle(m_fullTitle);
     Q_EMIT sigTitleChange(this);
-    return SaveFile();
+    if (SaveFile())
+        return true;
+    // Nothing was written under the new name: keep naming the file that
+    // exists, or the next activation would report it deleted.
+    m_fullFileName = oldFileName;
+    m_title = oldTitle;
+    m_fullTitle = oldFullTitle;
+    titleChange();
+    return false;
 }
 
 bool VokGUI::onSave()
@@ -225,8 +239,9 @@ void VokGUI::fileClose()
 void VokGUI::CloseFile()
 {
     m_fullFileName.clear();
+    m_autoSaveTimer->stop();   // an untitled document has nowhere to be saved to
     ClearAll();
-    m_modified = false;
+    ResetDirtyBit();           // the mark and the save command go with the changes
 }
 
 void VokGUI::Reload()
@@ -238,6 +253,10 @@ void VokGUI::Reload()
 
 void VokGUI::onAutoSave()
 {
+    // Read-only, the user cannot save either; a failing save every interval
+    // would only stack up error boxes.
+    if (m_readOnly)
+        return;
     statusBar()->showMessage(tr("Auto saving..."), 5000);
     SaveFile();
 }

@@ -1,4 +1,6 @@
-// waveform-editor: the tool in a window of its own.
+// waveform-editor: the tool in a window of its own or, with --hosted, in
+// windows opened by a small host, one per document.
+#include "toolhost.h"
 #include "vokgui.h"
 
 #include <QApplication>
@@ -18,11 +20,27 @@ int main(int argc, char** argv)
     parser.setApplicationDescription(QStringLiteral("Draws the stimulus waveforms of a digital design."));
     parser.addHelpOption();
     parser.addVersionOption();
+    const QCommandLineOption hosted(QStringLiteral("hosted"),
+                                    QStringLiteral("Run under a host: New and Open open further windows, "
+                                                   "one document each."));
+    parser.addOption(hosted);
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("a waveform document (.wdl) to open"),
                                  QStringLiteral("[file]"));
     parser.process(app);
 
     QString project;
+    if (parser.isSet(hosted)) {
+        ToolHost host([&project](const QStringList& files) -> BasGUITool* {
+            auto* tool = new VokGUI(nullptr, files, project, false);
+            tool->initialize();
+            tool->resize(1200, 760);
+            return tool;
+        });
+        QObject::connect(&host, &ToolHost::lastToolClosed, &app, &QCoreApplication::quit);
+        host.open(parser.positionalArguments());
+        return app.exec();
+    }
+
     VokGUI tool(nullptr, parser.positionalArguments(), project, true);
     tool.initialize();
     tool.resize(1200, 760);

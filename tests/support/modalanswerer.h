@@ -1,0 +1,125 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+
+// Answers the message boxes and file dialogs a test drives the tool into,
+// from the test itself, as a user would.
+
+// One answer to one modal window, in the order they appear.
+struct Answer {
+    enum Kind { Button, File, Dismiss } kind;
+    QMessageBox::StandardButton button = QMessageBox::NoButton;
+    QString path;
+};
+inline Answer press(QMessageBox::StandardButton b) { return {Answer::Button, b, {}}; }
+inline Answer choose(const QString& path) { return {Answer::File, QMessageBox::NoButton, path}; }
+inline Answer dismiss() { return {Answer::Dismiss, QMessageBox::NoButton, {}}; }
+
+// What a modal window showed when it came up.
+struct Seen {
+    bool isFileDialog = false;
+    QString title, text;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    QMessageBox::StandardButtons buttons;
+    QStringList filters;
+    QString directory;
+    QString preselected;
+    QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
+};
+
+// Answers every message box and file dialog that goes modal while it lives.
+// A window it has no answer for, or one that stays up past the time limit,
+// is closed and reported in `problems`, so that a wrong path through the
+// code fails the test instead of leaving it waiting for a user.
+class ModalAnswerer : public QObject
+{
+public:
+    explicit ModalAnswerer(QList<Answer> answers, int limitMs = 5000)
+        : m_answers(std::move(answers)), m_limitMs(limitMs)
+    {
+        connect(&m_poll, &QTimer::timeout, this, &ModalAnswerer::poll);
+        m_poll.start(10);
+    }
+    ~ModalAnswerer() override { m_poll.stop(); }
+
+    QList<Seen> seen;
+    QStringList problems;
+    int unanswered() const { return int(m_answers.size()); }
+
+private:
+    void poll()
+    {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (!modal)
+            return;
+        if (modal == m_current) {
+            if (m_shown.elapsed() > m_limitMs) {
+                problems << QStringLiteral("still open after %1 ms: %2").arg(m_limitMs).arg(modal->windowTitle());
+                modal->close();
+            }
+            return;
+        }
+        m_current = modal;
+        m_shown.start();
+        const bool planned = !m_answers.isEmpty();
+        const Answer answer = planned ? m_answers.takeFirst() : dismiss();
+        if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+            Seen s;
+            s.title = box->windowTitle();
+            s.text = box->text();
+            s.icon = box->icon();
+            s.buttons = box->standardButtons();
+            seen.append(s);
+            QAbstractButton* button = answer.kind == Answer::Button ? box->button(answer.button) : nullptr;
+            if (button) {
+                button->click();
+            } else {
+                problems << QStringLiteral("no answer for the box \"%1\"").arg(box->text());
+                box->reject();
+            }
+        } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
+            Seen s;
+            s.isFileDialog = true;
+            s.title = dialog->windowTitle();
+            s.filters = dialog->nameFilters();
+            s.directory = dialog->directory().absolutePath();
+            s.preselected = dialog->selectedFiles().value(0);
+            s.acceptMode = dialog->acceptMode();
+            seen.append(s);
+            if (answer.kind == Answer::File) {
+                dialog->selectFile(answer.path);
+                // Through QDialog: the file dialog's own accept() checks the
+                // name as the Save or Open button does.
+                static_cast<QDialog*>(dialog)->accept();
+            } else {
+                if (!planned || answer.kind != Answer::Dismiss)
+                    problems << QStringLiteral("no answer for the file dialog \"%1\"").arg(s.title);
+                dialog->reject();
+            }
+        } else {
+            problems << QStringLiteral("unexpected window \"%1\"").arg(modal->windowTitle());
+            modal->close();
+        }
+    }
+
+    QList<Answer> m_answers;
+    int m_limitMs;
+    QPointer<QWidget> m_current;
+    QElapsedTimer m_shown;
+    QTimer m_poll;
+};
+
+// Every answer used, nothing unexpected, nothing left waiting.
+#define VERIFY_ANSWERED(answerer)                                                          \
+    do {                                                                                   \
+        QVERIFY2((answerer).problems.isEmpty(), qPrintable((answerer).problems.join("; "))); \
+        QCOMPARE((answerer).unanswered(), 0);                                              \
+    } while (false)
