@@ -12,6 +12,7 @@
 #include "waveformdata.h"
 #include "wavelstview.h"
 #include "waveview.h"
+#include "wheelscroller.h"
 
 #include <QAction>
 #include <QDebug>
@@ -62,6 +63,9 @@ VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool st
 
     m_navigator = new VokNavigator(this);
     m_waveView->installEventFilter(m_navigator);
+    auto* wheel = new WheelScroller(this);
+    m_waveView->installEventFilter(wheel);
+    m_waveList->viewport()->installEventFilter(wheel);
     installEventFilter(this);
     m_waveView->installEventFilter(this);
     m_ruler->installEventFilter(this);
@@ -88,6 +92,8 @@ VokGUI::~VokGUI()
     for (QDockWidget* dock : {static_cast<QDockWidget*>(m_patternDlg), static_cast<QDockWidget*>(m_waveDataDlg),
                               static_cast<QDockWidget*>(m_editDlg)})
         disconnect(dock, nullptr, this, nullptr);
+    // Likewise a stack with steps on it announces its clearing when it goes.
+    disconnect(m_undoStack, nullptr, this, nullptr);
     // The views read the document while they go; take them down first.
     delete m_centralFrame;
     m_centralFrame = nullptr;
@@ -226,6 +232,9 @@ bool VokGUI::initialize()
         NewFile();
     setWindowTitle(m_fullTitle);
     GetWinSettings();
+    // LoadFile above ran before the auto-save setting was read.
+    if (m_autoSaveTimer->isActive())
+        restartAutoSave();
     return true;
 }
 

@@ -77,7 +77,9 @@ void VokGUI::zoomRange(quint64 a, quint64 b)
         Refresh();
         return;
     }
-    const quint64 raw = (b > a ? b - a : a - b) * 20 / static_cast<quint64>(viewWidth);
+    // Unsigned like the range itself: a range given backwards asks for the
+    // widest step.
+    const quint64 raw = (b - a) * 20 / static_cast<quint64>(viewWidth);
     quint64 step;
     if (raw > MaxStep) {
         step = MaxStep;
@@ -151,6 +153,9 @@ void VokGUI::Refresh()
 
 void VokGUI::setBar()
 {
+    // The name list lays itself out while the tool window is still being built.
+    if (!m_waveHBar)
+        return;
     const QScrollBar* listH = m_waveList->horizontalScrollBar();
     {
         const QSignalBlocker block(m_listHBar);

@@ -2,8 +2,10 @@
 
 #include "rulerview.h"
 #include "vokgui.h"
+#include "waveview.h"
 
 #include <cmath>
+#include <limits>
 
 namespace kesu::toolvok {
 
@@ -17,6 +19,15 @@ void VokNavigator::updateView(QObject*, Navigating kind, int steps)
         else if (kind == ZoomOut)
             owner_->zoomOut();
     }
+}
+
+QRectF VokNavigator::navigatorArea(QObject* source, const QRectF& band) const
+{
+    // The wave view's x = 0 is the ruler's originX: both start at the start
+    // time. The rows play no part in a zoom.
+    if (source == owner_->waveView())
+        return band.translated(owner_->rulerView()->originX, 0);
+    return band;
 }
 
 void VokNavigator::updateView(QObject*, Navigating kind, QRectF area)
@@ -35,10 +46,15 @@ void VokNavigator::updateView(QObject*, Navigating kind, QRectF area)
         owner_->zoomRange(timeAt(area.x()), timeAt(area.x() + area.width()));
     } else if (kind == ZoomOut) {
         const double w = ruler->width() - origin;
-        const quint64 span = area.width() > 0 ? static_cast<quint64>(w * w / area.width() / 20 * double(step)) : 0;
-        const quint64 a = start > span / 2 ? start - span / 2 : 0;
+        // Without a width, or without a time area, there is no span to show.
+        if (area.width() <= 0 || w <= 0)
+            return;
+        const double span = w * w / area.width() / 20 * double(step);
+        const quint64 wide = span >= double(std::numeric_limits<quint64>::max())
+            ? std::numeric_limits<quint64>::max() : static_cast<quint64>(span);
+        const quint64 a = start > wide / 2 ? start - wide / 2 : 0;
         // Centred on the old start time, not on the area.
-        owner_->zoomRange(a, a + span);
+        owner_->zoomRange(a, a + wide);
     }
 }
 

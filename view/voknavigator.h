@@ -14,7 +14,11 @@ public:
     explicit VokNavigator(VokGUI* owner);
 
     void updateView(QObject* source, Navigating kind, int steps) override;
+    // area is in the ruler's pixels: the time axis starts at its originX.
     void updateView(QObject* source, Navigating kind, QRectF area) override;
+
+protected:
+    QRectF navigatorArea(QObject* source, const QRectF& band) const override;
 
 private:
     VokGUI* owner_;

@@ -1,9 +1,18 @@
 #include "wavelstview.h"
 
+#include "undocommands.h"
 #include "vokgui.h"
 #include "wavedata.h"
 
+#include <QDrag>
+#include <QDragEnterEvent>
+#include <QDragLeaveEvent>
+#include <QDragMoveEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QMouseEvent>
 #include <QStandardItemModel>
+#include <QUndoStack>
 
 namespace kesu::toolvok {
 
@@ -18,6 +27,11 @@ WaveLstView::WaveLstView(VokGUI* owner, QWidget* parent)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Presses and double clicks are taken in the viewport's filter: a press
+    // starts the row drag itself rather than the item view's own drag.
+    viewport()->installEventFilter(this);
+    setAcceptDrops(true);
+    setDragEnabled(true);
     QPalette p = palette();
     for (auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
         p.setBrush(group, QPalette::Base, owner->color_back);
@@ -38,6 +52,17 @@ QString WaveLstView::waveTitle(const WaveData* wave)
     return title;
 }
 
+QStandardItem* WaveLstView::elementItem(const QString& element) const
+{
+    QFont small = font();
+    small.setPointSize(8);
+    auto* row = new WaveItem(element, nullptr);
+    row->setFont(small);
+    row->setSizeHint(QSize(row->sizeHint().width(), 40));
+    row->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    return row;
+}
+
 QList<QStandardItem*> WaveLstView::rowsFor(WaveData* wave) const
 {
     QList<QStandardItem*> rows;
@@ -46,15 +71,8 @@ QList<QStandardItem*> WaveLstView::rowsFor(WaveData* wave) const
     item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     rows.append(item);
     if (wave->isBus && wave->expandFlag) {
-        QFont small = font();
-        small.setPointSize(8);
-        for (const QString& element : wave->elements) {
-            auto* row = new WaveItem(element, nullptr);
-            row->setFont(small);
-            row->setSizeHint(QSize(row->sizeHint().width(), 40));
-            row->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-            rows.append(row);
-        }
+        for (const QString& element : wave->elements)
+            rows.append(elementItem(element));
     }
     return rows;
 }
@@ -123,6 +141,140 @@ WaveData* WaveLstView::waveAt(int row) const
     if (row < 0 || row >= model_->rowCount())
         return nullptr;
     return static_cast<const WaveItem*>(model_->item(row))->wave;
+}
+
+WaveData* WaveLstView::waveOf(const QModelIndex& index) const
+{
+    return index.isValid() && index.model() == model_ ? waveAt(index.row()) : nullptr;
+}
+
+void WaveLstView::expandBus(QModelIndex index)
+{
+    WaveData* wave = waveOf(index);
+    if (!wave || !wave->isBus)
+        return;
+    const int row = index.row();
+    QStandardItem* item = model_->item(row);
+    // The first four characters are the old "(+) " or "(-) " mark.
+    item->setText((wave->expandFlag ? QStringLiteral("(-) ") : QStringLiteral("(+) ")) + item->text().mid(4));
+    for (int i = 0; i < wave->elements.size(); ++i) {
+        if (wave->expandFlag)
+            model_->insertRow(row + 1 + i, elementItem(wave->elements.at(i)));
+        else
+            model_->removeRow(row + 1);
+    }
+}
+
+bool WaveLstView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != viewport())
+        return QListView::eventFilter(watched, event);
+    if (event->type() == QEvent::MouseButtonPress) {
+        auto* press = static_cast<QMouseEvent*>(event);
+        if (press->button() == Qt::LeftButton && press->modifiers() == Qt::NoModifier && !owner_->isReadOnly()) {
+            const QPoint pos = press->position().toPoint();
+            const QModelIndex index = indexAt(pos);
+            if (!selectionModel()->isSelected(index))
+                selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+            moving = true;
+            auto* drag = new QDrag(this);
+            drag->setMimeData(new QMimeData);
+            drag->setHotSpot(pos);
+            // Changes of the drag's action are deliberately not followed (there
+            // is no connection to cancelMove()): only the drop clears moving,
+            // and every row step already made stays, each one undoable.
+            drag->exec(Qt::MoveAction);
+            return true;
+        }
+    } else if (event->type() == QEvent::MouseButtonDblClick) {
+        const QModelIndex index = indexAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        if (WaveData* wave = waveOf(index); wave && wave->isBus) {
+            wave->expandFlag = !wave->expandFlag;
+            expandBus(index);
+            owner_->Refresh();
+        }
+        return true;
+    }
+    return QListView::eventFilter(watched, event);
+}
+
+void WaveLstView::cancelMove()
+{
+    moving = false;
+}
+
+void WaveLstView::dragEnterEvent(QDragEnterEvent* event)
+{
+    event->setDropAction(Qt::MoveAction);
+    event->accept();
+}
+
+void WaveLstView::dragLeaveEvent(QDragLeaveEvent* event)
+{
+    event->accept();
+}
+
+void WaveLstView::dropEvent(QDropEvent* event)
+{
+    event->accept();
+    moving = false;
+}
+
+void WaveLstView::dragMoveEvent(QDragMoveEvent* event)
+{
+    dragTarget = indexAt(event->position().toPoint());
+    WaveData* target = waveOf(dragTarget);
+    // Element rows and the space below the last row take no wave.
+    if (!target) {
+        event->ignore();
+        return;
+    }
+    const QModelIndex current = currentIndex();
+    WaveData* dragged = waveOf(current);
+    if (dragged && current.row() != dragTarget.row()) {
+        // A bus must be collapsed to be moved or to be moved across.
+        if ((dragged->isBus && dragged->expandFlag) || (target->isBus && target->expandFlag)) {
+            event->ignore();
+            return;
+        }
+        const int targetRow = dragTarget.row();
+        // One undoable step for every row the drag crosses; the command moves
+        // the row itself when it is pushed.
+        owner_->undoStack()->push(new moveWaveCommand(dragged, current.row(), targetRow, owner_));
+        lastTargetRow = targetRow;
+        selectionModel()->setCurrentIndex(model_->index(targetRow, 0), QItemSelectionModel::ClearAndSelect);
+    }
+    event->acceptProposedAction();
+}
+
+void WaveLstView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    if (current == previous)
+        return;
+    if (!current.isValid()) {
+        owner_->setActiveWave(nullptr);
+        owner_->selection().clear();
+        owner_->onEditDataChanged();
+    } else {
+        owner_->selection().clear();
+        owner_->changeRange(-1.0, -1.0);
+        WaveData* wave = waveOf(current);
+        if (wave)
+            wave->selected = true;
+        owner_->setActiveWave(wave);
+        owner_->DisplayData();
+        owner_->LoadEditData();
+        owner_->onEditDataChanged();
+    }
+    if (WaveData* old = waveOf(previous))
+        old->selected = false;
+    QListView::currentChanged(current, previous);
+}
+
+void WaveLstView::updateGeometries()
+{
+    QListView::updateGeometries();
+    owner_->setBar();
 }
 
 } // namespace kesu::toolvok

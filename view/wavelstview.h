@@ -4,6 +4,10 @@
 #include <QStandardItem>
 
 class QStandardItemModel;
+class QDragEnterEvent;
+class QDragLeaveEvent;
+class QDragMoveEvent;
+class QDropEvent;
 
 namespace kesu::toolvok {
 
@@ -39,11 +43,39 @@ public:
     WaveData* waveAt(int row) const;
     QStandardItemModel* itemModel() const { return model_; }
 
+    // Shows or hides the element rows of the bus in that row after the
+    // caller flipped its expandFlag, and re-marks its title to match.
+    void expandBus(QModelIndex index);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+public Q_SLOTS:
+    void cancelMove();
+
+protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void updateGeometries() override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
 private:
     QList<QStandardItem*> rowsFor(WaveData* wave) const;
+    QStandardItem* elementItem(const QString& element) const;
+    WaveData* waveOf(const QModelIndex& index) const;
 
     QStandardItemModel* model_;
     VokGUI* owner_;
+
+public:
+    // Drag state, open to the tool window and its tests like the other views'.
+    // A row drag is under way; only a drop ends it.
+    bool moving = false;
+    // The row under the mouse during a drag.
+    QModelIndex dragTarget;
+    // The row to which the last drag step moved the wave.
+    int lastTargetRow = -1;
 };
 
 } // namespace kesu::toolvok

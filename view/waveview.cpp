@@ -342,8 +342,6 @@ WaveView::WaveView(VokGUI* owner, QWidget* parent) : QWidget(parent), owner_(own
     installEventFilter(this);
 }
 
-WaveView::~WaveView() = default;
-
 void WaveView::drawCloneBlock(QPainter& painter, int x, int y, int width, int height)
 {
     static const QBrush clone(Qt::gray, Qt::Dense6Pattern);

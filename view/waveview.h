@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPoint>
 #include <QWidget>
 
 #include <string>
@@ -29,6 +30,9 @@ public:
     // Moves the cursor to t (cut to the active wave's end) and scrolls the
     // view to it when it lies outside.
     void Jumpto(quint64 t);
+    // Replays the last release after the document changed, so that the
+    // selection follows the edited wave.
+    void reselect();
 
     void drawWave(bool clone, QPainter& painter, WaveData* wave, int from, int to);
     static void drawCloneBlock(QPainter& painter, int x, int y, int width, int height);
@@ -50,15 +54,49 @@ public:
     QList<Pattern*> draggedPatterns;
     QList<WaveData*> pendingWaves;
 
+    // Mouse interaction state (waveview_mouse.cpp).
+    int mouseX = 0;
+    bool patternCreated = false;
+    bool edgeMoved = false;
+    bool dragLeftEdge = false;
+    int pressX = 0;
+    bool stretchDrag = false;
+    QList<qint32> oldDurations;
+    QList<qint32> newDurations;
+    QPoint releasePoint;
+
+    // Whether a press started an edge drag that its release has not ended.
+    bool isDraggingEdge() const;
+    // The copy of the wave taken when the edge drag under way began (the
+    // state its undo returns to); null between drags.
+    static const WaveData* dragOrigin();
+
     // How many primitives the last paint drew; lets tests and the benchmark
     // check that painting costs what is visible, not what exists.
     int lastPaintPrimitives() const { return primitives_; }
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     VokGUI* owner_;
+
+    // Mouse interaction helpers (waveview_mouse.cpp, waveview_interaction.cpp).
+    double exactTimeAt(int x) const;
+    quint64 snappedTimeAt(int x) const;
+    WaveData* waveAtY(int y) const;
+    bool startEdgeDrag(int x);
+    void dragEdge(int x);
+    void finishEdgeDrag();
+    // Repaints at once with collectSelection set, so that the paint gathers
+    // the patterns under the selection into the owner's list.
+    void collectNow();
+    // The cursor time of the press that began the current gesture.
+    quint64 pressTime_ = 0;
 
     // Per-paint state, set afresh at the start of every paint.
     int fontSize = 8;
