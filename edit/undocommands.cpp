@@ -323,21 +323,39 @@ void ImportWaveCommand::redo()
 // --- moveWaveCommand --------------------------------------------------------
 
 moveWaveCommand::moveWaveCommand(WaveData* wave, int from, int to, VokGUI* gui, QUndoCommand* parent)
-    : QUndoCommand(parent), wave_(wave), from_(from), to_(to), gui_(gui)
+    : QUndoCommand(parent), wave_(wave), from_(from), to_(to), gui_(gui), name_(wave->name),
+      documentFrom_(static_cast<int>(gui->document()->waves.indexOf(wave)))
 {
 }
 
-// The wave is held by pointer: it must still belong to the document.
+WaveData* moveWaveCommand::wave() const
+{
+    // Undoing a removal or redoing a duplication puts a new copy in the
+    // document; the name finds it where the remembered pointer cannot.
+    const QList<WaveData*>& waves = gui_->document()->waves;
+    if (waves.contains(wave_) && wave_->name == name_)
+        return wave_;
+    return gui_->document()->findWavebyName(name_);
+}
+
 void moveWaveCommand::undo()
 {
-    if (gui_->document()->waves.contains(wave_))
-        gui_->moveWave(wave_, to_, from_);
+    WaveData* live = wave();
+    if (!live)
+        return;
+    gui_->moveWave(live, to_, from_);
+    // Rows count only shown waves: the rows alone cannot say where the wave
+    // stood among hidden ones, so its document place is put back exactly.
+    QList<WaveData*>& waves = gui_->document()->waves;
+    const qsizetype now = waves.indexOf(live);
+    if (now >= 0 && documentFrom_ >= 0 && documentFrom_ < waves.size())
+        waves.move(now, documentFrom_);
 }
 
 void moveWaveCommand::redo()
 {
-    if (gui_->document()->waves.contains(wave_))
-        gui_->moveWave(wave_, from_, to_);
+    if (WaveData* live = wave())
+        gui_->moveWave(live, from_, to_);
 }
 
 } // namespace kesu::toolvok

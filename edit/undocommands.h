@@ -172,10 +172,14 @@ public:
     void redo() override;
 
 private:
+    WaveData* wave() const;
+
     WaveData* wave_;
     qint32 from_;
     qint32 to_;
     VokGUI* gui_;
+    QString name_;
+    int documentFrom_;
 };
 
 } // namespace kesu::toolvok

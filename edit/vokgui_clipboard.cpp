@@ -18,6 +18,7 @@
 #include <QSet>
 #include <QUndoStack>
 
+#include <limits>
 #include <memory>
 
 namespace kesu::toolvok {
@@ -77,9 +78,32 @@ void VokGUI::discardSegments(const QList<Pattern*>& segments)
 
 void VokGUI::dropClipboard()
 {
-    // Cut segments still waiting for their paste belong to nobody else.
-    qDeleteAll(m_clipboard);
+    // Cut segments still waiting for their paste belong to nobody else; the
+    // views may still point at them from before the cut.
+    const QList<Pattern*> held = m_clipboard;
+    discardSegments(held);
     m_clipboard.clear();
+}
+
+void VokGUI::finishMouseEdit()
+{
+    if (m_waveView->isDraggingEdge())
+        m_waveView->finishEdgeDrag();
+}
+
+QList<Pattern*> VokGUI::takeSelectedSegments()
+{
+    // Only what the active wave really holds is taken: anything else in the
+    // selection still belongs to its own wave.
+    QList<Pattern*> taken;
+    const QSet<Pattern*> own(m_activeWave->patterns.cbegin(), m_activeWave->patterns.cend());
+    for (Pattern* p : std::as_const(m_selection)) {
+        if (own.contains(p) && !taken.contains(p)) {
+            m_activeWave->removeData(p);
+            taken.append(p);
+        }
+    }
+    return taken;
 }
 
 void VokGUI::resetForever(WaveData* wave)
@@ -119,6 +143,11 @@ void VokGUI::addEditData(quint64 time)
     WaveData* wave = m_waveList->waveAt(m_waveList->currentIndex().row());
     if (!wave || wave->getEndTime() > time)
         return;
+    // A segment holds at most 2^31 - 1 units; a click further out is refused
+    // rather than wrapped into a negative length.
+    if (time - wave->getEndTime() > quint64(std::numeric_limits<qint32>::max()))
+        return;
+    finishMouseEdit();
     auto* p = new Pattern(nextValue(wave), static_cast<qint32>(time - wave->getEndTime()));
     if (time / m_step > quint64(m_waveHBar->maximum()))
         m_waveHBar->setMaximum(static_cast<int>(qMin<quint64>(time / m_step + 5, INT_MAX)));
@@ -137,11 +166,9 @@ void VokGUI::clearData()
 {
     if (m_selection.isEmpty() || !m_activeWave)
         return;
+    finishMouseEdit();
     std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
-    const QList<Pattern*> cleared = m_selection;
-    for (Pattern* p : cleared)
-        m_activeWave->removeData(p);
-    discardSegments(cleared);
+    discardSegments(takeSelectedSegments());
     mergeAfterEdit(m_activeWave);
     changeRange(-1, -1);
     m_editDlg->LoadData(nullptr, m_selection);
@@ -154,18 +181,21 @@ void VokGUI::cutData()
 {
     if (m_selection.isEmpty() || !m_activeWave)
         return;
+    finishMouseEdit();
     m_fromCut = true;
     dropClipboard();
     std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
     m_activeWave->selected = false;
-    for (Pattern* p : std::as_const(m_selection)) {
-        m_clipboard.append(p);
-        m_activeWave->removeData(p);
-    }
+    m_clipboard = takeSelectedSegments();
     m_selection.clear();
     // The cut segments live on in the clipboard; the views must let go of them.
+    const QSet<Pattern*> cut(m_clipboard.cbegin(), m_clipboard.cend());
     for (QList<Pattern*>* list : {&m_waveView->pendingPatterns, &m_waveView->draggedPatterns})
-        list->removeIf([this](Pattern* p) { return m_clipboard.contains(p); });
+        list->removeIf([&cut](Pattern* p) { return cut.contains(p); });
+    if (cut.contains(m_waveView->selectedPattern))
+        m_waveView->selectedPattern = nullptr;
+    if (cut.contains(m_waveView->selectedPattern2))
+        m_waveView->selectedPattern2 = nullptr;
     mergeAfterEdit(m_activeWave);
     m_editDlg->LoadData(nullptr, m_selection);
     m_waveDataDlg->LoadData(m_activeWave);
@@ -196,6 +226,7 @@ void VokGUI::pasteData()
     if (!source || source->isBus != m_activeWave->isBus
         || (source->isBus && source->busWidth != m_activeWave->busWidth))
         return;
+    finishMouseEdit();
 
     Pattern* insertionPoint = m_selection.first();
     std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
@@ -207,10 +238,7 @@ void VokGUI::pasteData()
             m_activeWave->insertData(new Pattern(p->value, p->duration), insertionPoint);
         }
     }
-    const QList<Pattern*> replaced = m_selection;
-    for (Pattern* p : replaced)
-        m_activeWave->removeData(p);
-    discardSegments(replaced);
+    discardSegments(takeSelectedSegments());
     mergeAfterEdit(m_activeWave);
     if (m_fromCut)
         m_clipboard.clear();   // a cut pastes once: its segments now belong to the wave

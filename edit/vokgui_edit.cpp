@@ -133,22 +133,30 @@ void VokGUI::onRedoChanged(bool can)
 
 void VokGUI::undo()
 {
+    finishMouseEdit();
     m_undoStack->undo();
+    // Undo rewrites segments in place: a kept selection would name pulses
+    // that are no longer the ones the user picked.
+    m_selection.clear();
     if (m_activeWave)
         m_activeWave->selected = false;
     m_waveView->pendingPatterns.clear();
     changeRange(-1, -1);
     m_editDlg->LoadData(nullptr, m_selection);
+    onEditDataChanged();
 }
 
 void VokGUI::redo()
 {
+    finishMouseEdit();
     m_undoStack->redo();
+    m_selection.clear();
     if (m_activeWave)
         m_activeWave->selected = false;
     m_waveView->pendingPatterns.clear();
     m_editDlg->LoadData(nullptr, m_selection);
     m_waveView->update();
+    onEditDataChanged();
 }
 
 bool VokGUI::eventFilter(QObject* watched, QEvent* event)

@@ -33,10 +33,15 @@ void VokGUI::forgetWave(WaveData* wave)
     }
 }
 
+// The name list shows only visible waves (and the bits of expanded buses),
+// so its rows and the document's positions are kept apart: rows are found
+// from the waves around them.
+
 void VokGUI::addWave(WaveData* wave)
 {
     m_data->addWave(wave);
-    m_waveList->addWave(wave);
+    if (wave->visible)
+        m_waveList->addWave(wave);
     Refresh();
     SetDirtyBit();
 }
@@ -58,17 +63,31 @@ void VokGUI::insertWave(WaveData* wave, int index)
     if (index < 0 || index > m_data->waves.size())
         index = static_cast<int>(m_data->waves.size());
     m_data->waves.insert(index, wave);
-    m_waveList->insertWave(wave, qMin(index, m_waveList->itemModel()->rowCount()));
+    if (wave->visible) {
+        int row = m_waveList->itemModel()->rowCount();
+        for (qsizetype i = index + 1; i < m_data->waves.size(); ++i) {
+            const int next = m_waveList->rowOf(m_data->waves.at(i));
+            if (next >= 0) {
+                row = next;
+                break;
+            }
+        }
+        m_waveList->insertWave(wave, row);
+    }
     Refresh();
     SetDirtyBit();
 }
 
 void VokGUI::moveWave(WaveData* wave, int from, int to)
 {
+    // The wave takes the document place of the wave shown at the target row.
+    const qsizetype count = m_data->waves.size();
+    const qsizetype docFrom = m_data->waves.indexOf(wave);
+    const WaveData* target = m_waveList->waveAt(to);
+    const qsizetype docTo = target ? m_data->waves.indexOf(target) : qBound(qsizetype(0), qsizetype(to), count - 1);
     m_waveList->moveWave(wave, from, to);
-    const int count = static_cast<int>(m_data->waves.size());
-    if (from >= 0 && from < count && to >= 0 && to < count)
-        m_data->waves.move(from, to);
+    if (docFrom >= 0 && docTo >= 0 && docTo < count)
+        m_data->waves.move(docFrom, docTo);
     Refresh();
     SetDirtyBit();
 }

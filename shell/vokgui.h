@@ -164,6 +164,8 @@ public:
     // Empties the clipboard; its segments are deleted unless a paste moved
     // them into a wave.
     void dropClipboard();
+    // Ends an edge drag under the mouse before the keyboard edits the wave.
+    void finishMouseEdit();
 
 public Q_SLOTS:
     bool maybeSave() override;
@@ -293,6 +295,8 @@ private:
     void restartAutoSave();
     // Lets go of everything that refers to a wave about to be deleted.
     void forgetWave(WaveData* wave);
+    // Takes the selected segments out of the active wave and returns them.
+    QList<Pattern*> takeSelectedSegments();
     QString dialogFolder() const;
     bool askToSave();
 

@@ -48,6 +48,7 @@ void VokGUI::ClearAll()
 {
     // Nothing may keep pointing into the waves about to go, and no step of
     // the old document may be undone into the next one.
+    m_waveView->cancelEdgeDrag();
     setActiveWave(nullptr);
     m_selection.clear();
     dropClipboard();

@@ -67,6 +67,13 @@ public:
 
     // Whether a press started an edge drag that its release has not ended.
     bool isDraggingEdge() const;
+    // Ends the edge drag under way as its release would, with its one undo
+    // step; edits from the keyboard call it so that they never interleave
+    // with a half-made drag.
+    void finishEdgeDrag();
+    // Forgets the edge drag under way without touching the document: the
+    // document it began in is going away.
+    void cancelEdgeDrag();
     // The copy of the wave taken when the edge drag under way began (the
     // state its undo returns to); null between drags.
     static const WaveData* dragOrigin();
@@ -91,7 +98,6 @@ private:
     WaveData* waveAtY(int y) const;
     bool startEdgeDrag(int x);
     void dragEdge(int x);
-    void finishEdgeDrag();
     // Repaints at once with collectSelection set, so that the paint gathers
     // the patterns under the selection into the owner's list.
     void collectNow();

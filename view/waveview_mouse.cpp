@@ -246,8 +246,14 @@ void WaveView::mouseMoveEvent(QMouseEvent* event)
         selectionEnd = exactTimeAt(x);
         update();
     }
-    if (mode == VokGUI::ModeEdit && isDraggingEdge())
-        dragEdge(x);
+    if (isDraggingEdge()) {
+        // A release that never arrived (a dialog or the zoom-area mode took
+        // it) ends the drag here rather than letting a hover resize pulses.
+        if (mode == VokGUI::ModeEdit && (event->buttons() & Qt::LeftButton))
+            dragEdge(x);
+        else
+            finishEdgeDrag();
+    }
 
     RulerView* ruler = owner_->rulerView();
     if (ruler->rangeActive && owner_->isZooming())
@@ -325,6 +331,19 @@ void WaveView::finishEdgeDrag()
     selectedPattern = selectedPattern2 = nullptr;
     draggedPatterns.clear();
     owner_->SetDirtyBit();
+}
+
+void WaveView::cancelEdgeDrag()
+{
+    if (!isDraggingEdge())
+        return;
+    edgeMoved = false;
+    patternCreated = false;
+    dropOldwave();
+    highlightOff = false;
+    stretchDrag = false;
+    selectedPattern = selectedPattern2 = nullptr;
+    draggedPatterns.clear();
 }
 
 void WaveView::mouseReleaseEvent(QMouseEvent* event)

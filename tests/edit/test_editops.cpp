@@ -7,6 +7,8 @@
 #include "sandboxedtestmain.h"
 #include "waveview.h"
 
+#include <limits>
+
 #include <QKeyEvent>
 #include <QScrollBar>
 #include <QUndoStack>
@@ -481,9 +483,49 @@ private Q_SLOTS:
             QVERIFY(!a->selected);
             QVERIFY(t->waveView()->pendingPatterns.isEmpty());
             QCOMPARE(t->waveView()->selectionStart, undoing ? -1.0 : 10.0);
-            QCOMPARE(emitted(edit), undoing ? QList<bool>{false} : QList<bool>{});
+            // The selection is gone after both, so the edit actions go off;
+            // only undo also drops the range (which says so once more).
+            QVERIFY(t->selection().isEmpty());
+            QCOMPARE(emitted(edit), undoing ? (QList<bool>{false, false}) : QList<bool>{false});
         }
         QCOMPARE(t.saved(), wdl({single("a", "0 40 1 40"), kZ, kX, kH, kD, kM, kN, kW, kK, kB}));
+    }
+
+    void aClickTooFarForOneSegmentIsRefused()
+    {
+        // A segment holds at most 2^31 - 1 units: a longer gap would wrap
+        // into a negative length.
+        Tool t(kDoc);
+        t.editMode(true);
+        t.select(QStringLiteral("a"), {});
+        const quint64 end = t.wave(QStringLiteral("a"))->getEndTime();
+        t->addEditData(end + quint64(std::numeric_limits<qint32>::max()) + 1);
+        QCOMPARE(t->undoStack()->count(), 0);
+        QCOMPARE(t.saved(), kDoc);
+        t->addEditData(end + quint64(std::numeric_limits<qint32>::max()));
+        QCOMPARE(t->undoStack()->count(), 1);
+        QCOMPARE(t.wave(QStringLiteral("a"))->patterns.last()->duration, std::numeric_limits<qint32>::max());
+    }
+
+    void segmentsOfAnotherWaveInTheSelectionSurviveClearAndPaste()
+    {
+        Tool t(kDoc);
+        t.editMode(true);
+        WaveData* z = t.wave(QStringLiteral("z"));
+        Pattern* foreign = z->patterns.first();
+        t.select(QStringLiteral("a"), {1});
+        t->selection().append(foreign);
+        t->clearData();
+        QCOMPARE(z->patterns.first(), foreign);   // still there, not freed (ASan would say)
+        QCOMPARE(foreign->value, std::string("0"));
+        QCOMPARE(foreign->duration, 10);
+
+        t.select(QStringLiteral("a"), {0});
+        t->copyData();
+        t.select(QStringLiteral("a"), {0});
+        t->selection().append(foreign);
+        t->pasteData();
+        QCOMPARE(z->patterns.first(), foreign);
     }
 };
 

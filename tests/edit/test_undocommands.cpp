@@ -377,14 +377,42 @@ private Q_SLOTS:
         t->undoStack()->redo();
         QCOMPARE(t.saved(), moved);
 
-        // The command holds the wave itself: once that object is gone (a
-        // removal undone brings back a copy), the move is skipped.
+        // A removal undone brings back a copy of the wave, not the object the
+        // move was made with: the move still finds it by name and undoes.
         t->undoStack()->push(new DelWaveCommand({a}, t.gui.get()));
         t->undoStack()->undo();
         QCOMPARE(t.saved(), moved);
         t->undoStack()->undo();
-        QCOMPARE(t.saved(), moved);
+        QCOMPARE(t.saved(), kDoc);
         QCOMPARE(t.listRows(), t.docOrder());
+    }
+
+    void hiddenWavesKeepRowsAndDocumentApart()
+    {
+        // Rows count shown waves only; with b hidden, row 2 is c, which sits
+        // at document position 3.
+        Tool t(kDoc);
+        t->undoStack()->push(new HideWaveCommand(t.wave(QStringLiteral("b")), t.gui.get()));
+        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "d[3:0]", "e", "f[3:0]"}));
+
+        t->undoStack()->push(new moveWaveCommand(t.wave(QStringLiteral("a")), 1, 2, t.gui.get()));
+        QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+        QCOMPARE(t.docOrder(), (QStringList{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+        t->undoStack()->undo();
+        QCOMPARE(t.docOrder(), (QStringList{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]"}));
+        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "d[3:0]", "e", "f[3:0]"}));
+        t->undoStack()->redo();
+        QCOMPARE(t.docOrder(), (QStringList{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+
+        // Removing the hidden wave and undoing brings it back at its place,
+        // still hidden, and gives it no row.
+        t->undoStack()->push(new DelWaveCommand({t.wave(QStringLiteral("b")), t.wave(QStringLiteral("e"))},
+                                                t.gui.get()));
+        QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "f[3:0]"}));
+        t->undoStack()->undo();
+        QCOMPARE(t.docOrder(), (QStringList{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+        QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+        QVERIFY(!t.wave(QStringLiteral("b"))->visible);
     }
 };
 

@@ -475,6 +475,53 @@ private Q_SLOTS:
         QVERIFY(!WaveView::dragOrigin());
     }
 
+    void lostReleaseEndsTheDragAtTheNextHover()
+    {
+        // A dialog or the zoom-area mode may swallow the release: moving the
+        // mouse with no button held then ends the drag with its one step
+        // instead of resizing pulses under a hovering mouse.
+        open({LineA});
+        click(70, row(0));
+        press(90, row(3));
+        move(110, row(3));
+        held_ = {};
+        move(150, row(3));
+        QVERIFY(!view_->isDraggingEdge());
+        QVERIFY(!WaveView::dragOrigin());
+        QCOMPARE(segments(wave("a")), QStringLiteral("0:2 1:4 0:3 1:1"));
+        QCOMPARE(gui_->undoStack()->count(), 1);
+        gui_->undo();
+        QCOMPARE(segments(wave("a")), QStringLiteral("0:2 1:3 0:4 1:1"));
+    }
+
+    void keyboardEditsAndNewDocumentsEndTheDragFirst()
+    {
+        open({LineA});
+        click(70, row(0));
+        press(90, row(3));
+        move(110, row(3));
+        // Undo with the button still down: the drag becomes its own step
+        // first, and that step is what is undone.
+        gui_->undo();
+        QVERIFY(!view_->isDraggingEdge());
+        QCOMPARE(segments(wave("a")), QStringLiteral("0:2 1:3 0:4 1:1"));
+        QCOMPARE(gui_->undoStack()->count(), 1);
+        QCOMPARE(gui_->undoStack()->index(), 0);
+
+        // A new document mid-drag forgets the drag: nothing of the old
+        // document is pushed into the new one.
+        click(70, row(0));
+        press(90, row(3));
+        move(110, row(3));
+        gui_->CloseFile();
+        QVERIFY(!view_->isDraggingEdge());
+        QVERIFY(!WaveView::dragOrigin());
+        QCOMPARE(gui_->undoStack()->count(), 0);
+        release(110, row(3));
+        QCOMPARE(gui_->undoStack()->count(), 0);
+        QVERIFY(!gui_->isModified());
+    }
+
     // ----- cursor, ruler and modes -------------------------------------------------
 
     void releaseAtOrLeftOfZeroPutsTheCursorAtZero()
