@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtGlobal>
+#include <cstddef>
 #include <string>
 
 namespace kesu::toolvok {
@@ -15,6 +16,12 @@ class Pattern
 public:
     Pattern() = default;
     Pattern(std::string v, qint32 d) : value(std::move(v)), duration(d) {}
+
+    // A document holds segments by the ten million: they come from large
+    // blocks, without the general allocator's header in front of each and
+    // without a page fault every few dozen of them (see patternpool.cpp).
+    static void* operator new(std::size_t size);
+    static void operator delete(void* p, std::size_t size) noexcept;
 
     WaveData* wave = nullptr;   // not owning; set when the segment enters a list
     std::string value;

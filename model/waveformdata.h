@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <QStringView>
 
-#include <functional>
+#include <string_view>
 
 class QIODevice;
 
@@ -50,9 +50,14 @@ public:
 private:
     void resolvePatternReferences();
     void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData*>& listed);
-    void readSegments(const QList<QStringView>& tokens, QList<Pattern*>& out, WaveData* wave, bool topLevel);
-    void readGroup(QStringView token, WaveData* wave, bool topLevel,
-                   const std::function<void(Pattern*, bool)>& lay);
+    friend class StatementReader;
+    // The reader works on UTF-8 bytes; the QString entry points convert once.
+    void beginLoad();
+    void compileStatement(std::string_view statement);
+    // out null: lay the segments straight into the wave (the top level).
+    void readSegments(std::string_view text, QList<Pattern*>* out, WaveData* wave);
+    void readGroup(std::string_view token, WaveData* wave, QList<Pattern*>* out);
+    void lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out);
     Pattern* newPlaceholder(WaveData* wave, const QString& reference);
 
     // Segments that repeat counts may still lay down during one load; a guard

@@ -2,11 +2,17 @@
 // make sense of is skipped and a number it cannot convert counts as 0.
 #include "waveformdata.h"
 
+#include <QByteArrayView>
 #include <QHash>
 #include <QIODevice>
 #include <QRegularExpression>
+#include <QStringDecoder>
 
-#include <functional>
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace kesu::toolvok {
 
@@ -20,103 +26,211 @@ constexpr qint64 RepeatBudget = qint64(1) << 25;
 // The widest bus a declaration may expand into element names.
 constexpr qint64 MaxBusWidth = 65536;
 
+// The reader works on the file's UTF-8 bytes: every character that carries
+// meaning in the format is ASCII, and UTF-8 never uses ASCII bytes inside a
+// longer character, so structure can be found byte by byte. Only trimming has
+// to know about characters beyond ASCII, since Qt counts Unicode spaces (the
+// no-break space, say) as white space too.
+using Bytes = std::string_view;
+
+inline bool isBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
 inline bool isBlank(QChar c)
 {
-    return c == QLatin1Char(' ') || c == QLatin1Char('\t');
+    return c == u' ' || c == u'\t';
 }
 
-using Tokens = QList<QStringView>;
-
-Tokens tokenize(QStringView text)
+// QChar::isSpace below 0x80.
+inline bool isAsciiSpace(unsigned char c)
 {
-    Tokens tokens;
-    tokens.reserve(text.size() / 4);
-    const qsizetype n = text.size();
-    auto cut = [&](qsizetype from, qsizetype to) {
-        const QStringView token = text.mid(from, to - from).trimmed();
-        if (!token.isEmpty())
-            tokens.append(token);
-    };
-    if (!text.contains(QLatin1Char('('))) {
-        qsizetype start = 0;
-        for (qsizetype i = 0; i < n; ++i) {
-            if (isBlank(text[i])) {
-                cut(start, i);
-                start = i + 1;
+    return c == ' ' || (c >= 0x09 && c <= 0x0d);
+}
+
+// The character at the front (back) of valid UTF-8 text and its length in
+// bytes; the text is never empty here.
+char32_t firstChar(Bytes s, size_t& length)
+{
+    const auto lead = static_cast<unsigned char>(s.front());
+    length = lead >= 0xf0 ? 4 : lead >= 0xe0 ? 3 : lead >= 0xc0 ? 2 : 1;
+    length = std::min(length, s.size());
+    char32_t c = length == 1 ? lead : lead & (0x7f >> length);
+    for (size_t k = 1; k < length; ++k)
+        c = (c << 6) | (static_cast<unsigned char>(s[k]) & 0x3f);
+    return c;
+}
+
+char32_t lastChar(Bytes s, size_t& length)
+{
+    length = 1;
+    while (length < 4 && length < s.size() && (static_cast<unsigned char>(s[s.size() - length]) & 0xc0) == 0x80)
+        ++length;
+    size_t decoded = 0;
+    const char32_t c = firstChar(s.substr(s.size() - length), decoded);
+    return decoded == length ? c : U'\xfffd';
+}
+
+// QStringView::trimmed on the UTF-8 form of the same text.
+Bytes trimmed(Bytes s)
+{
+    while (!s.empty()) {
+        const auto c = static_cast<unsigned char>(s.front());
+        size_t length = 1;
+        if (c < 0x80 ? !isAsciiSpace(c) : !QChar::isSpace(firstChar(s, length)))
+            break;
+        s.remove_prefix(length);
+    }
+    while (!s.empty()) {
+        const auto c = static_cast<unsigned char>(s.back());
+        size_t length = 1;
+        if (c < 0x80 ? !isAsciiSpace(c) : !QChar::isSpace(lastChar(s, length)))
+            break;
+        s.remove_suffix(length);
+    }
+    return s;
+}
+
+inline bool startsWith(Bytes s, char c)
+{
+    return !s.empty() && s.front() == c;
+}
+
+inline bool startsWith(Bytes s, Bytes prefix)
+{
+    return s.substr(0, prefix.size()) == prefix;
+}
+
+inline bool contains(Bytes s, char c)
+{
+    return s.find(c) != Bytes::npos;
+}
+
+QString toQString(Bytes s)
+{
+    const QByteArrayView bytes(s.data(), static_cast<qsizetype>(s.size()));
+    if (!startsWith(s, Bytes("\xEF\xBB\xBF")))
+        return QString::fromUtf8(bytes);
+    // QString::fromUtf8 would drop a byte order mark in front; inside a
+    // statement it is an ordinary character.
+    QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    return decode(bytes);
+}
+
+// Hands out a segment list's tokens one at a time, so that no list of all of
+// them is ever built. With no "(" in the text it cuts at every blank; with one,
+// groups stay whole: only a blank or "(" outside every group cuts, and not one
+// directly followed by "#", so that "(...) #3" keeps its suffix.
+class Tokenizer
+{
+public:
+    explicit Tokenizer(Bytes text) : text_(text), grouped_(contains(text, '(')) {}
+
+    bool next(Bytes& token)
+    {
+        return grouped_ ? nextGrouped(token) : nextPlain(token);
+    }
+
+private:
+    bool nextPlain(Bytes& token)
+    {
+        const size_t n = text_.size();
+        while (pos_ < n) {
+            size_t end = pos_;
+            while (end < n && !isBlank(text_[end]))
+                ++end;
+            Bytes piece = text_.substr(pos_, end - pos_);
+            pos_ = end + 1;
+            // Digits and letters on both ends, the usual case, need no trimming.
+            if (!piece.empty() && (static_cast<unsigned char>(piece.front()) <= ' '
+                                   || static_cast<unsigned char>(piece.back()) <= ' '
+                                   || static_cast<unsigned char>(piece.front()) >= 0x80
+                                   || static_cast<unsigned char>(piece.back()) >= 0x80))
+                piece = trimmed(piece);
+            if (!piece.empty()) {
+                token = piece;
+                return true;
             }
         }
-        cut(start, n);
-        return tokens;
+        return false;
     }
-    // Groups stay whole: only a blank or "(" outside every group cuts, and not
-    // one directly followed by "#", so that "(...) #3" keeps its suffix.
-    qsizetype depth = 0;
-    qsizetype start = 0;
-    for (qsizetype i = 0; i < n; ++i) {
-        const QChar c = text[i];
-        const bool open = c == QLatin1Char('(');
-        if ((open || isBlank(c)) && depth <= 0
-            && !(i + 1 < n && text[i + 1] == QLatin1Char('#'))) {
-            cut(start, i);
-            start = open ? i : i + 1;
+
+    bool nextGrouped(Bytes& token)
+    {
+        const size_t n = text_.size();
+        while (pos_ < n) {
+            const size_t i = pos_++;
+            const char c = text_[i];
+            const bool open = c == '(';
+            const bool cut = (open || isBlank(c)) && depth_ <= 0 && !(i + 1 < n && text_[i + 1] == '#');
+            if (open)
+                ++depth_;
+            else if (c == ')')
+                --depth_;
+            if (cut) {
+                const Bytes piece = trimmed(text_.substr(start_, i - start_));
+                start_ = open ? i : i + 1;
+                if (!piece.empty()) {
+                    token = piece;
+                    return true;
+                }
+            }
         }
-        if (open)
-            ++depth;
-        else if (c == QLatin1Char(')'))
-            --depth;
+        if (!finished_) {
+            finished_ = true;
+            const Bytes piece = trimmed(text_.substr(start_));
+            if (!piece.empty()) {
+                token = piece;
+                return true;
+            }
+        }
+        return false;
     }
-    cut(start, n);
-    return tokens;
-}
 
-std::string toBytes(QStringView text)
-{
-    std::string bytes;
-    bytes.reserve(static_cast<size_t>(text.size()));
-    for (QChar c : text) {
-        if (c.unicode() >= 0x80)
-            return text.toUtf8().toStdString();
-        bytes.push_back(static_cast<char>(c.unicode()));
-    }
-    return bytes;
-}
+    Bytes text_;
+    bool grouped_;
+    bool finished_ = false;
+    size_t pos_ = 0;
+    size_t start_ = 0;
+    qint64 depth_ = 0;
+};
 
-std::string valueOf(QStringView token, bool bus)
+std::string valueOf(Bytes token, bool bus)
 {
     if (bus) {
-        if (token == QLatin1String("DonTCare"))
+        if (token == "DonTCare")
             return Values::DontCare;
-        if (token == QLatin1String("HighZ"))
+        if (token == "HighZ")
             return Values::HighZ;
     } else {
-        if (token == QLatin1String("2"))
+        if (token == "2")
             return Values::DontCare;
-        if (token == QLatin1String("3"))
+        if (token == "3")
             return Values::HighZ;
     }
-    return toBytes(token);
+    return std::string(token);
 }
 
-qint32 durationOf(QStringView token)
+qint32 durationOf(Bytes token)
 {
     // Plain digits, the common case, are read directly; anything else goes
     // through Qt's conversion, which gives the same result for them.
-    if (!token.isEmpty() && token.size() <= 18) {
+    if (!token.empty() && token.size() <= 18) {
         quint64 value = 0;
         bool digits = true;
-        for (QChar c : token) {
-            const char16_t u = c.unicode();
-            if (u < '0' || u > '9') {
+        for (const char c : token) {
+            if (c < '0' || c > '9') {
                 digits = false;
                 break;
             }
-            value = value * 10 + (u - '0');
+            value = value * 10 + quint64(c - '0');
         }
         if (digits)
             return static_cast<qint32>(value);
     }
     // Read as 64 bits and kept in 32, as the file has always been read.
-    return static_cast<qint32>(static_cast<quint64>(token.toLongLong()));
+    return static_cast<qint32>(static_cast<quint64>(toQString(token).toLongLong()));
 }
 
 QStringView word(const QList<QStringView>& words, qsizetype i)
@@ -237,22 +351,22 @@ struct GroupSuffix {
     bool forever = false;
 };
 
-GroupSuffix readSuffix(QStringView suffix)
+GroupSuffix readSuffix(Bytes suffix)
 {
     GroupSuffix s;
-    const qsizetype star = suffix.indexOf(QLatin1Char('*'));
-    const qsizetype hash = suffix.indexOf(QLatin1Char('#'));
-    if (star >= 0 && (hash < 0 || star < hash)) {
-        const qsizetype end = hash < 0 ? suffix.size() : hash;
-        s.multiplier = suffix.mid(star + 1, end - star - 1).trimmed().toInt();
+    const size_t star = suffix.find('*');
+    const size_t hash = suffix.find('#');
+    if (star != Bytes::npos && (hash == Bytes::npos || star < hash)) {
+        const size_t end = hash == Bytes::npos ? suffix.size() : hash;
+        s.multiplier = toQString(trimmed(suffix.substr(star + 1, end - star - 1))).toInt();
     }
-    if (hash >= 0) {
-        const QStringView n = suffix.mid(hash + 1).trimmed();
-        if (n == QLatin1String("#")) {
+    if (hash != Bytes::npos) {
+        const Bytes n = trimmed(suffix.substr(hash + 1));
+        if (n == "#") {
             s.forever = true;
         } else {
             // No default: "#" alone or "#0" lays nothing down.
-            s.repeats = qMax<qint64>(0, n.toLongLong());
+            s.repeats = qMax<qint64>(0, toQString(n).toLongLong());
         }
     }
     return s;
@@ -262,114 +376,216 @@ GroupSuffix readSuffix(QStringView suffix)
 
 // ---------------------------------------------------------------------------
 
+// Gathers lines into statements and hands each finished one to the document.
+class StatementReader
+{
+public:
+    explicit StatementReader(WaveformData& doc) : doc_(doc) {}
+
+    // Feeds every whole line of data (those ended by "\n", or all of it when
+    // last) and returns how many bytes it used; stopped() tells whether an
+    // empty line ended the reading.
+    size_t feed(const char* data, size_t size, bool last)
+    {
+        size_t pos = 0;
+        while (pos < size && !stopped_) {
+            const void* found = std::memchr(data + pos, '\n', size - pos);
+            if (!found && !last)
+                break;
+            const size_t eol = found ? static_cast<size_t>(static_cast<const char*>(found) - data) : size;
+            line(Bytes(data + pos, eol - pos));
+            pos = found ? eol + 1 : size;
+        }
+        return pos;
+    }
+
+    bool stopped() const { return stopped_; }
+
+    // Byte order marks to skip in front of the first line.
+    int marksToSkip = 1;
+
+private:
+    void line(Bytes text)
+    {
+        if (marksToSkip > 0) {
+            for (; marksToSkip > 0 && startsWith(text, Bytes("\xEF\xBB\xBF")); --marksToSkip)
+                text.remove_prefix(3);
+            marksToSkip = 0;
+        }
+        if (!text.empty() && text.back() == '\r')
+            text.remove_suffix(1);
+        // A line of no characters at all ends the file for the reader; the
+        // writer never writes one. A line of blanks is only skipped.
+        if (text.empty()) {
+            stopped_ = true;
+            return;
+        }
+        // Bytes that are not UTF-8 read as U+FFFD each, as Qt decodes them.
+        // Decoding line by line gives what decoding the whole file would: a
+        // broken sequence never swallows the ASCII byte after it.
+        QByteArray repaired;
+        if (!isAscii(text) && !QByteArrayView(text.data(), qsizetype(text.size())).isValidUtf8()) {
+            QStringDecoder decode(QStringDecoder::Utf8,
+                                  QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+            repaired = QString(decode(QByteArrayView(text.data(), qsizetype(text.size())))).toUtf8();
+            text = Bytes(repaired.constData(), size_t(repaired.size()));
+        }
+        if (trimmed(text).empty())
+            return;
+        // Lines join without a separator: a statement's later lines begin
+        // with the blank or "(" that separates segments.
+        if (statement_.empty() && text.back() == ';') {
+            doc_.compileStatement(text);
+            return;
+        }
+        statement_.append(text);
+        if (statement_.back() == ';') {
+            doc_.compileStatement(statement_);
+            statement_.clear();
+        }
+    }
+
+    static bool isAscii(Bytes text)
+    {
+        const char* p = text.data();
+        const char* const end = p + text.size();
+        quint64 any = 0;
+        for (; end - p >= 8; p += 8) {
+            quint64 word;
+            std::memcpy(&word, p, 8);
+            any |= word;
+        }
+        for (; p < end; ++p)
+            any |= static_cast<unsigned char>(*p);
+        return (any & 0x8080808080808080ULL) == 0;
+    }
+
+    WaveformData& doc_;
+    std::string statement_;
+    bool stopped_ = false;
+};
+
+void WaveformData::beginLoad()
+{
+    repeatBudget_ = RepeatBudget;
+    placeholders_.clear();
+}
+
 void WaveformData::loadData(QIODevice& file)
 {
-    loadText(QString::fromUtf8(file.readAll()));
+    beginLoad();
+    StatementReader reader(*this);
+    // Qt's decoding drops one byte order mark, and the reader another.
+    reader.marksToSkip = 2;
+    // The file is read in pieces through one buffer, so that the text never
+    // has to be in memory at once; a line longer than the buffer grows it.
+    std::vector<char> buffer(size_t(1) << 20);
+    size_t held = 0;
+    for (;;) {
+        if (held == buffer.size())
+            buffer.resize(buffer.size() * 2);
+        const qint64 got = file.read(buffer.data() + held, qint64(buffer.size() - held));
+        const bool last = got <= 0;
+        if (!last)
+            held += size_t(got);
+        const size_t used = reader.feed(buffer.data(), held, last);
+        if (last || reader.stopped())
+            break;
+        std::memmove(buffer.data(), buffer.data() + used, held - used);
+        held -= used;
+    }
+    resolvePatternReferences();
 }
 
 void WaveformData::loadText(const QString& text)
 {
-    repeatBudget_ = RepeatBudget;
-    placeholders_.clear();
-
-    QStringView all(text);
-    if (all.startsWith(QChar(0xFEFF)))
-        all = all.mid(1);
-    QString buffer;
-    qsizetype pos = 0;
-    const qsizetype n = all.size();
-    while (pos < n) {
-        qsizetype eol = all.indexOf(QLatin1Char('\n'), pos);
-        if (eol < 0)
-            eol = n;
-        QStringView line = all.mid(pos, eol - pos);
-        pos = eol + 1;
-        if (line.endsWith(QLatin1Char('\r')))
-            line.chop(1);
-        // A line of no characters at all ends the file for the reader; the
-        // writer never writes one. A line of blanks is only skipped.
-        if (line.isEmpty())
-            break;
-        if (line.trimmed().isEmpty())
-            continue;
-        // Lines join without a separator: a statement's later lines begin
-        // with the blank or "(" that separates segments.
-        if (buffer.isEmpty() && line.endsWith(QLatin1Char(';'))) {
-            CompilerLine(line.toString());
-            continue;
-        }
-        buffer.append(line);
-        if (buffer.endsWith(QLatin1Char(';'))) {
-            CompilerLine(buffer);
-            buffer.clear();
-        }
-    }
+    beginLoad();
+    const QByteArray bytes = text.toUtf8();
+    StatementReader reader(*this);
+    reader.feed(bytes.constData(), size_t(bytes.size()), true);
     resolvePatternReferences();
 }
 
 void WaveformData::CompilerLine(const QString& statement)
 {
-    const QStringView s = QStringView(statement).trimmed();
-    const qsizetype eq = s.indexOf(QLatin1Char('='));
-    if (eq < 0 || s.indexOf(QLatin1Char('='), eq + 1) >= 0)
-        return;
-    const QStringView left = s.left(eq).trimmed();
-    QStringView right = s.mid(eq + 1).trimmed();
+    const QByteArray bytes = statement.toUtf8();
+    compileStatement(Bytes(bytes.constData(), size_t(bytes.size())));
+}
 
-    if (left.startsWith(QLatin1Char('%'))) {
-        QStringView number = right;
+void WaveformData::compileStatement(Bytes statement)
+{
+    const Bytes s = trimmed(statement);
+    const size_t eq = s.find('=');
+    if (eq == Bytes::npos || s.find('=', eq + 1) != Bytes::npos)
+        return;
+    const Bytes left = trimmed(s.substr(0, eq));
+    Bytes right = trimmed(s.substr(eq + 1));
+
+    if (startsWith(left, '%')) {
+        // Dropping the last character (the ";") is done on the text as Qt
+        // holds it, so that a statement without one converts as it always did.
+        QString number = toQString(right);
         number.chop(1);
-        if (left.startsWith(QLatin1String("%MASTERCLOCKMULT")))
+        if (startsWith(left, "%MASTERCLOCKMULT"))
             masterClockMult = number.toInt();
-        else if (left.startsWith(QLatin1String("%SMALLESTUNIT")))
+        else if (startsWith(left, "%SMALLESTUNIT"))
             smallestUnit = number.toInt();
-        else if (left.startsWith(QLatin1String("%AUTOASSIGN")))
+        else if (startsWith(left, "%AUTOASSIGN"))
             autoAssign = number.toInt();
-        else if (left.startsWith(QLatin1String("%DECIMALS")))
+        else if (startsWith(left, "%DECIMALS"))
             decimals = number.toInt();
-        else if (left.startsWith(QLatin1String("%ENDTIME")))
+        else if (startsWith(left, "%ENDTIME"))
             endTime = number.toULongLong();
         return;
     }
 
-    const bool isNamedPattern = left.startsWith(QLatin1Char('$'));
-    const qsizetype open = left.indexOf(QLatin1Char('{'));
-    const bool hasClose = left.contains(QLatin1Char('}'));
-    if (isNamedPattern ? (open >= 0 || hasClose) : (open < 0 || !hasClose || !left.endsWith(QLatin1Char('}'))))
+    const bool isNamedPattern = startsWith(left, '$');
+    const size_t open = left.find('{');
+    const bool hasOpen = open != Bytes::npos;
+    const bool hasClose = contains(left, '}');
+    if (isNamedPattern ? (hasOpen || hasClose) : (!hasOpen || !hasClose || left.back() != '}'))
         return;
 
-    auto* wave = new WaveData((isNamedPattern ? left : left.left(open).trimmed()).toString());
+    auto* wave = new WaveData(toQString(isNamedPattern ? left : trimmed(left.substr(0, open))));
     if (isNamedPattern) {
         wave->isPattern = true;
         wave->polarity = 5;
     } else {
-        applyAttributes(wave, left.mid(open + 1, left.size() - open - 2).trimmed());
+        const QString block = toQString(left.substr(open + 1, left.size() - open - 2));
+        applyAttributes(wave, QStringView(block).trimmed());
     }
     if (!applyBusForm(wave)) {
         delete wave;
         return;
     }
 
-    if (right.endsWith(QLatin1Char(';'))) {
-        right.chop(1);
-        right = right.trimmed();
+    if (!right.empty() && right.back() == ';') {
+        right.remove_suffix(1);
+        right = trimmed(right);
     }
-    QList<Pattern*> unused;
-    readSegments(tokenize(right), unused, wave, true);
+    // Two blanks per segment in what the writer produces: room for the
+    // segments without growing the list again and again.
+    const auto blanks = std::count(right.begin(), right.end(), ' ');
+    wave->patterns.reserve(wave->patterns.size() + qsizetype(blanks / 2) + 1);
+    readSegments(right, nullptr, wave);
     addWave(wave);
 }
 
 QStringList WaveformData::parseValues(const QString& text)
 {
-    QStringList tokens;
-    for (QStringView token : tokenize(text))
-        tokens.append(token.toString());
-    return tokens;
+    const QByteArray bytes = text.toUtf8();
+    Tokenizer tokens(Bytes(bytes.constData(), size_t(bytes.size())));
+    QStringList list;
+    Bytes token;
+    while (tokens.next(token))
+        list.append(toQString(token));
+    return list;
 }
 
 void WaveformData::processSubPattern(const QString& body, QList<Pattern*>& out, WaveData* wave)
 {
-    readSegments(tokenize(body), out, wave, false);
+    const QByteArray bytes = body.toUtf8();
+    readSegments(Bytes(bytes.constData(), size_t(bytes.size())), &out, wave);
 }
 
 Pattern* WaveformData::newPlaceholder(WaveData* wave, const QString& reference)
@@ -381,46 +597,50 @@ Pattern* WaveformData::newPlaceholder(WaveData* wave, const QString& reference)
     return p;
 }
 
-void WaveformData::readSegments(const QList<QStringView>& tokens, QList<Pattern*>& out, WaveData* wave, bool topLevel)
+void WaveformData::lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out)
 {
     // At the top the segments go straight into the wave, merging as they come;
     // inside a group they are collected for the caller to lay down.
-    auto lay = [&](Pattern* p, bool placeholder) {
-        if (!topLevel)
-            out.append(p);
-        else if (!wave->addData(p) && !placeholder)
-            delete p;
-    };
-    const qsizetype count = tokens.size();
-    if (topLevel)
-        wave->patterns.reserve(wave->patterns.size() + count / 2);
-    for (qsizetype i = 0; i < count; ++i) {
-        const QStringView token = tokens.at(i);
-        if (token.startsWith(QLatin1Char('$'))) {
-            lay(newPlaceholder(wave, token.toString()), true);
-        } else if (token.startsWith(QLatin1Char('('))) {
-            readGroup(token, wave, topLevel, lay);
-        } else if (i + 1 < count) {
-            lay(new Pattern(valueOf(token, wave->isBus), durationOf(tokens.at(i + 1))), false);
-            ++i;
+    if (out)
+        out->append(p);
+    else if (!wave->addData(p) && !placeholder)
+        delete p;
+}
+
+void WaveformData::readSegments(Bytes text, QList<Pattern*>* out, WaveData* wave)
+{
+    Tokenizer tokens(text);
+    Bytes token;
+    while (tokens.next(token)) {
+        if (token.front() == '$') {
+            lay(newPlaceholder(wave, toQString(token)), true, wave, out);
+        } else if (token.front() == '(') {
+            readGroup(token, wave, out);
+        } else {
+            // A value without a duration after it is dropped.
+            Bytes duration;
+            if (!tokens.next(duration))
+                break;
+            lay(new Pattern(valueOf(token, wave->isBus), durationOf(duration)), false, wave, out);
         }
     }
 }
 
-void WaveformData::readGroup(QStringView token, WaveData* wave, bool topLevel,
-                             const std::function<void(Pattern*, bool)>& lay)
+void WaveformData::readGroup(Bytes token, WaveData* wave, QList<Pattern*>* out)
 {
-    const qsizetype close = token.lastIndexOf(QLatin1Char(')'));
-    const QStringView body = close > 0 ? token.mid(1, close - 1) : token.mid(1);
-    const GroupSuffix suffix = readSuffix(close > 0 ? token.mid(close + 1) : QStringView());
+    const size_t close = token.rfind(')');
+    const bool closed = close != Bytes::npos && close > 0;
+    const Bytes body = closed ? token.substr(1, close - 1) : token.substr(1);
+    const GroupSuffix suffix = readSuffix(closed ? token.substr(close + 1) : Bytes());
     if (groupDepth_ >= MaxGroupDepth)
         return;
 
     QList<Pattern*> group;
     ++groupDepth_;
-    readSegments(tokenize(body), group, wave, false);
+    readSegments(body, &group, wave);
     --groupDepth_;
 
+    const bool topLevel = !out;
     qint64 repeats = suffix.repeats;
     if (repeats > 1) {
         if (repeats > repeatBudget_ || repeats * group.size() > repeatBudget_)
@@ -438,7 +658,7 @@ void WaveformData::readGroup(QStringView token, WaveData* wave, bool topLevel,
             copy->duration = static_cast<qint32>(static_cast<quint64>(segment->duration * suffix.multiplier));
             // "##" marks the start of the forever tail only at the top level.
             copy->forever = topLevel && suffix.forever && r == 0 && k == 0;
-            lay(copy, placeholder);
+            lay(copy, placeholder, wave, out);
         }
     }
     for (Pattern* segment : std::as_const(group)) {

@@ -251,6 +251,121 @@ private Q_SLOTS:
         QCOMPARE(fromFile.findWavebyName("w")->foreverIndex, 3);
     }
 
+    void unicodeWhiteSpace()
+    {
+        // Qt's trimming counts the no-break and ideographic spaces as white
+        // space, so they fall away around names and segment tokens; only the
+        // blank and the tab separate tokens.
+        auto doc = load(QString::fromUtf8("größe\u00a0 { A I Default NRZ 0 1 50 } =\u00a0\u00a01 5\u3000 0\u2028 5;\n"));
+        QCOMPARE(doc->waves.size(), 1);
+        QCOMPARE(doc->waves.first()->name, QString::fromUtf8("größe"));
+        QCOMPARE(segments(doc->waves.first()), QString("1:5 0:5"));
+        // Inside a token a non-ASCII character is kept, as UTF-8 bytes.
+        auto bus = load(QString::fromUtf8("b[1:0]") + Attr + QString::fromUtf8("é 3 \u00a0ä\u00a0 4;\n"));
+        QCOMPARE(bus->waves.first()->patterns.size(), 2);
+        QCOMPARE(bus->waves.first()->patterns.at(0)->value, std::string("\xC3\xA9"));
+        QCOMPARE(bus->waves.first()->patterns.at(1)->value, std::string("\xC3\xA4"));
+        QCOMPARE(WaveformData::parseValues(QString::fromUtf8("\u3000a\u00a0 (b c)#2\u2029 d")),
+                 QStringList({"a", "(b c)#2", "d"}));
+    }
+
+    void bytesThatAreNotUtf8()
+    {
+        // Each broken byte reads as U+FFFD, as Qt decodes it; the ASCII that
+        // follows is not swallowed.
+        QByteArray bytes("b[1:0] { A I Default NRZ 0 1 50 } = \xFF 5 \xE2\x82;7 6 c\xC3 1;\n");
+        QBuffer buffer(&bytes);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        WaveformData doc;
+        doc.loadData(buffer);
+        QCOMPARE(doc.waves.size(), 1);
+        const WaveData* w = doc.waves.first();
+        QCOMPARE(w->patterns.size(), 3);
+        QCOMPARE(w->patterns.at(0)->value, std::string("\xEF\xBF\xBD"));
+        QCOMPARE(w->patterns.at(0)->duration, 5);
+        QCOMPARE(w->patterns.at(1)->value, std::string("\xEF\xBF\xBD\xEF\xBF\xBD;7"));
+        QCOMPARE(w->patterns.at(1)->duration, 6);
+        QCOMPARE(w->patterns.at(2)->value, std::string("c\xEF\xBF\xBD"));
+        QCOMPARE(w->patterns.at(2)->duration, 1);
+        // A broken sequence at a line end does not reach into the next line.
+        bytes = "w { A I Default NRZ 0 1 50 } = 1 5 \xE2\x82\n;\n";
+        QBuffer second(&bytes);
+        QVERIFY(second.open(QIODevice::ReadOnly));
+        WaveformData other;
+        other.loadData(second);
+        QCOMPARE(other.waves.size(), 1);
+        QCOMPARE(segments(other.waves.first()), QString("1:5"));
+    }
+
+    void byteOrderMarks()
+    {
+        // Reading a file drops two marks in front (the decoder's and the
+        // reader's); a third belongs to the first statement.
+        const QByteArray mark("\xEF\xBB\xBF");
+        QByteArray bytes = mark + mark + mark + "w { A I Default NRZ 0 1 50 } = 1 5;\n";
+        QBuffer buffer(&bytes);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        WaveformData doc;
+        doc.loadData(buffer);
+        QCOMPARE(doc.waves.size(), 1);
+        QCOMPARE(doc.waves.first()->name, QString(QChar(0xFEFF)) + "w");
+        // Text drops one.
+        auto text = load(QString(2, QChar(0xFEFF)) + "w" + Attr + "1 5;\n");
+        QCOMPARE(text->waves.first()->name, QString(QChar(0xFEFF)) + "w");
+        // A mark after the start is an ordinary character, even in a token.
+        auto inside = load("b[1:0]" + Attr + "1 1 " + QChar(0xFEFF) + "2 3;\n");
+        QCOMPARE(inside->waves.first()->patterns.at(1)->value, std::string("\xEF\xBB\xBF" "2"));
+    }
+
+    void tabsAndCarriageReturns()
+    {
+        auto doc = load("w\t{ A I Default NRZ 0 1 50 }\t=\t0\t5\t1\t5\r\n\t0 7;\r\n");
+        QCOMPARE(doc->waves.size(), 1);
+        QCOMPARE(doc->waves.first()->name, QString("w"));
+        QCOMPARE(segments(doc->waves.first()), QString("0:5 1:5 0:7"));
+        // Only one CR is taken off a line end; another stays in front of the
+        // ";", which then no longer ends the statement.
+        QCOMPARE(load("w" + Attr + "1 5;\r\r\n")->waves.size(), 0);
+        // A CR inside a line is no separator: "5\r1" is a failed duration,
+        // and the pairs after it shift.
+        QCOMPARE(waveIn("w" + Attr + "0 5\r1 5 1 2;\n"), QString("5:1"));
+    }
+
+    void longLinesAndManyLines()
+    {
+        // One line far longer than the reader's buffer, then statements over
+        // many lines, read from a device and from text alike.
+        const int count = 300000;
+        QByteArray bytes = "w { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < count; ++i)
+            bytes += QByteArray(i % 2 ? " 1 " : " 0 ") + QByteArray::number(1 + i % 1000);
+        bytes += ";\nb[3:0] { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < count; ++i)
+            bytes += (i % 10 == 0 ? "\n " : " ") + QByteArray::number(i % 16, 16) + " " + QByteArray::number(i + 1);
+        bytes += ";\n";
+        QVERIFY(bytes.size() > 4 << 20);
+        QBuffer buffer(&bytes);
+        QVERIFY(buffer.open(QIODevice::ReadOnly));
+        WaveformData doc;
+        doc.loadData(buffer);
+        QCOMPARE(doc.waves.size(), 2);
+        const WaveData* w = doc.waves.at(0);
+        const WaveData* b = doc.waves.at(1);
+        QCOMPARE(w->patterns.size(), count);
+        QCOMPARE(b->patterns.size(), count);
+        for (int i = 0; i < count; ++i) {
+            if (w->patterns.at(i)->value != (i % 2 ? "1" : "0") || w->patterns.at(i)->duration != 1 + i % 1000)
+                QFAIL(qPrintable(QString("wave w, segment %1").arg(i)));
+            if (b->patterns.at(i)->value != QByteArray::number(i % 16, 16).toStdString()
+                || b->patterns.at(i)->duration != i + 1)
+                QFAIL(qPrintable(QString("wave b, segment %1").arg(i)));
+        }
+        auto fromText = load(QString::fromLatin1(bytes));
+        QCOMPARE(fromText->waves.size(), 2);
+        QCOMPARE(segments(fromText->waves.at(0)), segments(w));
+        QCOMPARE(segments(fromText->waves.at(1)), segments(b));
+    }
+
     void hostileInput()
     {
         QElapsedTimer timer;
