@@ -5,6 +5,8 @@
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
 #include <QTest>
@@ -61,6 +63,8 @@ private:
         if (!modal)
             return;
         if (modal == m_current) {
+            if (!m_pendingPath.isEmpty())
+                chooseFile(qobject_cast<QFileDialog*>(modal));
             if (m_shown.elapsed() > m_limitMs) {
                 problems << QStringLiteral("still open after %1 ms: %2").arg(m_limitMs).arg(modal->windowTitle());
                 modal->close();
@@ -69,6 +73,7 @@ private:
         }
         m_current = modal;
         m_shown.start();
+        m_pendingPath.clear();
         const bool planned = !m_answers.isEmpty();
         const Answer answer = planned ? m_answers.takeFirst() : dismiss();
         if (auto* box = qobject_cast<QMessageBox*>(modal)) {
@@ -95,10 +100,8 @@ private:
             s.acceptMode = dialog->acceptMode();
             seen.append(s);
             if (answer.kind == Answer::File) {
-                dialog->selectFile(answer.path);
-                // Through QDialog: the file dialog's own accept() checks the
-                // name as the Save or Open button does.
-                static_cast<QDialog*>(dialog)->accept();
+                m_pendingPath = answer.path;
+                chooseFile(dialog);
             } else {
                 if (!planned || answer.kind != Answer::Dismiss)
                     problems << QStringLiteral("no answer for the file dialog \"%1\"").arg(s.title);
@@ -110,6 +113,29 @@ private:
         }
     }
 
+    // The file dialog fills its folder view in the background and may then
+    // select a file of its own, so the name is typed once the dialog has
+    // settled and taken only when it is still the one shown at the next look.
+    void chooseFile(QFileDialog* dialog)
+    {
+        if (!dialog || m_shown.elapsed() < 100)
+            return;
+        const QString wanted = QFileInfo(m_pendingPath).absoluteFilePath();
+        if (QFileInfo(dialog->selectedFiles().value(0)).absoluteFilePath() != wanted) {
+            dialog->selectFile(m_pendingPath);
+            // selectFile() leaves the name field alone while it has the
+            // focus; type the name there as a user would.
+            if (auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
+                name->setText(QFileInfo(m_pendingPath).absoluteFilePath());
+            return;
+        }
+        m_pendingPath.clear();
+        // done() rather than accept(): accept() asks the same background
+        // model whether the file exists, and does nothing while it does not know.
+        static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
+    }
+
+    QString m_pendingPath;
     QList<Answer> m_answers;
     int m_limitMs;
     QPointer<QWidget> m_current;
