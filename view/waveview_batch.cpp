@@ -1,0 +1,192 @@
+#include "waveview_batch.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+namespace kesu::toolvok {
+
+WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
+    : hatch(dontCare, Qt::BDiagPattern),
+      dontCareDots(dontCare, 1, Qt::DotLine),
+      highZPen(QColor(Qt::gray)),
+      highZDots(QColor(Qt::gray), 1, Qt::DotLine),
+      painter_(painter),
+      count_(count),
+      direct_(direct)
+{
+    const QString texts[] = {QStringLiteral("X"), QStringLiteral("Z"), QStringLiteral("0")};
+    for (int i = 0; i < 3; ++i) {
+        letters_[i].setText(texts[i]);
+        letters_[i].setTextFormat(Qt::PlainText);
+    }
+}
+
+void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2)
+{
+    if (direct_) {
+        painter_.setPen(QPen(color, width));
+        painter_.drawLine(x1, y1, x2, y2);
+        ++count_;
+        return;
+    }
+    Layer& l = at(layer);
+    if (!l.open || l.width != width || l.color != color) {
+        flush(l);
+        l.open = true;
+        if (l.width != width || l.color != color)
+            l.pen = QPen(color, width);
+        l.color = color;
+        l.width = width;
+        // Drawing an opaque pixel twice changes nothing; a translucent one
+        // darkens, so translucent lines are gathered but never merged.
+        l.merge = color.alpha() == 255 && (width == 1 || width == 2);
+    }
+    auto& lines = l.lines;
+    const int index = static_cast<int>(lines.size());
+    if (!l.merge) {
+        lines.emplace_back(x1, y1, x2, y2);
+        return;
+    }
+    // A solid line covers its pixels from end to end whichever way it runs, so
+    // two overlapping lines on one pixel row or column cover what one line
+    // over both covers.
+    if (y1 == y2) {
+        const int a = std::min(x1, x2);
+        const int b = std::max(x1, x2);
+        if (a == b) {
+            for (int i = 0; i < l.columns.count; ++i) {
+                const Slot& s = l.columns.slots[i];
+                const QLine& v = lines[static_cast<size_t>(s.index)];
+                if (s.key == a && y1 >= v.y1() && y1 <= v.y2())
+                    return;
+            }
+        }
+        for (int i = 0; i < l.rows.count; ++i) {
+            const Slot& s = l.rows.slots[i];
+            QLine& h = lines[static_cast<size_t>(s.index)];
+            if (s.key == y1 && a <= h.x2() && b >= h.x1()) {
+                h.setLine(std::min(a, h.x1()), y1, std::max(b, h.x2()), y1);
+                return;
+            }
+        }
+        l.rows.remember(y1, index);
+        lines.emplace_back(a, y1, b, y1);
+        return;
+    }
+    if (x1 == x2 && width == 1) {
+        const int a = std::min(y1, y2);
+        const int b = std::max(y1, y2);
+        for (int i = 0; i < l.columns.count; ++i) {
+            const Slot& s = l.columns.slots[i];
+            QLine& v = lines[static_cast<size_t>(s.index)];
+            if (s.key == x1 && a <= v.y2() && b >= v.y1()) {
+                v.setLine(x1, std::min(a, v.y1()), x1, std::max(b, v.y2()));
+                return;
+            }
+        }
+        l.columns.remember(x1, index);
+        lines.emplace_back(x1, a, x1, b);
+        return;
+    }
+    // A slanted line's pixels depend on its direction: only an identical
+    // line is dropped.
+    const QLine slanted(x1, y1, x2, y2);
+    for (int i = 0; i < l.others.count; ++i) {
+        if (lines[static_cast<size_t>(l.others.slots[i].index)] == slanted)
+            return;
+    }
+    l.others.remember(0, index);
+    lines.push_back(slanted);
+}
+
+void WaveView::Batch::styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2)
+{
+    flush(layer);
+    painter_.setPen(pen);
+    painter_.drawLine(x1, y1, x2, y2);
+    ++count_;
+}
+
+void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r)
+{
+    // A fill without an outline and without width or height paints nothing.
+    if (!direct_ && pen.style() == Qt::NoPen && (r.width() == 0 || r.height() == 0))
+        return;
+    flush(layer);
+    painter_.setPen(pen);
+    painter_.setBrush(brush);
+    painter_.drawRect(r);
+    ++count_;
+}
+
+void WaveView::Batch::cloneBlock(int layer, int x, int y, int width, int height)
+{
+    if (!direct_ && (width == 0 || height == 0))
+        return;
+    flush(layer);
+    WaveView::drawCloneBlock(painter_, x, y, width, height);
+    ++count_;
+}
+
+void WaveView::Batch::setTextColor(const QColor& color)
+{
+    if (textPen_.color() != color || textPen_.style() != Qt::SolidLine)
+        textPen_ = QPen(color);
+    painter_.setPen(textPen_);
+}
+
+void WaveView::Batch::text(int layer, const QColor& color, int x, int y, const QString& text)
+{
+    flush(layer);
+    setTextColor(color);
+    painter_.drawText(x, y, text);
+    ++count_;
+}
+
+void WaveView::Batch::letter(int layer, const QColor& color, int x, int y, Letter which)
+{
+    if (direct_) {
+        text(layer, color, x, y, letters_[which].text());
+        return;
+    }
+    flush(layer);
+    setTextColor(color);
+    QStaticText& prepared = letters_[which];
+    if (ascent_ == 0) {
+        ascent_ = QFontMetricsF(painter_.font()).ascent();
+        for (QStaticText& t : letters_)
+            t.prepare(QTransform(), painter_.font());
+    }
+    // Placed by its top; the font's exact ascent puts the baseline at y, on
+    // the very pixels drawText gives.
+    painter_.drawStaticText(QPointF(x, y - ascent_), prepared);
+    ++count_;
+}
+
+void WaveView::Batch::flush(int layer)
+{
+    if (layer < static_cast<int>(layers_.size()))
+        flush(layers_[static_cast<size_t>(layer)]);
+}
+
+void WaveView::Batch::flush(Layer& l)
+{
+    if (!l.lines.empty()) {
+        painter_.setPen(l.pen);
+        painter_.drawLines(l.lines.data(), static_cast<int>(l.lines.size()));
+        count_ += static_cast<int>(l.lines.size());
+        l.lines.clear();
+    }
+    l.open = false;
+    l.rows.clear();
+    l.columns.clear();
+    l.others.clear();
+}
+
+void WaveView::Batch::flushAll()
+{
+    for (Layer& l : layers_)
+        flush(l);
+}
+
+} // namespace kesu::toolvok

@@ -1,0 +1,124 @@
+// A row can hold far more segments than pixels (a whole document at the fit
+// zoom), so painting goes through a batch: lines of one solid pen are gathered
+// and handed to the painter in one call, and lines whose pixels are already
+// covered by a line of the same pen are merged into it. Everything else (boxes,
+// text, dotted lines) is drawn at once, after the lines gathered before it, so
+// the picture keeps its painting order. Each row band keeps its own batch: the
+// bus row, every bit row and the selection marks never share a pixel, so their
+// relative order does not matter.
+#pragma once
+
+#include "waveview.h"
+
+#include <QBrush>
+#include <QColor>
+#include <QLine>
+#include <QPen>
+#include <QStaticText>
+
+#include <algorithm>
+#include <vector>
+
+namespace kesu::toolvok {
+
+// A pixel position truncated to a whole pixel. Positions far outside are held
+// where an int cannot overflow; the painter clips them away all the same.
+inline int px(float v)
+{
+    if (!(v > -1.0e9f))
+        return -1000000000;
+    if (v > 1.0e9f)
+        return 1000000000;
+    return static_cast<int>(v);
+}
+
+// Batch layers: the selection marks, the wave's own row, then its bit rows.
+constexpr int SelectionLayer = 0;
+constexpr int RowLayer = 1;
+constexpr int bitLayer(int bitRow) { return 2 + bitRow; }
+
+class WaveView::Batch
+{
+public:
+    // direct: draw every primitive on its own, the reference the gathered
+    // picture must equal pixel for pixel.
+    Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare);
+    ~Batch() { flushAll(); }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+    void line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2);
+    // A dotted or dashed line: its dash pattern starts afresh with every
+    // line, so it is neither gathered nor merged.
+    void styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2);
+    void rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r);
+    void cloneBlock(int layer, int x, int y, int width, int height);
+    // Text with its baseline at y.
+    void text(int layer, const QColor& color, int x, int y, const QString& text);
+    // One of the letters of a don't-care or high-impedance box, or the 0 of
+    // a bus before its offset: laid out once per paint, not at every box.
+    enum Letter { LetterX, LetterZ, LetterZero };
+    void letter(int layer, const QColor& color, int x, int y, Letter which);
+    void flush(int layer);
+    void flushAll();
+
+    // Pens and brushes of the boxes, made once per paint.
+    const QBrush hatch;
+    const QPen dontCareDots;
+    const QPen highZPen;
+    const QPen highZDots;
+
+private:
+    struct Slot
+    {
+        int key;
+        int index;
+    };
+    // The last few horizontal lines (by y), vertical lines (by x) and other
+    // lines of the layer, the candidates a new line is merged into.
+    template <int N>
+    struct Recent
+    {
+        Slot slots[N];
+        int count = 0;
+        int next = 0;
+        void clear() { count = next = 0; }
+        void remember(int key, int index)
+        {
+            slots[next] = {key, index};
+            next = (next + 1) % N;
+            count = std::min(count + 1, N);
+        }
+    };
+    struct Layer
+    {
+        QColor color;
+        int width = 1;
+        QPen pen;
+        bool open = false;
+        bool merge = false;
+        std::vector<QLine> lines;
+        Recent<4> rows;
+        Recent<4> columns;
+        Recent<8> others;
+    };
+
+    Layer& at(int layer)
+    {
+        if (layer >= static_cast<int>(layers_.size()))
+            layers_.resize(static_cast<size_t>(layer) + 1);
+        return layers_[static_cast<size_t>(layer)];
+    }
+    void flush(Layer& l);
+    void setTextColor(const QColor& color);
+
+    QPainter& painter_;
+    int& count_;
+    bool direct_;
+    std::vector<Layer> layers_;
+    QPen textPen_;
+    QStaticText letters_[3];
+    qreal ascent_ = 0;
+};
+
+} // namespace kesu::toolvok

@@ -1,0 +1,112 @@
+// The wave area's compound shapes: the stretch before a wave's offset, bus
+// outlines, don't-care and high-impedance boxes and the shading of clones.
+#include "waveview_batch.h"
+
+#include "vokgui.h"
+#include "wavedata.h"
+
+#include <QPainter>
+
+namespace kesu::toolvok {
+
+void WaveView::drawCloneBlock(QPainter& painter, int x, int y, int width, int height)
+{
+    static const QBrush clone(Qt::gray, Qt::Dense6Pattern);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(clone);
+    painter.drawRect(x, y, width, height);
+}
+
+void WaveView::drawLeadingOffset(const WaveData* wave, float w)
+{
+    Batch& batch = *batch_;
+    const float x = xCursor;
+    if (x > static_cast<float>(width() + 1))
+        return;
+    if (!wave->isBus) {
+        batch.line(RowLayer, owner_->color_signal, 1, px(x), lowY, px(x + w), lowY);
+        return;
+    }
+    // Before its offset a bus reads as 0.
+    if (rowIndex >= firstVisibleRow) {
+        const bool narrow = w < 20.0f;
+        drawBusShape(RowLayer, owner_->color_bus, false, x, w, narrow, startTime != 0);
+        if (!narrow)
+            batch.letter(RowLayer, owner_->color_bus, px(x + w / 2.0f - static_cast<float>(fontSize / 2)), lowY - 8,
+                         Batch::LetterZero);
+    }
+    if (!wave->expandFlag)
+        return;
+    for (int j = qMax(0, firstVisibleRow - rowIndex - 1); j < wave->busWidth; ++j) {
+        const int top = (rowIndex + j + 1 - firstVisibleRow) * rowHeight;
+        if (top >= height())
+            break;
+        batch.line(bitLayer(j), Qt::black, 1, px(x), top + 40, px(x + w), top + 40);
+    }
+}
+
+void WaveView::drawBusShape(int layer, const QColor& color, bool dotted, float x, float w, bool narrow,
+                            bool startedLeft)
+{
+    Batch& batch = *batch_;
+    const QPen dots(color, 1, Qt::DotLine);
+    auto line = [&](float x1, int y1, float x2, int y2) {
+        if (dotted)
+            batch.styledLine(layer, dots, px(x1), y1, px(x2), y2);
+        else
+            batch.line(layer, color, 1, px(x1), y1, px(x2), y2);
+    };
+    if (narrow) {
+        const float middle = x + w / 2.0f;
+        if (startedLeft) {
+            line(x, highY, middle, highY);
+            line(x, lowY, middle, lowY);
+        } else {
+            line(x, midY, middle, highY);
+            line(x, midY, middle, lowY);
+        }
+        line(x + w, midY, middle, highY);
+        line(x + w, midY, middle, lowY);
+        return;
+    }
+    if (startedLeft) {
+        line(x, highY, x + w - 5.0f, highY);
+        line(x, lowY, x + w - 5.0f, lowY);
+    } else {
+        line(x, midY, x + 5.0f, highY);
+        line(x, midY, x + 5.0f, lowY);
+        line(x + 5.0f, highY, x + w - 5.0f, highY);
+        line(x + 5.0f, lowY, x + w - 5.0f, lowY);
+    }
+    line(x + w, midY, x + w - 5.0f, highY);
+    line(x + w, midY, x + w - 5.0f, lowY);
+}
+
+void WaveView::drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high,
+                              int low)
+{
+    Batch& batch = *batch_;
+    // The box covers the pattern's pixel columns up to the one where the next
+    // pattern begins.
+    const int left = px(x);
+    const int right = px(x + w) - 1;
+    if (picked) {
+        if (shapes)
+            batch.rect(layer, dontCare ? batch.dontCareDots : batch.highZDots, Qt::NoBrush,
+                       QRect(left, high, right - left, low - 1 - high));
+        return;
+    }
+    if (shapes) {
+        if (dontCare)
+            batch.rect(layer, Qt::NoPen, batch.hatch, QRect(left, high, right - left + 1, low - high));
+        else
+            batch.rect(layer, batch.highZPen, Qt::NoBrush, QRect(left, high, right - left, low - 1 - high));
+    }
+    // The letter sits centred on the pattern and may reach a little left of
+    // it, so it is drawn for patterns just beyond the right edge too.
+    batch.letter(layer, dontCare ? owner_->color_x : QColor(Qt::gray),
+                 px(x + w / 2.0f - static_cast<float>(fontSize / 2)), low - 8,
+                 dontCare ? Batch::LetterX : Batch::LetterZ);
+}
+
+} // namespace kesu::toolvok
