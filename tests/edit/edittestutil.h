@@ -7,9 +7,9 @@
 #include "waveformdata.h"
 #include "wavelstview.h"
 
+#include "toolfixture.h"
+
 #include <QAction>
-#include <QBuffer>
-#include <QFile>
 #include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -38,10 +38,8 @@ public:
     explicit Tool(const QByteArray& text)
     {
         const QString path = m_dir.filePath(QStringLiteral("doc.wdl"));
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly))
-            file.write(text);
-        file.close();
+        if (!toolfixture::writeFile(path, text))
+            qWarning("could not write %s", qPrintable(path));
         gui = std::make_unique<VokGUI>(nullptr, QStringList{path}, m_project, true);
         gui->initialize();
     }
@@ -49,13 +47,7 @@ public:
     VokGUI* operator->() const { return gui.get(); }
     VokGUI& operator*() const { return *gui; }
 
-    QByteArray saved() const
-    {
-        QBuffer buffer;
-        buffer.open(QIODevice::WriteOnly);
-        gui->saveData(buffer);
-        return buffer.data();
-    }
+    QByteArray saved() const { return toolfixture::savedText(*gui); }
 
     WaveData* wave(const QString& name) const { return gui->document()->findWavebyName(name); }
 

@@ -14,8 +14,6 @@
 #include "wavelstview.h"
 
 #include <QAction>
-#include <QBuffer>
-#include <QFile>
 #include <QItemSelectionModel>
 #include <QRandomGenerator>
 #include <QSet>
@@ -26,19 +24,12 @@
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 using namespace kesu::toolvok;
+using namespace toolfixture;
 
 namespace {
-
-QByteArray savedText(VokGUI& gui)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    if (!gui.saveData(buffer))
-        return QByteArrayLiteral("<save failed>");
-    return buffer.data();
-}
 
 // Every field of the document that the saved text shows, and whether each
 // wave is shown. Much cheaper than saving, so it can follow every step.
@@ -408,9 +399,7 @@ private Q_SLOTS:
         QFETCH(int, steps);
         QVERIFY(m_dir.isValid());
         const QString path = m_dir.filePath(file);
-        QFile::remove(path);
-        QVERIFY(QFile::copy(QStringLiteral(VOK_SOURCE_DIR "/examples/") + file, path));
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(copyWritable(exampleFile(file), path));
 
         QString project;
         VokGUI gui(nullptr, QStringList{path}, project, true);

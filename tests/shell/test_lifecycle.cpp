@@ -22,8 +22,10 @@
 
 #include "modalanswerer.h"
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 using namespace kesu::toolvok;
+using namespace toolfixture;
 
 namespace {
 
@@ -32,46 +34,15 @@ const QString kSaveChanges = QStringLiteral("Do you want to save your changes?")
 const QStringList kOpenFilters{QStringLiteral("Waveform File (*.wdl)"), QStringLiteral("All Files (*)")};
 const QStringList kSaveAsFilters{QStringLiteral("WAveform File (*.wdl)"), QStringLiteral("All Files (*)")};
 
-QString exampleFile(const QString& name)
-{
-    return QStringLiteral(VOK_SOURCE_DIR "/examples/") + name;
-}
-
 QByteArray readAll(const QString& path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void writeAll(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
-
-// Pushes the file's modification time forward, as another program saving it would.
-void touchLater(const QString& path, int seconds)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(seconds), QFileDevice::FileModificationTime));
-}
-
 QByteArray writerText(const VokGUI& gui)
 {
     return formatWaveform(*gui.document());
-}
-
-// The text the writer makes of what the reader makes of a file.
-QByteArray writerTextOfFile(const QString& path)
-{
-    WaveformData data;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    data.loadData(file);
-    return formatWaveform(data);
 }
 
 // A user's edit: in edit mode, a click beyond the end of the wave's last
@@ -147,9 +118,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_dir.isValid());
         m_file = m_dir.filePath(QStringLiteral("counter.wdl"));
-        QFile::remove(m_file);
-        QVERIFY(QFile::copy(exampleFile(QStringLiteral("counter.wdl")), m_file));
-        QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(copyWritable(exampleFile(QStringLiteral("counter.wdl")), m_file));
         m_original = readAll(m_file);
         QVERIFY(!m_original.isEmpty());
         setAutoSaveIndex(QStringLiteral("0"));
@@ -223,9 +192,7 @@ private Q_SLOTS:
     void openThroughTheDialog()
     {
         const QString other = m_dir.filePath(QStringLiteral("cpu_bus.wdl"));
-        QFile::remove(other);
-        QVERIFY(QFile::copy(exampleFile(QStringLiteral("cpu_bus.wdl")), other));
-        QFile::setPermissions(other, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(copyWritable(exampleFile(QStringLiteral("cpu_bus.wdl")), other));
 
         VokGUI gui(nullptr, QStringList(), m_project, true);
         QVERIFY(gui.initialize());
@@ -603,8 +570,8 @@ private Q_SLOTS:
 
         // Another program writes a different document, a minute later.
         const QByteArray other = readAll(exampleFile(QStringLiteral("cpu_bus.wdl")));
-        writeAll(m_file, other);
-        touchLater(m_file, 60);
+        QVERIFY(writeFile(m_file, other));
+        QVERIFY(touchLater(m_file, 60));
         {   // No: the shown version stays and now counts as modified.
             ModalAnswerer answerer({press(QMessageBox::No)});
             gui.onActivated();
@@ -625,7 +592,7 @@ private Q_SLOTS:
             VERIFY_ANSWERED(answerer);
             QVERIFY(answerer.seen.isEmpty());
         }
-        touchLater(m_file, 120);
+        QVERIFY(touchLater(m_file, 120));
         {   // Yes: the file's content replaces the shown one.
             ModalAnswerer answerer({press(QMessageBox::Yes)});
             gui.onActivated();
@@ -674,9 +641,7 @@ private Q_SLOTS:
         QDir(m_dir.path()).mkdir(QStringLiteral("locked"));
         const QString folder = m_dir.filePath(QStringLiteral("locked"));
         const QString path = folder + QStringLiteral("/counter.wdl");
-        QFile::remove(path);
-        QVERIFY(QFile::copy(m_file, path));
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(copyWritable(m_file, path));
 
         VokGUI gui(nullptr, QStringList{path}, m_project, true);
         QVERIFY(gui.initialize());

@@ -17,25 +17,12 @@
 
 #include "modalanswerer.h"
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 using namespace kesu::toolvok;
+using namespace toolfixture;
 
 namespace {
-
-QString exampleFile(const QString& name)
-{
-    return QStringLiteral(VOK_SOURCE_DIR "/examples/") + name;
-}
-
-QByteArray writerTextOfFile(const QString& path)
-{
-    WaveformData data;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    data.loadData(file);
-    return formatWaveform(data);
-}
 
 // Lets windows closed with delete-on-close actually go.
 void flushDeletes()
@@ -70,9 +57,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_dir.isValid());
         m_file = m_dir.filePath(QStringLiteral("counter.wdl"));
-        QFile::remove(m_file);
-        QVERIFY(QFile::copy(exampleFile(QStringLiteral("counter.wdl")), m_file));
-        QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(copyWritable(exampleFile(QStringLiteral("counter.wdl")), m_file));
         m_made = 0;
     }
 

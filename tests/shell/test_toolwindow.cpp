@@ -9,9 +9,7 @@
 #include "waveview.h"
 #include "waveformdata.h"
 
-#include <QAbstractButton>
 #include <QAction>
-#include <QApplication>
 #include <QDockWidget>
 #include <QFile>
 #include <QKeyEvent>
@@ -19,74 +17,20 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMetaObject>
-#include <QPointer>
-#include <QPushButton>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <QToolBar>
 #include <QtTest>
 
+#include "modalanswerer.h"
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 using namespace kesu::toolvok;
+using namespace toolfixture;
 
 namespace {
 
 const QString kStandaloneTitle = QStringLiteral("Waveform Editor (Stand-alone)");
-
-// Answers every message box that goes modal while it lives, in order, with
-// the given buttons, and records what each box showed.
-class BoxAnswerer : public QObject
-{
-public:
-    struct Seen {
-        QString title, text;
-        QMessageBox::Icon icon;
-        QMessageBox::StandardButtons buttons;
-        QMessageBox::StandardButton defaultButton;
-    };
-
-    explicit BoxAnswerer(QList<QMessageBox::StandardButton> answers) : m_answers(std::move(answers))
-    {
-        connect(&m_poll, &QTimer::timeout, this, &BoxAnswerer::poll);
-        m_poll.start(10);
-    }
-    QList<Seen> seen;
-
-private:
-    void poll()
-    {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box || box == m_last)
-            return;
-        m_last = box;
-        QPushButton* def = box->defaultButton();
-        seen.append({box->windowTitle(), box->text(), box->icon(), box->standardButtons(),
-                     def ? box->standardButton(def) : QMessageBox::NoButton});
-        const QMessageBox::StandardButton answer = m_answers.isEmpty() ? QMessageBox::No : m_answers.takeFirst();
-        if (QAbstractButton* button = box->button(answer))
-            button->click();
-        else
-            box->reject();
-    }
-
-    QList<QMessageBox::StandardButton> m_answers;
-    QPointer<QMessageBox> m_last;
-    QTimer m_poll;
-};
-
-QString exampleFile(const QString& name)
-{
-    return QStringLiteral(VOK_SOURCE_DIR "/examples/") + name;
-}
-
-// Pushes the file's modification time forward, as another program saving it would.
-void touchLater(const QString& path, int seconds)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(QDateTime::currentDateTime().addSecs(seconds), QFileDevice::FileModificationTime));
-}
 
 QList<QAction*> sharedActions(const BasGUITool& tool, const QStringList& names)
 {
@@ -118,9 +62,7 @@ private Q_SLOTS:
     {
         QVERIFY(m_dir.isValid());
         m_file = m_dir.filePath(QStringLiteral("counter.wdl"));
-        QFile::remove(m_file);
-        QVERIFY(QFile::copy(exampleFile(QStringLiteral("counter.wdl")), m_file));
-        QFile::setPermissions(m_file, QFile::ReadOwner | QFile::WriteOwner);
+        QVERIFY(copyWritable(exampleFile(QStringLiteral("counter.wdl")), m_file));
     }
 
     void hostContract()
@@ -208,9 +150,10 @@ private Q_SLOTS:
             VokGUI fresh(nullptr, QStringList(), project, true);
             fresh.initialize();
             const int next = VokGUI::untitledCounter();
-            BoxAnswerer answerer({QMessageBox::Cancel, QMessageBox::No});
+            ModalAnswerer answerer({press(QMessageBox::Cancel), press(QMessageBox::No)});
             QVERIFY(!fresh.maybeSave());
             fresh.fileNew();
+            VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen.size(), 2);
             QCOMPARE(answerer.seen[0].text, QStringLiteral("Do you want to save your changes?"));
             QCOMPARE(fresh.title(), QStringLiteral("Untitled %1").arg(next));
@@ -415,8 +358,9 @@ private Q_SLOTS:
         };
         QWidget parent;
         for (const Case& c : cases) {
-            BoxAnswerer answerer({c.answer});
+            ModalAnswerer answerer({press(c.answer)});
             QCOMPARE(c.show(QStringLiteral("some text"), &parent), c.answer);
+            VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen.size(), 1);
             QCOMPARE(answerer.seen[0].title, QStringLiteral("Waveform Editor"));
             QCOMPARE(answerer.seen[0].text, QStringLiteral("some text"));
@@ -484,13 +428,14 @@ private Q_SLOTS:
         QVERIFY(waves > 2);
 
         {   // Unchanged: nothing to ask.
-            BoxAnswerer answerer({});
+            ModalAnswerer answerer({});
             gui.onActivated();
+            VERIFY_ANSWERED(answerer);
             QVERIFY(answerer.seen.isEmpty());
         }
-        touchLater(m_file, 60);
+        QVERIFY(touchLater(m_file, 60));
         {   // Keep the shown version: it now differs from the disk.
-            BoxAnswerer answerer({QMessageBox::No});
+            ModalAnswerer answerer({press(QMessageBox::No)});
             gui.onActivated();
             QCOMPARE(answerer.seen.size(), 1);
             QCOMPARE(answerer.seen[0].title, QStringLiteral("Waveform Editor"));
@@ -501,6 +446,7 @@ private Q_SLOTS:
             QVERIFY(gui.windowTitle().endsWith(QLatin1Char('*')));
             QCOMPARE(gui.document()->waves.size(), waves);
             gui.onActivated();   // the new time is remembered: asked once
+            VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen.size(), 1);
         }
         {   // Another program rewrote it with fewer waves; reloading shows them.
@@ -509,13 +455,11 @@ private Q_SLOTS:
             QByteArray text;
             for (int line = 0; line < 8; ++line)
                 text += source.readLine();
-            QFile out(m_file);
-            QVERIFY(out.open(QIODevice::WriteOnly | QIODevice::Truncate));
-            out.write(text);
-            out.close();
-            touchLater(m_file, 120);
-            BoxAnswerer answerer({QMessageBox::Yes});
+            QVERIFY(writeFile(m_file, text));
+            QVERIFY(touchLater(m_file, 120));
+            ModalAnswerer answerer({press(QMessageBox::Yes)});
             gui.onActivated();
+            VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen.size(), 1);
             QVERIFY(!gui.isModified());
             QVERIFY(gui.getModifiedFileList().isEmpty());
@@ -526,9 +470,10 @@ private Q_SLOTS:
         }
         {   // Deleted: asked once in the life of the tool, No keeps it open.
             QVERIFY(QFile::remove(m_file));
-            BoxAnswerer answerer({QMessageBox::No, QMessageBox::No});
+            ModalAnswerer answerer({press(QMessageBox::No)});
             gui.onActivated();
             gui.onActivated();
+            VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen.size(), 1);
             QCOMPARE(answerer.seen[0].title, QStringLiteral("Close non-existing file"));
             QCOMPARE(answerer.seen[0].text,

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
@@ -31,6 +32,7 @@ struct Seen {
     QString title, text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
     QStringList filters;
     QString directory;
     QString preselected;
@@ -82,6 +84,8 @@ private:
             s.text = box->text();
             s.icon = box->icon();
             s.buttons = box->standardButtons();
+            if (QPushButton* def = box->defaultButton())
+                s.defaultButton = box->standardButton(def);
             seen.append(s);
             QAbstractButton* button = answer.kind == Answer::Button ? box->button(answer.button) : nullptr;
             if (button) {

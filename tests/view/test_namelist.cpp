@@ -13,7 +13,6 @@
 #include <QDragEnterEvent>
 #include <QDragMoveEvent>
 #include <QDropEvent>
-#include <QFile>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -24,6 +23,7 @@
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 #include <memory>
 
@@ -132,16 +132,9 @@ private Q_SLOTS:
     {
         QVERIFY(dir_.isValid());
         const QString path = dir_.filePath(QStringLiteral("names.wdl"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(Document);
-        file.close();
-        QString project;
-        gui_ = std::make_unique<VokGUI>(nullptr, QStringList{path}, project, true);
-        QVERIFY(gui_->initialize());
-        gui_->resize(1000, 600);
-        gui_->show();
-        QVERIFY(QTest::qWaitForWindowExposed(gui_.get()));
+        QVERIFY(toolfixture::writeFile(path, Document));
+        gui_ = toolfixture::openShown(path, QSize(1000, 600));
+        QVERIFY(gui_);
         list_ = gui_->waveList();
         QCOMPARE(order(), (QStringList{"a", "b", "bus[2:0]", "c"}));
         QCOMPARE(list_->itemModel()->rowCount(), 4);

@@ -14,7 +14,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
@@ -27,6 +26,7 @@
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 #include <functional>
 #include <memory>
@@ -170,16 +170,9 @@ private Q_SLOTS:
     {
         QVERIFY(dir_.isValid());
         const QString path = dir_.filePath(QStringLiteral("nav.wdl"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(document());
-        file.close();
-        QString project;
-        gui_ = std::make_unique<VokGUI>(nullptr, QStringList{path}, project, true);
-        QVERIFY(gui_->initialize());
-        gui_->resize(1000, 600);
-        gui_->show();
-        QVERIFY(QTest::qWaitForWindowExposed(gui_.get()));
+        QVERIFY(toolfixture::writeFile(path, document()));
+        gui_ = toolfixture::openShown(path, QSize(1000, 600));
+        QVERIFY(gui_);
         view_ = gui_->waveView();
         ruler_ = gui_->rulerView();
         QCOMPARE(gui_->document()->waves.size(), 32);

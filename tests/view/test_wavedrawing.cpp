@@ -11,7 +11,6 @@
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include "sandboxedtestmain.h"

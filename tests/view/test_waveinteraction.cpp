@@ -11,8 +11,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QBuffer>
-#include <QFile>
 #include <QMouseEvent>
 #include <QStandardItemModel>
 #include <QTemporaryDir>
@@ -20,6 +18,7 @@
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 #include <memory>
 
@@ -59,16 +58,9 @@ class TestWaveInteraction : public QObject
         gui_.reset();
         held_ = {};
         const QString path = dir_.filePath(QStringLiteral("doc.wdl"));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(Header + lines.join('\n') + '\n');
-        file.close();
-        QString project;
-        gui_ = std::make_unique<VokGUI>(nullptr, QStringList{path}, project, true);
-        gui_->initialize();
-        gui_->resize(1400, 700);
-        gui_->show();
-        QVERIFY(QTest::qWaitForWindowExposed(gui_.get()));
+        QVERIFY(toolfixture::writeFile(path, Header + lines.join('\n') + '\n'));
+        gui_ = toolfixture::openShown(path, QSize(1400, 700));
+        QVERIFY(gui_);
         view_ = gui_->waveView();
         ruler_ = gui_->rulerView();
         gui_->setStartTime(0);
@@ -83,13 +75,7 @@ class TestWaveInteraction : public QObject
 
     WaveData* wave(const char* name) const { return gui_->document()->findWavebyName(QLatin1String(name)); }
 
-    QByteArray saved() const
-    {
-        QBuffer buffer;
-        buffer.open(QIODevice::WriteOnly);
-        gui_->saveData(buffer);
-        return buffer.data();
-    }
+    QByteArray saved() const { return toolfixture::savedText(*gui_); }
 
     // The saved line of one wave.
     QByteArray line(const char* name) const

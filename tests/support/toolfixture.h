@@ -1,0 +1,89 @@
+#pragma once
+
+// Documents on disk and tool windows opened on them, as the user has them.
+// The helpers report failure through their result rather than failing the
+// test themselves, so that the caller's QVERIFY stops the test where it stands.
+#include "vokgui.h"
+#include "waveformdata.h"
+#include "wavewriter.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QFile>
+#include <QSize>
+#include <QTest>
+
+#include <memory>
+
+namespace toolfixture {
+
+inline QString exampleFile(const QString& name)
+{
+    return QStringLiteral(VOK_SOURCE_DIR "/examples/") + name;
+}
+
+// Whether every byte reached the file.
+[[nodiscard]] inline bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+}
+
+// A copy the user may save over: sources can be checked out read-only, and
+// copying keeps that.
+[[nodiscard]] inline bool copyWritable(const QString& from, const QString& to)
+{
+    QFile::remove(to);
+    return QFile::copy(from, to) && QFile::setPermissions(to, QFile::ReadOwner | QFile::WriteOwner);
+}
+
+// Pushes the file's modification time forward, as another program saving it would.
+[[nodiscard]] inline bool touchLater(const QString& path, int seconds)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite)
+        && file.setFileTime(QDateTime::currentDateTime().addSecs(seconds), QFileDevice::FileModificationTime);
+}
+
+// The text the writer makes of what the reader makes of a file.
+inline QByteArray writerTextOfFile(const QString& path)
+{
+    kesu::toolvok::WaveformData data;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    data.loadData(file);
+    return kesu::toolvok::formatWaveform(data);
+}
+
+// What saving the shown document would write; a failed save reads as text no
+// document can have, so that it never matches an expectation.
+inline QByteArray savedText(kesu::toolvok::VokGUI& gui)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (!gui.saveData(buffer))
+        return QByteArrayLiteral("<save failed>");
+    return buffer.data();
+}
+
+// The file opened in a stand-alone tool window, shown at that size and
+// exposed; null, with the reason logged, when any of that fails.
+inline std::unique_ptr<kesu::toolvok::VokGUI> openShown(const QString& path, QSize size)
+{
+    QString project;
+    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, QStringList{path}, project, true);
+    if (!gui->initialize()) {
+        qWarning("the tool did not take %s", qPrintable(path));
+        return nullptr;
+    }
+    gui->resize(size);
+    gui->show();
+    if (!QTest::qWaitForWindowExposed(gui.get())) {
+        qWarning("the tool window was never exposed");
+        return nullptr;
+    }
+    return gui;
+}
+
+} // namespace toolfixture
