@@ -92,11 +92,8 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: bench_paint [--waves N] [--segments M] [--repeat R] [--seed S] [--png DIR]\n");
         return 2;
     }
-    // Offscreen, and with the user's settings kept out of reach.
     QTemporaryDir config;
-    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    sandboxToolSettings(config.path());
     QApplication app(argc, argv);
 
     QString project;

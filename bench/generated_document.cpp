@@ -8,6 +8,13 @@
 
 namespace kesu::toolvok {
 
+void sandboxToolSettings(const QString& config)
+{
+    qputenv("XDG_CONFIG_HOME", config.toLocal8Bit());
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
 namespace {
 
 // splitmix64: tiny, and every wave can be regenerated on its own from its

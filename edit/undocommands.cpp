@@ -196,48 +196,36 @@ EditPatternCommand::~EditPatternCommand()
     delete before_;
 }
 
-WaveData* EditPatternCommand::restore(const WaveData* state)
+void EditPatternCommand::restore(const WaveData* state, bool reloadProperties)
 {
     WaveData* live = find(gui_, after_->name);
-    if (live)
-        gui_->discardSegments(copyExactly(live, state));
-    return live;
+    if (!live)
+        return;
+    gui_->discardSegments(copyExactly(live, state));
+    if (reloadProperties && live == gui_->activeWave())
+        gui_->waveDataDlg()->LoadData(live);
+    gui_->Refresh();
+    gui_->SetDirtyBit();
 }
 
 void EditPatternCommand::undo()
 {
-    if (WaveData* live = restore(before_)) {
-        if (live == gui_->activeWave())
-            gui_->waveDataDlg()->LoadData(live);
-        gui_->Refresh();
-        gui_->SetDirtyBit();
-    }
+    restore(before_, true);
 }
 
 void EditPatternCommand::redo()
 {
-    if (WaveData* live = restore(after_)) {
-        if (live == gui_->activeWave())
-            gui_->waveDataDlg()->LoadData(live);
-        gui_->Refresh();
-        gui_->SetDirtyBit();
-    }
+    restore(after_, true);
 }
 
 void CutPatternCommand::undo()
 {
-    if (restore(before_)) {
-        gui_->Refresh();
-        gui_->SetDirtyBit();
-    }
+    restore(before_, false);
 }
 
 void CutPatternCommand::redo()
 {
-    if (restore(after_)) {
-        gui_->Refresh();
-        gui_->SetDirtyBit();
-    }
+    restore(after_, false);
 }
 
 // --- NodeParaCommand --------------------------------------------------------

@@ -92,8 +92,9 @@ public:
     void redo() override;
 
 protected:
-    // Puts the live wave into the state of the given snapshot.
-    WaveData* restore(const WaveData* state);
+    // Puts the live wave into the state of the given snapshot and refreshes
+    // the views; the properties view only when asked.
+    void restore(const WaveData* state, bool reloadProperties);
 
     WaveData* after_;
     WaveData* before_;

@@ -59,20 +59,23 @@ std::string nextValue(const WaveData* wave)
 }
 } // namespace
 
+void VokGUI::forgetSegments(const std::function<bool(const Pattern*)>& gone)
+{
+    m_selection.removeIf(gone);
+    m_waveView->pendingPatterns.removeIf(gone);
+    m_waveView->draggedPatterns.removeIf(gone);
+    if (m_waveView->selectedPattern && gone(m_waveView->selectedPattern))
+        m_waveView->selectedPattern = nullptr;
+    if (m_waveView->selectedPattern2 && gone(m_waveView->selectedPattern2))
+        m_waveView->selectedPattern2 = nullptr;
+}
+
 void VokGUI::discardSegments(const QList<Pattern*>& segments)
 {
     if (segments.isEmpty())
         return;
     const QSet<Pattern*> gone(segments.cbegin(), segments.cend());
-    auto forget = [&gone](QList<Pattern*>& list) { list.removeIf([&gone](Pattern* p) { return gone.contains(p); }); };
-    forget(m_selection);
-    forget(m_clipboard);
-    forget(m_waveView->pendingPatterns);
-    forget(m_waveView->draggedPatterns);
-    if (gone.contains(m_waveView->selectedPattern))
-        m_waveView->selectedPattern = nullptr;
-    if (gone.contains(m_waveView->selectedPattern2))
-        m_waveView->selectedPattern2 = nullptr;
+    forgetSegments([&gone](const Pattern* p) { return gone.contains(const_cast<Pattern*>(p)); });
     qDeleteAll(gone);
 }
 
@@ -80,8 +83,7 @@ void VokGUI::dropClipboard()
 {
     // Cut segments still waiting for their paste belong to nobody else; the
     // views may still point at them from before the cut.
-    const QList<Pattern*> held = m_clipboard;
-    discardSegments(held);
+    discardSegments(m_clipboard);
     m_clipboard.clear();
 }
 
@@ -96,9 +98,9 @@ QList<Pattern*> VokGUI::takeSelectedSegments()
     // Only what the active wave really holds is taken: anything else in the
     // selection still belongs to its own wave.
     QList<Pattern*> taken;
-    const QSet<Pattern*> own(m_activeWave->patterns.cbegin(), m_activeWave->patterns.cend());
+    QSet<Pattern*> own(m_activeWave->patterns.cbegin(), m_activeWave->patterns.cend());
     for (Pattern* p : std::as_const(m_selection)) {
-        if (own.contains(p) && !taken.contains(p)) {
+        if (own.remove(p)) {
             m_activeWave->removeData(p);
             taken.append(p);
         }
@@ -190,12 +192,7 @@ void VokGUI::cutData()
     m_selection.clear();
     // The cut segments live on in the clipboard; the views must let go of them.
     const QSet<Pattern*> cut(m_clipboard.cbegin(), m_clipboard.cend());
-    for (QList<Pattern*>* list : {&m_waveView->pendingPatterns, &m_waveView->draggedPatterns})
-        list->removeIf([&cut](Pattern* p) { return cut.contains(p); });
-    if (cut.contains(m_waveView->selectedPattern))
-        m_waveView->selectedPattern = nullptr;
-    if (cut.contains(m_waveView->selectedPattern2))
-        m_waveView->selectedPattern2 = nullptr;
+    forgetSegments([&cut](const Pattern* p) { return cut.contains(const_cast<Pattern*>(p)); });
     mergeAfterEdit(m_activeWave);
     m_editDlg->LoadData(nullptr, m_selection);
     m_waveDataDlg->LoadData(m_activeWave);

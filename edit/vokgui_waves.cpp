@@ -16,16 +16,8 @@ void VokGUI::forgetWave(WaveData* wave)
     if (m_activeWave == wave)
         setActiveWave(nullptr);
     m_waveView->pendingWaves.removeAll(wave);
-    // Selection state refers to segments of one wave at a time.
     auto ofWave = [wave](const Pattern* p) { return p->wave == wave; };
-    if (std::any_of(m_selection.cbegin(), m_selection.cend(), ofWave))
-        m_selection.clear();
-    m_waveView->pendingPatterns.removeIf(ofWave);
-    m_waveView->draggedPatterns.removeIf(ofWave);
-    if (m_waveView->selectedPattern && ofWave(m_waveView->selectedPattern))
-        m_waveView->selectedPattern = nullptr;
-    if (m_waveView->selectedPattern2 && ofWave(m_waveView->selectedPattern2))
-        m_waveView->selectedPattern2 = nullptr;
+    forgetSegments(ofWave);
     // Clipboard segments remember their source wave, which paste consults.
     if (std::any_of(m_clipboard.cbegin(), m_clipboard.cend(), ofWave)) {
         dropClipboard();

@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -295,6 +296,9 @@ private:
     void restartAutoSave();
     // Lets go of everything that refers to a wave about to be deleted.
     void forgetWave(WaveData* wave);
+    // Drops the segments for which gone holds from the selection and from the
+    // wave view's drag and pick state, without deleting them.
+    void forgetSegments(const std::function<bool(const Pattern*)>& gone);
     // Takes the selected segments out of the active wave and returns them.
     QList<Pattern*> takeSelectedSegments();
     QString dialogFolder() const;

@@ -50,13 +50,9 @@ void VokGUI::ClearAll()
     // the old document may be undone into the next one.
     m_waveView->cancelEdgeDrag();
     setActiveWave(nullptr);
-    m_selection.clear();
+    forgetSegments([](const Pattern*) { return true; });
     dropClipboard();
-    m_waveView->pendingPatterns.clear();
-    m_waveView->draggedPatterns.clear();
     m_waveView->pendingWaves.clear();
-    m_waveView->selectedPattern = nullptr;
-    m_waveView->selectedPattern2 = nullptr;
     m_undoStack->clear();
     m_data->ClearAll();
     m_waveList->clearWaves();

@@ -98,6 +98,7 @@ private:
     WaveData* waveAtY(int y) const;
     bool startEdgeDrag(int x);
     void dragEdge(int x);
+    void forgetEdgeDrag();
     // Repaints at once with collectSelection set, so that the paint gathers
     // the patterns under the selection into the owner's list.
     void collectNow();

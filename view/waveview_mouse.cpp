@@ -323,20 +323,18 @@ void WaveView::finishEdgeDrag()
         if (WaveData* wave = owner_->document()->findWavebyName(oldwave->name))
             owner_->undoStack()->push(new EditPatternCommand(wave, oldwave, owner_));
     }
-    edgeMoved = false;
-    patternCreated = false;
-    dropOldwave();
-    highlightOff = false;
-    stretchDrag = false;
-    selectedPattern = selectedPattern2 = nullptr;
-    draggedPatterns.clear();
+    forgetEdgeDrag();
     owner_->SetDirtyBit();
 }
 
 void WaveView::cancelEdgeDrag()
 {
-    if (!isDraggingEdge())
-        return;
+    if (isDraggingEdge())
+        forgetEdgeDrag();
+}
+
+void WaveView::forgetEdgeDrag()
+{
     edgeMoved = false;
     patternCreated = false;
     dropOldwave();
