@@ -143,14 +143,16 @@ void VokGUI::addEditData(quint64 time)
     if (m_mode != ModeEdit)
         return;
     WaveData* wave = m_waveList->waveAt(m_waveList->currentIndex().row());
-    if (!wave || wave->getEndTime() > time)
+    if (!wave)
         return;
+    // The end is a walk over every segment: once is enough.
+    const quint64 end = wave->getEndTime();
     // A segment holds at most 2^31 - 1 units; a click further out is refused
     // rather than wrapped into a negative length.
-    if (time - wave->getEndTime() > quint64(std::numeric_limits<qint32>::max()))
+    if (end > time || time - end > quint64(std::numeric_limits<qint32>::max()))
         return;
     finishMouseEdit();
-    auto* p = new Pattern(nextValue(wave), static_cast<qint32>(time - wave->getEndTime()));
+    auto* p = new Pattern(nextValue(wave), static_cast<qint32>(time - end));
     if (time / m_step > quint64(m_waveHBar->maximum()))
         m_waveHBar->setMaximum(static_cast<int>(qMin<quint64>(time / m_step + 5, INT_MAX)));
 

@@ -1,7 +1,6 @@
 #pragma once
 
-// A tool window with a document loaded from text, as the user opens a file,
-// and the text that saving it would write.
+// A tool window with a document opened from a file, and the text saving it writes.
 #include "vokgui.h"
 #include "wavedata.h"
 #include "waveformdata.h"
@@ -23,13 +22,10 @@ using namespace kesu::toolvok;
 inline const QByteArray kHeader = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 0;\n"
                                   "%DECIMALS = 0;\n%ENDTIME = 400;\n";
 
-// Header plus one line per wave, each ended by a line feed: the writer's layout.
+// The writer's layout: header plus one line per wave.
 inline QByteArray wdl(const QList<QByteArray>& waves)
 {
-    QByteArray text = kHeader;
-    for (const QByteArray& line : waves)
-        text += line + '\n';
-    return text;
+    return kHeader + (waves.isEmpty() ? QByteArray() : waves.join('\n') + '\n');
 }
 
 class Tool
@@ -59,7 +55,7 @@ public:
         return names;
     }
 
-    // The waves of the name list's rows, by name (element rows as "-").
+    // The name list's rows by wave name ("-" for element rows).
     QStringList listRows() const
     {
         QStringList names;
@@ -70,8 +66,7 @@ public:
         return names;
     }
 
-    // What the wave view does when the user drags across pulses of a wave in
-    // edit mode: the wave becomes active and current, its pulses selected.
+    // A drag across pulses in edit mode: the wave becomes active and current.
     void select(const QString& name, const QList<int>& indexes) const
     {
         WaveData* w = wave(name);
@@ -86,11 +81,8 @@ public:
 
     void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
 
-private:
     QTemporaryDir m_dir;
     QString m_project;
-
-public:
     std::unique_ptr<VokGUI> gui;
 };
 

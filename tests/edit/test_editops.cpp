@@ -1,6 +1,6 @@
 // The edit operations of the tool window as the wave view, the menus and the
-// keyboard drive them: the document text they leave, through undo and redo,
-// and the availability signals they send to the actions.
+// keyboard drive them: the document text they leave and the availability
+// signals they send to the actions.
 #include "undocommands.h"
 
 #include "edittestutil.h"
@@ -28,15 +28,27 @@ const QByteArray kN = "n[3:0] { B I Default NRZ 0 1 50 } = 9 10;";
 const QByteArray kW = "w[7:0] { B I Default NRZ 0 1 50 } = 12 10 34 10;";
 const QByteArray kK = "k[3:0] { B I Default NRZ 0 1 50 } = 1 10 DonTCare 10;";
 const QByteArray kB = "b { A I Default NRZ 0 1 50 } = 0 10 1 10(0 10 1 10)##;";
-
 const QByteArray kDoc = wdl({kA, kZ, kX, kH, kD, kM, kN, kW, kK, kB});
 
-QByteArray line(const char* name, const char* attributes, const char* segments)
+QByteArray single(const char* name, const char* segments)
 {
-    return QByteArray(name) + " { " + attributes + " Default NRZ 0 1 50 } = " + segments + ';';
+    return QByteArray(name) + " { A I Default NRZ 0 1 50 } = " + segments + ';';
 }
-QByteArray single(const char* name, const char* segments) { return line(name, "A I", segments); }
-QByteArray bus(const char* name, const char* segments) { return line(name, "B I", segments); }
+QByteArray bus(const char* name, const char* segments)
+{
+    return QByteArray(name) + " { B I Default NRZ 0 1 50 } = " + segments + ';';
+}
+
+// The emissions of several one-bool signals, one list per spy.
+QList<QList<bool>> emittedAll(const QList<QSignalSpy*>& spies)
+{
+    QList<QList<bool>> all;
+    for (QSignalSpy* spy : spies) {
+        all << emitted(*spy);
+        spy->clear();
+    }
+    return all;
+}
 
 } // namespace
 
@@ -48,30 +60,20 @@ private Q_SLOTS:
     void extendByClickFollowsTheLastValue()
     {
         Tool t(kDoc);
-        QCOMPARE(t.saved(), kDoc);
         t.editMode(true);
         QSignalSpy undoable(t.gui.get(), &VokGUI::undoAvailable);
-        const char* names[] = {"a", "z", "x", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]"};
-        for (const char* name : names) {
+        for (const char* name : {"a", "z", "x", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]"}) {
             t.select(QString::fromLatin1(name), {});
             WaveData* w = t.wave(QString::fromLatin1(name));
             t->addEditData(w->getEndTime() + 5);
             QCOMPARE(t->selection(), QList<Pattern*>{w->patterns.last()});
         }
-        QCOMPARE(t->undoStack()->count(), 9);
         QCOMPARE(emitted(undoable), QList<bool>(9, true));
-        const QByteArray extended = wdl({
-            single("a", "0 10 1 20 0 30 1 40 0 5"), single("z", "0 10 1 5"), single("x", "1 10 2 10 0 5"),
-            single("h", "1 10 3 10 0 5"), bus("d[3:0]", "1 10 2 10 3 10 4 10 5 10 6 5"), bus("m[3:0]", "7 10 F 10 0 5"),
-            bus("n[3:0]", "9 10 A 5"), bus("w[7:0]", "12 10 34 10 35 5"), bus("k[3:0]", "1 10 DonTCare 10 0 5"), kB});
-        QCOMPARE(t.saved(), extended);
-
-        for (int i = 0; i < 9; ++i)
-            t->undo();
-        QCOMPARE(t.saved(), kDoc);
-        for (int i = 0; i < 9; ++i)
-            t->redo();
-        QCOMPARE(t.saved(), extended);
+        QCOMPARE(t.saved(), wdl({single("a", "0 10 1 20 0 30 1 40 0 5"), single("z", "0 10 1 5"),
+                                 single("x", "1 10 2 10 0 5"), single("h", "1 10 3 10 0 5"),
+                                 bus("d[3:0]", "1 10 2 10 3 10 4 10 5 10 6 5"), bus("m[3:0]", "7 10 F 10 0 5"),
+                                 bus("n[3:0]", "9 10 A 5"), bus("w[7:0]", "12 10 34 10 35 5"),
+                                 bus("k[3:0]", "1 10 DonTCare 10 0 5"), kB}));
     }
 
     void extendByClickPreconditions()
@@ -80,17 +82,14 @@ private Q_SLOTS:
         t.editMode(true);
         WaveData* a = t.wave(QStringLiteral("a"));
         t.select(QStringLiteral("a"), {});
-
         // Right at the end: a step on the stack, but no pulse of no length.
         t->addEditData(100);
         QCOMPARE(t->undoStack()->count(), 1);
         QVERIFY(t->selection().isEmpty());
-        QCOMPARE(t.saved(), kDoc);
 
         t->addEditData(99);   // before the end
         t.editMode(false);
         t->addEditData(200);   // query mode
-        QCOMPARE(t->undoStack()->count(), 1);
         t.editMode(true);
         t->waveList()->setCurrentIndex(QModelIndex());
         t->addEditData(200);   // no current row
@@ -105,6 +104,14 @@ private Q_SLOTS:
         t->addEditData(far);
         QCOMPARE(t->waveHBar()->maximum(), int(far / step + 5));
         QCOMPARE(a->getEndTime(), far);
+
+        // A segment holds at most 2^31 - 1 units: a longer gap is refused.
+        const quint64 end = a->getEndTime();
+        const quint64 max = quint64(std::numeric_limits<qint32>::max());
+        t->addEditData(end + max + 1);
+        QCOMPARE(t->undoStack()->count(), 2);
+        t->addEditData(end + max);
+        QCOMPARE(a->patterns.last()->duration, std::numeric_limits<qint32>::max());
     }
 
     void clearTakesTimeOut()
@@ -114,17 +121,11 @@ private Q_SLOTS:
         t.select(QStringLiteral("a"), {1});
         QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
         t->clearData();
-        const QByteArray cleared = wdl({single("a", "0 40 1 40"), kZ, kX, kH, kD, kM, kN, kW, kK, kB});
-        QCOMPARE(t.saved(), cleared);
+        QCOMPARE(t.saved(), wdl({single("a", "0 40 1 40"), kZ, kX, kH, kD, kM, kN, kW, kK, kB}));
         QVERIFY(t->selection().isEmpty());
         QCOMPARE(emitted(edit), QList<bool>{false});
-
         t->clearData();   // nothing selected
         QCOMPARE(t->undoStack()->count(), 1);
-        t->undo();
-        QCOMPARE(t.saved(), kDoc);
-        t->redo();
-        QCOMPARE(t.saved(), cleared);
 
         // Two pulses apart, by the Delete key on the wave view.
         t->undo();
@@ -139,19 +140,15 @@ private Q_SLOTS:
         Tool t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("d[3:0]"), {1, 2, 3});
-        WaveData* d = t.wave(QStringLiteral("d[3:0]"));
         const QList<Pattern*> taken = t->selection();
         QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
         QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
         t->cutData();
-        const QByteArray cut = wdl({kA, kZ, kX, kH, bus("d[3:0]", "1 10 5 10"), kM, kN, kW, kK, kB});
-        QCOMPARE(t.saved(), cut);
+        QCOMPARE(t.saved(), wdl({kA, kZ, kX, kH, bus("d[3:0]", "1 10 5 10"), kM, kN, kW, kK, kB}));
         QCOMPARE(t->clipboard(), taken);
         QVERIFY(t->isFromCut());
-        QVERIFY(!d->selected);
-        QVERIFY(t->selection().isEmpty());
-        QCOMPARE(emitted(paste), QList<bool>{false});
-        QCOMPARE(emitted(edit), QList<bool>{false});
+        QVERIFY(!t.wave(QStringLiteral("d[3:0]"))->selected);
+        QCOMPARE(emittedAll({&paste, &edit}), (QList<QList<bool>>{{false}, {false}}));
 
         // Three cut pulses over one: they go in front of it, it goes.
         t.select(QStringLiteral("d[3:0]"), {1});
@@ -163,30 +160,10 @@ private Q_SLOTS:
         const QByteArray pasted = wdl({kA, kZ, kX, kH, bus("d[3:0]", "1 10 2 10 3 10 4 10"), kM, kN, kW, kK, kB});
         QCOMPARE(t.saved(), pasted);
         QVERIFY(t->clipboard().isEmpty());
-        QCOMPARE(emitted(paste), QList<bool>{false});
-        QCOMPARE(emitted(edit), QList<bool>{false});
-
+        QCOMPARE(emittedAll({&paste, &edit}), (QList<QList<bool>>{{false}, {false}}));
         t.select(QStringLiteral("d[3:0]"), {0});
         t->pasteData();
-        QCOMPARE(t.saved(), pasted);
         QCOMPARE(t->undoStack()->count(), 2);
-
-        t->undo();
-        QCOMPARE(t.saved(), cut);
-        t->undo();
-        QCOMPARE(t.saved(), kDoc);
-        t->redo();
-        QCOMPARE(t.saved(), cut);
-        t->redo();
-        QCOMPARE(t.saved(), pasted);
-
-        // Onto another bus of the same width.
-        t.select(QStringLiteral("d[3:0]"), {0});
-        t->cutData();
-        t.select(QStringLiteral("m[3:0]"), {0});
-        t->pasteData();
-        QCOMPARE(t.saved(), wdl({kA, kZ, kX, kH, bus("d[3:0]", "2 10 3 10 4 10"), bus("m[3:0]", "1 10 F 10"), kN, kW,
-                                 kK, kB}));
     }
 
     void copyPastesManyTimes()
@@ -197,30 +174,19 @@ private Q_SLOTS:
         QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
         t->copyData();
         QCOMPARE(emitted(paste), QList<bool>{true});
-        QCOMPARE(t->clipboard().size(), 2);
         QVERIFY(!t->isFromCut());
         WaveData* a = t.wave(QStringLiteral("a"));
         QVERIFY(!a->patterns.contains(t->clipboard()[0]));
         QCOMPARE(t->clipboard()[1]->wave, a);
-        QCOMPARE(t.saved(), kDoc);
 
         t.select(QStringLiteral("z"), {0});
         t->pasteData();
         QCOMPARE(t.saved(), wdl({kA, single("z", "0 10 1 20"), kX, kH, kD, kM, kN, kW, kK, kB}));
         t.select(QStringLiteral("z"), {1});
         t->pasteData();   // the pasted 0 meets the 0 before it
-        const QByteArray twice = wdl({kA, single("z", "0 20 1 20"), kX, kH, kD, kM, kN, kW, kK, kB});
-        QCOMPARE(t.saved(), twice);
+        QCOMPARE(t.saved(), wdl({kA, single("z", "0 20 1 20"), kX, kH, kD, kM, kN, kW, kK, kB}));
         QCOMPARE(t->clipboard().size(), 2);
-        t->undo();
-        t->undo();
-        QCOMPARE(t.saved(), kDoc);
-        t->redo();
-        t->redo();
-        QCOMPARE(t.saved(), twice);
 
-        t.select(QStringLiteral("a"), {0});
-        t->copyData();
         t->selection().clear();
         paste.clear();
         t->copyData();   // nothing selected: nothing to paste
@@ -246,7 +212,12 @@ private Q_SLOTS:
         t.select(QStringLiteral("m[3:0]"), {0});
         t->pasteData();
         QCOMPARE(t->undoStack()->count(), 0);
-        QCOMPARE(t.saved(), kDoc);
+
+        t.select(QStringLiteral("d[3:0]"), {0});
+        t->copyData();
+        t.select(QStringLiteral("m[3:0]"), {1});
+        t->pasteData();   // another bus of the same width takes it
+        QCOMPARE(t.saved(), wdl({kA, kZ, kX, kH, kD, bus("m[3:0]", "7 10 1 10"), kN, kW, kK, kB}));
     }
 
     void mergingStopsAtTheForeverStart()
@@ -261,18 +232,10 @@ private Q_SLOTS:
         const QByteArray headMerged = wdl({kA, kZ, kX, kH, kD, kM, kN, kW, kK, single("b", "0 20(0 10 1 10)##")});
         QCOMPARE(t.saved(), headMerged);
         QCOMPARE(b->foreverIndex, 1);
-        QVERIFY(b->patterns[1]->forever);
-
         t.select(QStringLiteral("b"), {2});
         t->pasteData();   // merges within the tail only
         QCOMPARE(t.saved(), wdl({kA, kZ, kX, kH, kD, kM, kN, kW, kK, single("b", "0 20(0 20)##")}));
         t->undo();
-        QCOMPARE(t.saved(), headMerged);
-        t->undo();
-        QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(b->foreverIndex, 2);
-        t->redo();
-        QCOMPARE(t.saved(), headMerged);
 
         // Equal values on both sides of the tail's start stay two pulses
         // through a copy of the wave and through the undo of a clear.
@@ -296,10 +259,8 @@ private Q_SLOTS:
         QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
         t->undoStack()->push(new DelWaveCommand({t.wave("d[3:0]")}, t.gui.get()));
         QVERIFY(t->clipboard().isEmpty());
-        // The clipboard says so itself, and so does the name list losing its row.
         QVERIFY(!paste.isEmpty() && !emitted(paste).contains(true));
         t->undo();
-        QCOMPARE(t.saved(), wdl({kA, kZ, kX, kH, bus("d[3:0]", "3 10 4 10 5 10"), kM, kN, kW, kK, kB}));
 
         t.select(QStringLiteral("a"), {0});
         t->copyData();
@@ -312,8 +273,7 @@ private Q_SLOTS:
         t.select(QStringLiteral("m[3:0]"), {0});
         t->copyData();
         t->ClearAll();
-        QVERIFY(t->clipboard().isEmpty());
-        QVERIFY(t->selection().isEmpty());
+        QVERIFY(t->clipboard().isEmpty() && t->selection().isEmpty());
         QCOMPARE(t->undoStack()->count(), 0);
         QVERIFY(!t->activeWave());
         QCOMPARE(t.saved(), kHeader);
@@ -329,17 +289,11 @@ private Q_SLOTS:
             t->setActiveWave(t.wave(QString::fromLatin1(name)));
             t->dupWave();
         }
-        QCOMPARE(t.docOrder(), (QStringList{"a", "d[3:0]", "a_0", "a_1", "a_0_0", "d_0[3:0]", "d_1[3:0]"}));
-        QCOMPARE(t.listRows(), t.docOrder());
-        const QByteArray dup = wdl({kA, kD, single("a_0", "0 10 1 20 0 30 1 40"), single("a_1", "0 10 1 20 0 30 1 40"),
-                                    single("a_0_0", "0 10 1 20 0 30 1 40"),
-                                    bus("d_0[3:0]", "1 10 2 10 3 10 4 10 5 10"),
-                                    bus("d_1[3:0]", "1 10 2 10 3 10 4 10 5 10")});
-        QCOMPARE(t.saved(), dup);
-        for (int i = 0; i < 5; ++i)
-            t->undo();
-        QCOMPARE(t.saved(), wdl({kA, kD}));
-        QCOMPARE(emitted(active), (QList<bool>{true, true, true, true, true}));
+        QCOMPARE(t.listRows(), (QStringList{"a", "d[3:0]", "a_0", "a_1", "a_0_0", "d_0[3:0]", "d_1[3:0]"}));
+        QCOMPARE(t.saved(), wdl({kA, kD, single("a_0", "0 10 1 20 0 30 1 40"), single("a_1", "0 10 1 20 0 30 1 40"),
+                                 single("a_0_0", "0 10 1 20 0 30 1 40"), bus("d_0[3:0]", "1 10 2 10 3 10 4 10 5 10"),
+                                 bus("d_1[3:0]", "1 10 2 10 3 10 4 10 5 10")}));
+        QCOMPARE(emitted(active), QList<bool>(5, true));
     }
 
     void hideAndShow()
@@ -350,20 +304,14 @@ private Q_SLOTS:
         t.select(QStringLiteral("x"), {});
         WaveData* x = t.wave(QStringLiteral("x"));
         t->hideWave();
-        QCOMPARE(t->undoStack()->count(), 1);
         QVERIFY(!x->visible && !x->selected);
         QCOMPARE(t.listRows(), (QStringList{"a", "z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b"}));
         QVERIFY(!t->isModified());
-        t->undo();
-        QCOMPARE(t.listRows(), t.docOrder());
-        QVERIFY(x->visible);
 
         // Showing rebuilds the whole list from the document's visible waves.
-        x->visible = false;
         t.wave(QStringLiteral("a"))->visible = false;
         t->showWave(t.wave(QStringLiteral("z")));
         QCOMPARE(t.listRows(), (QStringList{"z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b"}));
-        QCOMPARE(t.saved(), kDoc);
     }
 
     void activeWaveAndModes()
@@ -374,36 +322,27 @@ private Q_SLOTS:
         t->setActiveWave(t.wave(QStringLiteral("d[3:0]")));
         t->setActiveWave(t.wave(QStringLiteral("a")));
         t->setActiveWave(nullptr);
-        QCOMPARE(emitted(active), (QList<bool>{true, true, false}));
-        QCOMPARE(emitted(isBus), (QList<bool>{true, false, false}));
+        QCOMPARE(emittedAll({&active, &isBus}), (QList<QList<bool>>{{true, true, false}, {true, false, false}}));
 
         QSignalSpy view(t.gui.get(), &VokGUI::viewmodeChanged);
         QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
         QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
+        const QList<QSignalSpy*> spies{&view, &edit, &paste};
         t.editMode(true);
         QCOMPARE(t->mode(), int(VokGUI::ModeEdit));
-        QCOMPARE(emitted(view), QList<bool>{true});
-        QCOMPARE(emitted(edit), QList<bool>{false});
-        QCOMPARE(emitted(paste), QList<bool>{false});
+        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{true}, {false}, {false}}));
 
         t.select(QStringLiteral("a"), {1});
         t->copyData();
         t.select(QStringLiteral("z"), {0});
-        edit.clear();
-        paste.clear();
+        emittedAll(spies);
         t->onEditDataChanged();
-        QCOMPARE(emitted(edit), QList<bool>{true});
-        QCOMPARE(emitted(paste), QList<bool>{true});
+        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{}, {true}, {true}}));
 
-        view.clear();
-        edit.clear();
-        paste.clear();
         t.editMode(false);   // leaving edit mode drops the selection
         QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
         QVERIFY(t->selection().isEmpty());
-        QCOMPARE(emitted(view), QList<bool>{false});
-        QCOMPARE(emitted(edit), QList<bool>{false});
-        QCOMPARE(emitted(paste), QList<bool>{false});
+        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{false}, {false}, {false}}));
 
         // A click 85 pixels down lands in the third row.
         t->selectWave(85);
@@ -417,7 +356,6 @@ private Q_SLOTS:
         t.select(QStringLiteral("a"), {0});
         t->addEditData(200);
         t.select(QStringLiteral("a"), {0});
-        QVERIFY(t->isModified());
 
         QSignalSpy undo(t.gui.get(), &VokGUI::undoAvailable);
         QSignalSpy redo(t.gui.get(), &VokGUI::redoAvailable);
@@ -432,35 +370,18 @@ private Q_SLOTS:
         QVERIFY(t->isReadOnly());
         QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
         QVERIFY(t->selection().isEmpty());
-        QCOMPARE(emitted(undo), QList<bool>{false});
-        QCOMPARE(emitted(redo), QList<bool>{false});
-        QCOMPARE(emitted(file), QList<bool>{false});
-        QCOMPARE(emitted(view), (QList<bool>{false, false}));
-        QCOMPARE(emitted(editable), QList<bool>{false});
-        QCOMPARE(emitted(edit), QList<bool>{false});
-        QCOMPARE(emitted(paste), QList<bool>{false});
-        QCOMPARE(emitted(always), QList<bool>{true});
+        QCOMPARE(emittedAll(spies),
+                 (QList<QList<bool>>{{false}, {false}, {false}, {false, false}, {false}, {false}, {false}, {true}}));
 
-        for (QSignalSpy* spy : spies)
-            spy->clear();
         t->selection() = {t.wave(QStringLiteral("a"))->patterns[0]};
         t->onEditDataChanged();
         t->onUndoChanged(true);
-        QCOMPARE(emitted(edit), QList<bool>{false});
-        QCOMPARE(emitted(undo), QList<bool>{false});
         t->SetDirtyBit();
-        QCOMPARE(emitted(file), QList<bool>{false});
+        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{false}, {}, {false}, {}, {}, {false}, {false}, {}}));
 
-        for (QSignalSpy* spy : spies)
-            spy->clear();
-        t->changeReadonlyMode(false);
-        QCOMPARE(emitted(undo), QList<bool>{true});
-        QCOMPARE(emitted(redo), QList<bool>{false});
-        QCOMPARE(emitted(file), QList<bool>{true});
-        QCOMPARE(emitted(view), QList<bool>{true});
-        QCOMPARE(emitted(editable), QList<bool>{true});
-        QCOMPARE(emitted(edit), QList<bool>{false});   // still in query mode
-        QCOMPARE(emitted(paste), QList<bool>{false});
+        t->changeReadonlyMode(false);   // still in query mode
+        QCOMPARE(emittedAll(spies),
+                 (QList<QList<bool>>{{true}, {false}, {true}, {true}, {true}, {false}, {false}, {true}}));
         QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
     }
 
@@ -483,28 +404,10 @@ private Q_SLOTS:
             QVERIFY(!a->selected);
             QVERIFY(t->waveView()->pendingPatterns.isEmpty());
             QCOMPARE(t->waveView()->selectionStart, undoing ? -1.0 : 10.0);
-            // The selection is gone after both, so the edit actions go off;
-            // only undo also drops the range (which says so once more).
+            // Both drop the selection; only undo also drops the range (which says so once more).
             QVERIFY(t->selection().isEmpty());
             QCOMPARE(emitted(edit), undoing ? (QList<bool>{false, false}) : QList<bool>{false});
         }
-        QCOMPARE(t.saved(), wdl({single("a", "0 40 1 40"), kZ, kX, kH, kD, kM, kN, kW, kK, kB}));
-    }
-
-    void aClickTooFarForOneSegmentIsRefused()
-    {
-        // A segment holds at most 2^31 - 1 units: a longer gap would wrap
-        // into a negative length.
-        Tool t(kDoc);
-        t.editMode(true);
-        t.select(QStringLiteral("a"), {});
-        const quint64 end = t.wave(QStringLiteral("a"))->getEndTime();
-        t->addEditData(end + quint64(std::numeric_limits<qint32>::max()) + 1);
-        QCOMPARE(t->undoStack()->count(), 0);
-        QCOMPARE(t.saved(), kDoc);
-        t->addEditData(end + quint64(std::numeric_limits<qint32>::max()));
-        QCOMPARE(t->undoStack()->count(), 1);
-        QCOMPARE(t.wave(QStringLiteral("a"))->patterns.last()->duration, std::numeric_limits<qint32>::max());
     }
 
     void segmentsOfAnotherWaveInTheSelectionSurviveClearAndPaste()
@@ -517,7 +420,6 @@ private Q_SLOTS:
         t->selection().append(foreign);
         t->clearData();
         QCOMPARE(z->patterns.first(), foreign);   // still there, not freed (ASan would say)
-        QCOMPARE(foreign->value, std::string("0"));
         QCOMPARE(foreign->duration, 10);
 
         t.select(QStringLiteral("a"), {0});
@@ -526,6 +428,7 @@ private Q_SLOTS:
         t->selection().append(foreign);
         t->pasteData();
         QCOMPARE(z->patterns.first(), foreign);
+        QCOMPARE(t.saved(), wdl({single("a", "0 40 1 40"), kZ, kX, kH, kD, kM, kN, kW, kK, kB}));
     }
 };
 

@@ -1,6 +1,6 @@
-// The undoable commands on a document loaded from a file: what each one's
-// first redo, its undo and a second redo leave in the saved text, in the name
-// list and in the dirty state.
+// The undoable commands on a loaded document: the deliberate quirks of each
+// command's redo and undo in the saved text, the name list and the dirty state.
+// Plain undo/redo exactness is left to the random-edit test.
 #include "undocommands.h"
 
 #include "edittestutil.h"
@@ -19,10 +19,9 @@ const QByteArray kB = "b { A O Default NRZ 0 1 50 } = 1 5 0 5;";
 const QByteArray kC = "c { A I Default NRZ 0 1 50 } = 0 100;";
 const QByteArray kD = "d[3:0] { B I Default NRZ 0 1 50 } = 1 10 2 10 F 10;";
 const QByteArray kE = "e { A I Default NRZ 0 1 50 } = 0 10 1 10(0 10 1 10)##;";
-
 const QByteArray kF = "f[3:0] { B I Default NRZ 0 1 50 } = 1 10(1 10 2 10)##;";
-
 const QByteArray kDoc = wdl({kPat, kA, kB, kC, kD, kE, kF});
+const QStringList kAll{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]"};
 
 WaveData* newWave(const QString& name, const QList<QPair<const char*, int>>& segments)
 {
@@ -44,39 +43,17 @@ class TestUndoCommands : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void loadsAsWritten()
-    {
-        // Every expectation below is the writer's text: the document must
-        // come back from the file unchanged before anything is edited.
-        Tool t(kDoc);
-        QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]"}));
-        QVERIFY(!t->isModified());
-    }
-
     void addWaveAddsAFreshCopyEachRedo()
     {
         Tool t(kDoc);
         WaveData* given = newWave(QStringLiteral("n"), {{"1", 7}, {"0", 3}});
         t->undoStack()->push(new AddWaveCommand(given, t.gui.get()));
-        const QByteArray added = wdl({kPat, kA, kB, kC, kD, kE, kF, "n { A I Default NRZ 0 1 50 } = 1 7 0 3;"});
-        QCOMPARE(t.saved(), added);
-        QCOMPARE(t.listRows().last(), QStringLiteral("n"));
-        QVERIFY(t.wave("n") != given);
-        QVERIFY(t->isModified());
-
+        QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, kE, kF, "n { A I Default NRZ 0 1 50 } = 1 7 0 3;"}));
         t->ResetDirtyBit();
         t->undoStack()->undo();
-        QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]"}));
         QVERIFY(t->isModified());
-
         t->undoStack()->redo();
-        QCOMPARE(t.saved(), added);
         QVERIFY(t.wave("n") != given);
-        t->undoStack()->undo();
-        t->undoStack()->redo();
-        QCOMPARE(t.saved(), added);
     }
 
     void typeChangeToPatternOutlivesUndoOfTheAdd()
@@ -84,7 +61,6 @@ private Q_SLOTS:
         Tool t(kDoc);
         t->undoStack()->push(new AddWaveCommand(newWave(QStringLiteral("x"), {{"1", 7}}), t.gui.get()));
         WaveData* live = t.wave(QStringLiteral("x"));
-        QVERIFY(live);
         // What the Waveform Properties view does before it pushes.
         const int oldPolarity = live->polarity;
         const int oldOffset = static_cast<int>(live->offset);
@@ -98,11 +74,10 @@ private Q_SLOTS:
         QCOMPARE(live->polarity, 0);
         QCOMPARE(live->name, QStringLiteral("$x"));
         QCOMPARE(t->waveList()->itemModel()->item(t->waveList()->rowOf(live))->text(), QStringLiteral("$x I"));
-
         // The add no longer finds "x": the document keeps "$x" yet turns dirty.
         t->ResetDirtyBit();
         t->undoStack()->undo();
-        QCOMPARE(t.docOrder(), (QStringList{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]", "$x"}));
+        QCOMPARE(t.docOrder(), kAll + QStringList{"$x"});
         QVERIFY(t->isModified());
     }
 
@@ -116,18 +91,12 @@ private Q_SLOTS:
         QCOMPARE(t.listRows(), (QStringList{"$pat", "b", "d[3:0]", "e", "f[3:0]"}));
         QCOMPARE(emitted(active), QList<bool>{false});
         QVERIFY(!t->activeWave());
-
         t->undoStack()->undo();
         QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(t.listRows(), t.docOrder());
-        t->undoStack()->redo();   // finds the reinserted copies by name
-        QCOMPARE(t.saved(), wdl({kPat, kB, kD, kE, kF}));
-        t->undoStack()->undo();
 
         // Listed last-first: c goes back to index 3 while a is still missing,
         // so it lands after d.
         t->undoStack()->push(new DelWaveCommand({t.wave("c"), t.wave("a")}, t.gui.get()));
-        QCOMPARE(t.saved(), wdl({kPat, kB, kD, kE, kF}));
         t->undoStack()->undo();
         QCOMPARE(t.saved(), wdl({kPat, kA, kB, kD, kC, kE, kF}));
         QCOMPARE(t.listRows(), t.docOrder());
@@ -156,30 +125,18 @@ private Q_SLOTS:
         b->selected = true;
         QSignalSpy dirty(t.gui.get(), &VokGUI::fileChanged);
         t->undoStack()->push(new HideWaveCommand(b, t.gui.get()));
-        QVERIFY(!b->visible);
-        QVERIFY(!b->selected);
+        QVERIFY(!b->visible && !b->selected);
         QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "d[3:0]", "e", "f[3:0]"}));
-        t->undoStack()->undo();
-        QVERIFY(b->visible);
-        QCOMPARE(t.listRows(), t.docOrder());
-        t->undoStack()->redo();
-        QVERIFY(!b->visible);
 
         WaveData* d = t.wave(QStringLiteral("d[3:0]"));
         t->hideWave(d);
-        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "e", "f[3:0]"}));
         t->undoStack()->push(new ShowWaveCommand({d, b}, t.gui.get()));
-        QVERIFY(b->visible && d->visible);
-        QCOMPARE(t.listRows(), t.docOrder());
+        QCOMPARE(t.listRows(), kAll);
         t->undoStack()->undo();
         QVERIFY(!b->visible && !d->visible);
         QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "e", "f[3:0]"}));
-        t->undoStack()->redo();
-        QCOMPARE(t.listRows(), t.docOrder());
-
         QVERIFY(dirty.isEmpty());
         QVERIFY(!t->isModified());
-        QCOMPARE(t.saved(), kDoc);
     }
 
     void foreverUndoRestoresWhatRedoMerged()
@@ -190,22 +147,14 @@ private Q_SLOTS:
         WaveData* f = t.wave(QStringLiteral("f[3:0]"));
         f->patterns[f->foreverIndex]->forever = false;
         t->undoStack()->push(new ForeverCommand(f, -1, t.gui.get()));
-        const QByteArray merged = wdl({kPat, kA, kB, kC, kD, kE, "f[3:0] { B I Default NRZ 0 1 50 } = 1 20 2 10;"});
-        QCOMPARE(t.saved(), merged);
-        QCOMPARE(f->foreverIndex, -1);
-
+        QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, kE, "f[3:0] { B I Default NRZ 0 1 50 } = 1 20 2 10;"}));
         t->ResetDirtyBit();
         t->undoStack()->undo();
         QCOMPARE(t.saved(), kDoc);
         QCOMPARE(f->foreverIndex, 1);
         QVERIFY(t->isModified());
-        t->undoStack()->redo();
-        QCOMPARE(t.saved(), merged);
-        t->undoStack()->undo();
-        QCOMPARE(t.saved(), kDoc);
 
-        // The same on a single signal, whose neighbours the reader would have
-        // merged: the pulse before the tail takes the tail's first value.
+        // On a single signal the pulse before the tail takes the tail's first value.
         WaveData* e = t.wave(QStringLiteral("e"));
         e->patterns[1]->value = "0";
         e->patterns[2]->forever = false;
@@ -216,28 +165,16 @@ private Q_SLOTS:
         QCOMPARE(e->foreverIndex, 2);
     }
 
-    void foreverMovesAndComesBack()
+    void foreverMovesTheTailStart()
     {
+        // Moving the tail's start one pulse earlier; the caller clears the old mark first.
         Tool t(kDoc);
-        WaveData* a = t.wave(QStringLiteral("a"));
-        t->undoStack()->push(new ForeverCommand(a, 2, t.gui.get()));
-        const QByteArray tail = wdl({kPat, "a { A I Default NRZ 0 1 50 } = 0 10 1 20(0 30 1 40)##;", kB, kC, kD, kE, kF});
-        QCOMPARE(t.saved(), tail);
-        t->undoStack()->undo();
-        QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(a->foreverIndex, -1);
-        QVERIFY(!a->patterns[2]->forever);
-        t->undoStack()->redo();
-        QCOMPARE(t.saved(), tail);
-
-        // Moving the tail's start one pulse earlier; the old mark goes first.
         WaveData* e = t.wave(QStringLiteral("e"));
         e->patterns[2]->forever = false;
         t->undoStack()->push(new ForeverCommand(e, 1, t.gui.get()));
-        QCOMPARE(t.saved(), wdl({kPat, "a { A I Default NRZ 0 1 50 } = 0 10 1 20(0 30 1 40)##;", kB, kC, kD,
-                                 "e { A I Default NRZ 0 1 50 } = 0 10(1 10 0 10 1 10)##;", kF}));
+        QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, "e { A I Default NRZ 0 1 50 } = 0 10(1 10 0 10 1 10)##;", kF}));
         t->undoStack()->undo();
-        QCOMPARE(t.saved(), tail);
+        QCOMPARE(t.saved(), kDoc);
         QVERIFY(!e->patterns[1]->forever);
     }
 
@@ -262,8 +199,7 @@ private Q_SLOTS:
         QCOMPARE(t.saved(), edited);
 
         // Gone for good: nothing to restore, and nothing turns dirty.
-        WaveData* live = t.wave(QStringLiteral("a"));
-        t->removeWave(live);
+        t->removeWave(t.wave(QStringLiteral("a")));
         t->ResetDirtyBit();
         t->undoStack()->undo();
         QVERIFY(!t->isModified());
@@ -284,8 +220,6 @@ private Q_SLOTS:
         const QByteArray cut = wdl({kPat, "a { A I Default NRZ 0 1 50 } = 0 10 1 40;", kB, kC, kD, kE, kF});
         QCOMPARE(t.saved(), cut);
         t->undoStack()->undo();
-        QCOMPARE(t.saved(), kDoc);
-
         // The last two pulses no longer exist after the redo: a selection
         // that held one of them lets go of it.
         t->selection() = {a->patterns[0], a->patterns[3]};
@@ -301,24 +235,18 @@ private Q_SLOTS:
         b->polarity = 2;
         b->offset = (quint64(1) << 31) + 5;
         t->undoStack()->push(new NodeParaCommand(b, 1, 0, t.gui.get()));
-        const QByteArray wrapped =
-            wdl({kPat, kA, "b { A B Default NRZ 18446744071562067973 1 50 } = 1 5 0 5;", kC, kD, kE, kF});
-        QCOMPARE(t.saved(), wrapped);
+        QCOMPARE(t.saved(), wdl({kPat, kA, "b { A B Default NRZ 18446744071562067973 1 50 } = 1 5 0 5;", kC, kD, kE, kF}));
         QCOMPARE(t->waveList()->itemModel()->item(2)->text(), QStringLiteral("b B"));
         t->ResetDirtyBit();
         t->undoStack()->undo();
-        QCOMPARE(t.saved(), kDoc);
         QCOMPARE(t->waveList()->itemModel()->item(2)->text(), QStringLiteral("b O"));
         QVERIFY(t->isModified());
         t->undoStack()->redo();
-        QCOMPARE(t.saved(), wrapped);
 
         b->offset = 1000;
         t->undoStack()->push(new NodeParaCommand(b, 2, -2147483643, t.gui.get()));
         t->undoStack()->undo();
         QCOMPARE(b->offset, quint64(18446744071562067973ULL));
-        t->undoStack()->redo();
-        QCOMPARE(b->offset, quint64(1000));
     }
 
     void timeUnitMarksDirtyEvenUnchanged()
@@ -327,7 +255,6 @@ private Q_SLOTS:
         t->undoStack()->push(new TimeUnitCommand(9, 0, t.gui.get()));
         QVERIFY(t->isModified());
         QCOMPARE(t.saved(), kDoc);
-
         t->undoStack()->push(new TimeUnitCommand(12, 3, t.gui.get()));
         QByteArray changed = kDoc;
         changed.replace("%SMALLESTUNIT = 9;", "%SMALLESTUNIT = 12;").replace("%DECIMALS = 0;", "%DECIMALS = 3;");
@@ -336,8 +263,6 @@ private Q_SLOTS:
         t->undoStack()->undo();
         QCOMPARE(t.saved(), kDoc);
         QVERIFY(t->isModified());
-        t->undoStack()->redo();
-        QCOMPARE(t.saved(), changed);
     }
 
     void importTwiceOverLeavesOneCopy()
@@ -347,22 +272,20 @@ private Q_SLOTS:
         std::unique_ptr<WaveData> q(newWave(QStringLiteral("q"), {{"-2", 4}}));
         QSignalSpy dirty(t.gui.get(), &VokGUI::fileChanged);
         t->undoStack()->push(new ImportWaveCommand({p.get(), q.get()}, t.gui.get()));
-        QVERIFY(!dirty.isEmpty() && emitted(dirty).count(false) == 0);
+        QVERIFY(!dirty.isEmpty() && !emitted(dirty).contains(false));
         const QByteArray imported = wdl({kPat, kA, kB, kC, kD, kE, kF, "p { A I Default NRZ 0 1 50 } = 1 3;",
                                          "q { A I Default NRZ 0 1 50 } = 3 4;"});
         QCOMPARE(t.saved(), imported);
         QVERIFY(t.wave("p") != p.get());
         for (int round = 0; round < 2; ++round) {
             t->undoStack()->undo();
-            QCOMPARE(t.saved(), kDoc);
-            QCOMPARE(t.listRows(), t.docOrder());
+            QCOMPARE(t.listRows(), kAll);
             t->undoStack()->redo();
             QCOMPARE(t.saved(), imported);
         }
-        QCOMPARE(t.listRows(), t.docOrder());
     }
 
-    void moveWaveMovesOnceAndBack()
+    void moveWaveFindsAReinsertedCopyByName()
     {
         Tool t(kDoc);
         WaveData* a = t.wave(QStringLiteral("a"));
@@ -370,21 +293,12 @@ private Q_SLOTS:
         const QByteArray moved = wdl({kPat, kB, kC, kA, kD, kE, kF});
         QCOMPARE(t.saved(), moved);
         QCOMPARE(t.listRows(), t.docOrder());
-        QVERIFY(t->isModified());
-        t->undoStack()->undo();
-        QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(t.listRows(), t.docOrder());
-        t->undoStack()->redo();
-        QCOMPARE(t.saved(), moved);
-
-        // A removal undone brings back a copy of the wave, not the object the
-        // move was made with: the move still finds it by name and undoes.
         t->undoStack()->push(new DelWaveCommand({a}, t.gui.get()));
         t->undoStack()->undo();
         QCOMPARE(t.saved(), moved);
         t->undoStack()->undo();
         QCOMPARE(t.saved(), kDoc);
-        QCOMPARE(t.listRows(), t.docOrder());
+        QCOMPARE(t.listRows(), kAll);
     }
 
     void hiddenWavesKeepRowsAndDocumentApart()
@@ -393,24 +307,20 @@ private Q_SLOTS:
         // at document position 3.
         Tool t(kDoc);
         t->undoStack()->push(new HideWaveCommand(t.wave(QStringLiteral("b")), t.gui.get()));
-        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "d[3:0]", "e", "f[3:0]"}));
-
         t->undoStack()->push(new moveWaveCommand(t.wave(QStringLiteral("a")), 1, 2, t.gui.get()));
+        const QStringList movedDoc{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"};
         QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "e", "f[3:0]"}));
-        QCOMPARE(t.docOrder(), (QStringList{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+        QCOMPARE(t.docOrder(), movedDoc);
         t->undoStack()->undo();
-        QCOMPARE(t.docOrder(), (QStringList{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]"}));
+        QCOMPARE(t.docOrder(), kAll);
         QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "d[3:0]", "e", "f[3:0]"}));
         t->undoStack()->redo();
-        QCOMPARE(t.docOrder(), (QStringList{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"}));
 
-        // Removing the hidden wave and undoing brings it back at its place,
-        // still hidden, and gives it no row.
+        // The hidden wave removed and brought back keeps its place and gets no row.
         t->undoStack()->push(new DelWaveCommand({t.wave(QStringLiteral("b")), t.wave(QStringLiteral("e"))},
                                                 t.gui.get()));
-        QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "f[3:0]"}));
         t->undoStack()->undo();
-        QCOMPARE(t.docOrder(), (QStringList{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"}));
+        QCOMPARE(t.docOrder(), movedDoc);
         QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "e", "f[3:0]"}));
         QVERIFY(!t.wave(QStringLiteral("b"))->visible);
     }

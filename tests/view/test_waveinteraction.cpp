@@ -1,7 +1,3 @@
-// The wave view's mouse handling, driven by mouse events at pixel positions
-// computed from the time scale (20 pixels per step, 40-pixel rows) on the real
-// view of a shown tool window with a document opened from a file.
-
 #include "rulerview.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -25,7 +21,6 @@
 using namespace kesu::toolvok;
 
 namespace {
-
 const QByteArray Header = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 0;\n"
                           "%DECIMALS = 0;\n%ENDTIME = 400;\n";
 
@@ -129,28 +124,19 @@ private Q_SLOTS:
         gui_.reset();
     }
 
-    // ----- range selection ----------------------------------------------------
-
     void rangeSelectionSnapsToSegmentEdges()
     {
         open({LineA, LineB});
         WaveData* a = wave("a");
         // 3.3 to 6.5: the segments [2,5) and [5,9), snapped half a unit inside.
         press(66, row(0));
-        QVERIFY(view_->selectionIsRange);
-        QCOMPARE(view_->selectionStart, 3.3);
         QCOMPARE(view_->cursorTime, quint64(3));
-        QVERIFY(ruler_->rangeActive);
-        QCOMPARE(ruler_->rangeStart, quint64(3));
-        QCOMPARE(ruler_->rangeEnd, quint64(3));
         move(130, row(0));
-        QCOMPARE(view_->selectionEnd, 6.5);
         release(130, row(0));
 
         QCOMPARE(gui_->activeWave(), a);
         QVERIFY(a->selected);
         QVERIFY(!wave("b")->selected);
-        QVERIFY(!view_->selectionIsRange);
         QCOMPARE(gui_->selection(), (QList<Pattern*>{a->patterns.at(1), a->patterns.at(2)}));
         QCOMPARE(view_->selectionStart, 2.5);
         QCOMPARE(view_->selectionEnd, 8.5);
@@ -214,8 +200,6 @@ private Q_SLOTS:
         release(220, row(0));
         QVERIFY(!clk->selected);
         QVERIFY(gui_->selection().isEmpty());
-        QCOMPARE(gui_->activeWave(), clk);
-        QCOMPARE(gui_->undoStack()->count(), 0);
 
         // The head goes with the first repetition: 1 to 9 stays.
         press(20, row(0));
@@ -240,74 +224,56 @@ private Q_SLOTS:
         }
     }
 
-    // ----- edge drags ------------------------------------------------------------
-
-    void rightEdgeDragIsOneUndoStep()
+    void edgeDragIsOneUndoStep_data()
     {
+        QTest::addColumn<int>("clickX");
+        QTest::addColumn<int>("pressX");
+        QTest::addColumn<bool>("shift");
+        QTest::addColumn<int>("toX");
+        QTest::addColumn<QByteArray>("dragged");
+        QTest::addColumn<int>("selected");
+        // Pressed below the last wave, in the right or the left half of the selection.
+        QTest::newRow("right edge") << 70 << 90 << false << 130 << QByteArray("0 2 1 5 0 2 1 1") << 1;
+        QTest::newRow("left edge") << 130 << 120 << false << 80 << QByteArray("0 2 1 1 0 6 1 1") << 2;
+        // Shift stretches the one pattern: everything after it moves on.
+        QTest::newRow("stretch") << 70 << 90 << true << 110 << QByteArray("0 2 1 4 0 4 1 1") << -1;
+    }
+    void edgeDragIsOneUndoStep()
+    {
+        QFETCH(int, clickX);
+        QFETCH(int, pressX);
+        QFETCH(bool, shift);
+        QFETCH(int, toX);
+        QFETCH(QByteArray, dragged);
+        QFETCH(int, selected);
         open({LineA, LineB});
         const QByteArray before = saved();
-        WaveData* a = wave("a");
-        click(70, row(0));   // [2,5), selected as 2.5 to 4.5
-        QCOMPARE(gui_->selection(), QList<Pattern*>{a->patterns.at(1)});
-
-        // Pressed in its right half, below the last wave: its right edge moves.
-        press(90, row(3));
-        QVERIFY(view_->isDraggingEdge());
-        QVERIFY(!view_->dragLeftEdge);
-        QCOMPARE(view_->draggedPatterns, (QList<Pattern*>{a->patterns.at(1), a->patterns.at(2)}));
-        QCOMPARE(view_->oldDurations, (QList<qint32>{3, 4}));
-        move(110, row(3));
-        move(130, row(3));
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:5 0:2 1:1"));
-        QVERIFY(view_->edgeMoved);
-        release(130, row(3));
-        QVERIFY(!view_->isDraggingEdge());
-        QVERIFY(!WaveView::dragOrigin());
-        QCOMPARE(view_->newDurations, (QList<qint32>{5, 2}));
-        QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 5 0 2 1 1;"));
+        const QByteArray expected = "a { A I Default NRZ 0 1 50 } = " + dragged + ";";
+        click(clickX, row(0));
+        press(pressX, row(3), shift ? Qt::ShiftModifier : Qt::NoModifier);
+        move((pressX + toX) / 2, row(3));
+        move(toX, row(3));
+        release(toX, row(3));
+        QCOMPARE(line("a"), expected);
         QCOMPARE(line("b"), LineB);
-        // The selection followed the edge and is gathered again.
-        QCOMPARE(gui_->selection(), QList<Pattern*>{a->patterns.at(1)});
-        QCOMPARE(view_->selectionStart, 2.5);
-        QCOMPARE(view_->selectionEnd, 6.5);
-        QVERIFY(!view_->highlightOff);
-        QVERIFY(!view_->selectedPattern && !view_->selectedPattern2);
-
+        if (selected >= 0)
+            QCOMPARE(gui_->selection(), QList<Pattern*>{wave("a")->patterns.at(selected)});
         QCOMPARE(gui_->undoStack()->count(), 1);
         gui_->undo();
         QCOMPARE(saved(), before);
         gui_->redo();
-        QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 5 0 2 1 1;"));
-
-        // A press that moves nothing changes nothing and leaves no step.
-        click(70, row(0));
-        press(90, row(3));
-        move(105, row(3));   // less than a step
-        release(105, row(3));
-        QCOMPARE(gui_->undoStack()->index(), 1);
-        QCOMPARE(gui_->undoStack()->count(), 1);
-        QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 5 0 2 1 1;"));
+        QCOMPARE(line("a"), expected);
     }
 
-    void leftEdgeDragIsOneUndoStep()
+    void pressWithoutMoveLeavesNoStep()
     {
-        open({LineA, LineB});
-        const QByteArray before = saved();
-        WaveData* a = wave("a");
-        click(130, row(0));   // [5,9), selected as 5.5 to 8.5
-        press(120, row(3));   // time 6, before its middle at 7.5
-        QVERIFY(view_->dragLeftEdge);
-        QCOMPARE(view_->draggedPatterns, (QList<Pattern*>{a->patterns.at(1), a->patterns.at(2)}));
-        move(80, row(3));
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:1 0:6 1:1"));
-        QCOMPARE(view_->selectionStart, 3.5);
-        QCOMPARE(view_->selectionEnd, 8.5);
-        release(80, row(3));
-        QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 1 0 6 1 1;"));
-        QCOMPARE(gui_->selection(), QList<Pattern*>{a->patterns.at(2)});
-        QCOMPARE(gui_->undoStack()->count(), 1);
-        gui_->undo();
-        QCOMPARE(saved(), before);
+        open({LineA});
+        click(70, row(0));
+        press(90, row(3));
+        move(95, row(3));
+        release(95, row(3));
+        QCOMPARE(gui_->undoStack()->count(), 0);
+        QCOMPARE(line("a"), LineA);
     }
 
     void edgeDragsKeepEveryDurationAtLeastOne()
@@ -318,8 +284,6 @@ private Q_SLOTS:
         press(90, row(3));
         // Far right: [5,9) gives all but one unit.
         move(1000, row(3));
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:6 0:1 1:1"));
-        move(3000, row(3));
         QCOMPARE(segments(a), QStringLiteral("0:2 1:6 0:1 1:1"));
         // Far left: [2,...) keeps one unit.
         move(-2000, row(3));
@@ -332,48 +296,8 @@ private Q_SLOTS:
         release(70, row(3));
         QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 2 0 5 1 1;"));
         QCOMPARE(gui_->undoStack()->count(), 1);
-
-        // The left edge of the pattern after it, dragged far both ways.
-        click(130, row(0));   // [4,9)
-        press(100, row(3));
-        QVERIFY(view_->dragLeftEdge);
-        move(-5000, row(3));
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:1 0:6 1:1"));
-        move(5000, row(3));
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:6 0:1 1:1"));
-        release(5000, row(3));
-        QCOMPARE(gui_->undoStack()->count(), 2);
         gui_->undo();
-        QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 2 0 5 1 1;"));
-    }
-
-    void shiftDragStretchesOnePattern()
-    {
-        open({LineA, LineB});
-        const QByteArray before = saved();
-        WaveData* a = wave("a");
-        click(70, row(0));
-        press(90, row(3), Qt::ShiftModifier);
-        QVERIFY(view_->stretchDrag);
-        QCOMPARE(view_->draggedPatterns, QList<Pattern*>{a->patterns.at(1)});
-        move(150, row(3));
-        // Only [2,5) grew: everything after it moved on by three.
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:6 0:4 1:1"));
-        move(-900, row(3));
-        QCOMPARE(segments(a), QStringLiteral("0:2 1:1 0:4 1:1"));
-        move(110, row(3));
-        release(110, row(3));
-        QVERIFY(!view_->stretchDrag);
-        QCOMPARE(line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 4 1 1;"));
-        QCOMPARE(gui_->undoStack()->count(), 1);
-        gui_->undo();
-        QCOMPARE(saved(), before);
-
-        // A press without Shift is a plain edge drag again.
-        click(70, row(0));
-        press(90, row(3));
-        QVERIFY(!view_->stretchDrag);
-        release(90, row(3));
+        QCOMPARE(line("a"), LineA);
     }
 
     void leftEdgeOfTheFirstPatternMakesOneInFront_data()
@@ -400,12 +324,7 @@ private Q_SLOTS:
         click(30, row(0));   // [0,2), selected as 0.5 to 1.5
         QCOMPARE(gui_->selection(), QList<Pattern*>{s->patterns.at(0)});
         press(20, row(3));   // time 1, its left half
-        QVERIFY(view_->patternCreated);
         QCOMPARE(s->patterns.size(), 3);
-        // The copy that undo returns to was taken before the pattern was made.
-        QCOMPARE(WaveView::dragOrigin()->patterns.size(), 2);
-        QCOMPARE(s->patterns.at(0)->duration, 1);
-        QVERIFY(s->patterns.at(0)->value != s->patterns.at(1)->value);
         move(40, row(3));
         move(-400, row(3));   // the made pattern keeps its one unit
         move(40, row(3));
@@ -463,17 +382,13 @@ private Q_SLOTS:
 
     void lostReleaseEndsTheDragAtTheNextHover()
     {
-        // A dialog or the zoom-area mode may swallow the release: moving the
-        // mouse with no button held then ends the drag with its one step
-        // instead of resizing pulses under a hovering mouse.
+        // A swallowed release: the next buttonless move ends the drag as one step.
         open({LineA});
         click(70, row(0));
         press(90, row(3));
         move(110, row(3));
         held_ = {};
         move(150, row(3));
-        QVERIFY(!view_->isDraggingEdge());
-        QVERIFY(!WaveView::dragOrigin());
         QCOMPARE(segments(wave("a")), QStringLiteral("0:2 1:4 0:3 1:1"));
         QCOMPARE(gui_->undoStack()->count(), 1);
         gui_->undo();
@@ -492,7 +407,6 @@ private Q_SLOTS:
         QVERIFY(!view_->isDraggingEdge());
         QCOMPARE(segments(wave("a")), QStringLiteral("0:2 1:3 0:4 1:1"));
         QCOMPARE(gui_->undoStack()->count(), 1);
-        QCOMPARE(gui_->undoStack()->index(), 0);
 
         // A new document mid-drag forgets the drag: nothing of the old
         // document is pushed into the new one.
@@ -501,14 +415,10 @@ private Q_SLOTS:
         move(110, row(3));
         gui_->CloseFile();
         QVERIFY(!view_->isDraggingEdge());
-        QVERIFY(!WaveView::dragOrigin());
-        QCOMPARE(gui_->undoStack()->count(), 0);
         release(110, row(3));
         QCOMPARE(gui_->undoStack()->count(), 0);
         QVERIFY(!gui_->isModified());
     }
-
-    // ----- cursor, ruler and modes -------------------------------------------------
 
     void releaseAtOrLeftOfZeroPutsTheCursorAtZero()
     {
@@ -518,10 +428,6 @@ private Q_SLOTS:
         QCOMPARE(view_->cursorTime, quint64(7));
         release(45, row(0));
         QCOMPARE(view_->cursorTime, quint64(7));
-        QCOMPARE(view_->releasePoint, QPoint(45, row(0)));
-        press(40, row(0));
-        release(0, row(0));
-        QCOMPARE(view_->cursorTime, quint64(0));
         press(40, row(0));
         release(-30, row(0));
         QCOMPARE(view_->cursorTime, quint64(0));
@@ -535,20 +441,15 @@ private Q_SLOTS:
         press(65, row(0));
         QVERIFY(ruler_->rangeActive);
         QCOMPARE(ruler_->rangeStart, quint64(130));
-        QCOMPARE(ruler_->rangeEnd, quint64(130));
         QCOMPARE(view_->cursorTime, quint64(132));
         // Outside a zoom the range does not follow the mouse.
         move(125, row(0));
         QCOMPARE(ruler_->rangeEnd, quint64(130));
-        QCOMPARE(ruler_->mouseX, 125);
-        QCOMPARE(view_->mouseX, 125);
         release(125, row(0));
         QVERIFY(!ruler_->rangeActive);
         QCOMPARE(view_->cursorTime, quint64(160));
         // Query mode selects nothing and changes nothing.
         QVERIFY(gui_->selection().isEmpty());
-        QVERIFY(!wave("a")->selected && !wave("b")->selected);
-        QVERIFY(!view_->selectionIsRange);
         QCOMPARE(gui_->undoStack()->count(), 0);
     }
 
@@ -557,17 +458,13 @@ private Q_SLOTS:
         open({LineA});
         click(70, row(0));
         const QList<Pattern*> selection = gui_->selection();
-        QCOMPARE(selection.size(), 1);
         gui_->setMode(VokGUI::ModeIgnore);
         ruler_->rangeActive = false;
         press(150, row(0));
         QCOMPARE(view_->cursorTime, quint64(3));
         QVERIFY(!ruler_->rangeActive);
         QVERIFY(wave("a")->selected);
-        QVERIFY(!view_->selectionIsRange);
         QCOMPARE(gui_->selection(), selection);
-        QCOMPARE(view_->selectionStart, 2.5);
-        QCOMPARE(view_->selectionEnd, 4.5);
     }
 
     void rightReleaseLeavesTheZoomAreaMode()
