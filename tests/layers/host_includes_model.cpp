@@ -1,0 +1,2 @@
+// Must not compile: the host knows no document.
+#include "waveformdata.h"

@@ -1,0 +1,2 @@
+// Must not compile: the host knows no tool.
+#include "vokgui.h"

@@ -1,0 +1,2 @@
+// Must not compile: the model knows no host.
+#include "basguitool.h"

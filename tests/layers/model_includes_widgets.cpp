@@ -1,0 +1,2 @@
+// Must not compile: the model has no widgets.
+#include <QWidget>
