@@ -10,8 +10,14 @@
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
-#include <QStyle>
 #include <QToolBar>
+
+// The icons live in a static library: without a reference to their
+// initialiser the linker drops them.
+static void initHostResources()
+{
+    Q_INIT_RESOURCE(host);
+}
 
 namespace kesu::toolvok {
 
@@ -20,42 +26,55 @@ namespace {
 struct SharedActionInfo {
     const char* name;
     const char* text;
-    const char* themeIcon;
-    QStyle::StandardPixmap fallbackIcon;
+    // The theme's icon; ours of that name when the theme has none.
+    const char* icon;
     QKeySequence::StandardKey key;
-    const char* extraKey;
+    // The key most desktops use, for when the platform gives none (a plain
+    // X session has no Save As key, for one).
+    const char* usualKey;
 };
 
-// The frame's standard commands, with the platform's shortcuts and icons.
+// The frame's standard commands.
 const SharedActionInfo sharedInfo[] = {
-    {"new", "&New", "document-new", QStyle::SP_FileIcon, QKeySequence::New, nullptr},
-    {"open", "&Open...", "document-open", QStyle::SP_DialogOpenButton, QKeySequence::Open, nullptr},
-    {"save", "&Save", "document-save", QStyle::SP_DialogSaveButton, QKeySequence::Save, nullptr},
-    {"save as", "Save &As...", "document-save-as", QStyle::SP_CustomBase, QKeySequence::SaveAs, nullptr},
-    {"page setup", "Page Set&up...", "document-page-setup", QStyle::SP_CustomBase, QKeySequence::UnknownKey, nullptr},
-    {"print preview", "Print Pre&view...", "document-print-preview", QStyle::SP_FileDialogContentsView, QKeySequence::UnknownKey, nullptr},
-    {"print", "&Print...", "document-print", QStyle::SP_CustomBase, QKeySequence::Print, nullptr},
-    {"close", "&Close", "window-close", QStyle::SP_DialogCloseButton, QKeySequence::Close, nullptr},
-    {"undo", "&Undo", "edit-undo", QStyle::SP_ArrowBack, QKeySequence::Undo, nullptr},
-    {"redo", "&Redo", "edit-redo", QStyle::SP_ArrowForward, QKeySequence::Redo, nullptr},
-    {"cut", "Cu&t", "edit-cut", QStyle::SP_CustomBase, QKeySequence::Cut, nullptr},
-    {"copy", "&Copy", "edit-copy", QStyle::SP_CustomBase, QKeySequence::Copy, nullptr},
-    {"paste", "&Paste", "edit-paste", QStyle::SP_CustomBase, QKeySequence::Paste, nullptr},
-    {"clear", "Cl&ear", "edit-delete", QStyle::SP_TrashIcon, QKeySequence::UnknownKey, nullptr},
-    {"zoom in", "Zoom &In", "zoom-in", QStyle::SP_CustomBase, QKeySequence::ZoomIn, nullptr},
-    {"zoom out", "Zoom &Out", "zoom-out", QStyle::SP_CustomBase, QKeySequence::ZoomOut, nullptr},
-    {"zoom fit", "Zoom &Fit", "zoom-fit-best", QStyle::SP_CustomBase, QKeySequence::UnknownKey, "Ctrl+0"},
-    {"zoom area", "Zoom &Area", "zoom-select", QStyle::SP_CustomBase, QKeySequence::UnknownKey, nullptr},
-    {"refresh", "&Refresh", "view-refresh", QStyle::SP_BrowserReload, QKeySequence::Refresh, nullptr},
-    {"detach", "&Detach", "window-new", QStyle::SP_TitleBarNormalButton, QKeySequence::UnknownKey, nullptr},
-    {"attach", "A&ttach", "window", QStyle::SP_TitleBarMinButton, QKeySequence::UnknownKey, nullptr},
-    {"about", "&About...", "help-about", QStyle::SP_MessageBoxInformation, QKeySequence::UnknownKey, nullptr},
-    {"help", "&Help", "help-contents", QStyle::SP_DialogHelpButton, QKeySequence::HelpContents, nullptr},
+    {"new", "&New", "document-new", QKeySequence::New, "Ctrl+N"},
+    {"open", "&Open...", "document-open", QKeySequence::Open, "Ctrl+O"},
+    {"save", "&Save", "document-save", QKeySequence::Save, "Ctrl+S"},
+    {"save as", "Save &As...", "document-save-as", QKeySequence::SaveAs, "Ctrl+Shift+S"},
+    {"page setup", "Page Set&up...", "document-page-setup", QKeySequence::UnknownKey, nullptr},
+    {"print preview", "Print Pre&view...", "document-print-preview", QKeySequence::UnknownKey, nullptr},
+    {"print", "&Print...", "document-print", QKeySequence::Print, "Ctrl+P"},
+    {"close", "&Close", "window-close", QKeySequence::Close, "Ctrl+W"},
+    {"undo", "&Undo", "edit-undo", QKeySequence::Undo, "Ctrl+Z"},
+    {"redo", "&Redo", "edit-redo", QKeySequence::Redo, "Ctrl+Shift+Z"},
+    {"cut", "Cu&t", "edit-cut", QKeySequence::Cut, "Ctrl+X"},
+    {"copy", "&Copy", "edit-copy", QKeySequence::Copy, "Ctrl+C"},
+    {"paste", "&Paste", "edit-paste", QKeySequence::Paste, "Ctrl+V"},
+    {"clear", "Cl&ear", "edit-delete", QKeySequence::UnknownKey, nullptr},
+    {"zoom in", "Zoom &In", "zoom-in", QKeySequence::ZoomIn, "Ctrl++"},
+    {"zoom out", "Zoom &Out", "zoom-out", QKeySequence::ZoomOut, "Ctrl+-"},
+    {"zoom fit", "Zoom &Fit", "zoom-fit-best", QKeySequence::UnknownKey, "Ctrl+0"},
+    {"zoom area", "Zoom &Area", "zoom-select", QKeySequence::UnknownKey, nullptr},
+    {"refresh", "&Refresh", "view-refresh", QKeySequence::Refresh, "F5"},
+    {"detach", "&Detach", "window-new", QKeySequence::UnknownKey, nullptr},
+    {"attach", "A&ttach", "window", QKeySequence::UnknownKey, nullptr},
+    {"about", "&About...", "help-about", QKeySequence::UnknownKey, nullptr},
+    {"help", "&Help", "help-contents", QKeySequence::HelpContents, "F1"},
 };
+
+QIcon ownIcon(const char* name)
+{
+    QIcon icon;
+    for (const int size : {22, 32})
+        icon.addFile(QStringLiteral(":/host/images/%1/%2.png").arg(size).arg(QLatin1String(name)), QSize(size, size));
+    return icon;
+}
 
 } // namespace
 
-BasGUITool::BasGUITool(QWidget* parent, bool standalone) : QMainWindow(parent), m_standalone(standalone) {}
+BasGUITool::BasGUITool(QWidget* parent, bool standalone) : QMainWindow(parent), m_standalone(standalone)
+{
+    initHostResources();
+}
 
 BasGUITool::~BasGUITool() = default;
 
@@ -93,14 +112,11 @@ void BasGUITool::createSharedActions()
     for (const auto& info : sharedInfo) {
         auto* action = new QAction(QString::fromLatin1(info.text), this);
         action->setObjectName(QLatin1String(info.name));
-        QIcon icon = QIcon::fromTheme(QLatin1String(info.themeIcon));
-        if (icon.isNull() && info.fallbackIcon != QStyle::SP_CustomBase)
-            icon = style()->standardIcon(info.fallbackIcon);
-        action->setIcon(icon);
+        action->setIcon(QIcon::fromTheme(QLatin1String(info.icon), ownIcon(info.icon)));
         if (info.key != QKeySequence::UnknownKey)
             action->setShortcuts(info.key);
-        else if (info.extraKey)
-            action->setShortcut(QKeySequence(QLatin1String(info.extraKey)));
+        if (action->shortcuts().isEmpty() && info.usualKey)
+            action->setShortcut(QKeySequence(QLatin1String(info.usualKey)));
         m_sharedActions.insert(QLatin1String(info.name), action);
     }
     if (QAction* zoomArea = m_sharedActions.value(QStringLiteral("zoom area")))

@@ -1,0 +1,135 @@
+// The frame a stand-alone tool gets from the host: shared actions with icons
+// and keys even without a desktop theme, and menus and tool bars built from
+// the lists the tool returns.
+#include "basguitool.h"
+
+#include <QAction>
+#include <QMenuBar>
+#include <QSignalSpy>
+#include <QToolBar>
+#include <QToolButton>
+#include <QtTest>
+
+#include "sandboxedtestmain.h"
+
+using namespace kesu::toolvok;
+
+namespace {
+
+// A tool that asks for every shared action on its tool bar, some in menus,
+// and brings one action of its own.
+class BareTool : public BasGUITool
+{
+public:
+    BareTool() : BasGUITool(nullptr, true), m_own(new QAction(QStringLiteral("Own"), this)) {}
+
+    QStringList* stdMenuItems(StdMenu m) override
+    {
+        m_menu = m == FileMenu ? QStringList{"new", "save as"} : m == HelpMenu ? QStringList{"about"} : QStringList();
+        return &m_menu;
+    }
+    QList<QAction*>* myMenuItems(StdMenu m) override
+    {
+        m_ownItems = m == FileMenu || m == EditMenu ? QList<QAction*>{m_own} : QList<QAction*>();
+        return &m_ownItems;
+    }
+    QStringList* stdToolbarButtons() override
+    {
+        m_buttons = sharedActionNames();
+        return &m_buttons;
+    }
+    bool needSpecialToolBar() const override { return true; }
+
+    QAction* m_own;
+
+private:
+    QStringList m_menu, m_buttons;
+    QList<QAction*> m_ownItems;
+};
+
+QStringList texts(const QList<QAction*>& actions)
+{
+    QStringList list;
+    for (const QAction* a : actions)
+        list << (a->isSeparator() ? QStringLiteral("|") : a->text().remove(QLatin1Char('&')));
+    return list;
+}
+
+} // namespace
+
+class TestFrame : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void actionsHaveIconsWithoutATheme()
+    {
+        BareTool tool;
+        QVERIFY(tool.initialize());
+        QCOMPARE(tool.sharedActions().size(), BasGUITool::sharedActionNames().size());
+        for (QAction* action : tool.sharedActions()) {
+            for (const int size : {16, 22, 24, 32})
+                QVERIFY2(!action->icon().pixmap(size).isNull(), qPrintable(action->objectName()));
+        }
+        // Every button of the tool bar shows its icon, not its text.
+        auto* bar = tool.findChild<QToolBar*>(QStringLiteral("standardToolBar"));
+        QVERIFY(bar);
+        QCOMPARE(bar->actions().size(), BasGUITool::sharedActionNames().size());
+        for (QAction* action : bar->actions()) {
+            auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action));
+            QVERIFY(button);
+            QCOMPARE(button->toolButtonStyle(), Qt::ToolButtonIconOnly);
+            QVERIFY2(!button->icon().isNull(), qPrintable(action->objectName()));
+        }
+    }
+
+    void keysWithoutAPlatformBinding_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QKeySequence>("key");
+        // Offscreen, like a plain X session, has no Save As binding.
+        QTest::newRow("save as") << "save as" << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S);
+        QTest::newRow("zoom fit") << "zoom fit" << QKeySequence(Qt::CTRL | Qt::Key_0);
+        QTest::newRow("save") << "save" << QKeySequence(Qt::CTRL | Qt::Key_S);
+        QTest::newRow("zoom in") << "zoom in" << QKeySequence(Qt::CTRL | Qt::Key_Plus);
+        QTest::newRow("refresh") << "refresh" << QKeySequence(Qt::Key_F5);
+    }
+    void keysWithoutAPlatformBinding()
+    {
+        QFETCH(QString, action);
+        QFETCH(QKeySequence, key);
+        BareTool tool;
+        tool.initialize();
+        tool.show();
+        tool.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&tool));
+        QSignalSpy triggered(tool.sharedAction(action), &QAction::triggered);
+        QTest::keySequence(&tool, key);
+        QCOMPARE(triggered.size(), 1);
+    }
+
+    void menusAndToolBarsFollowTheToolsLists()
+    {
+        BareTool tool;
+        tool.initialize();
+        QStringList menus;
+        for (QAction* menu : tool.menuBar()->actions())
+            menus << menu->text().remove(QLatin1Char('&')) + QStringLiteral(": ")
+                    + texts(menu->menu()->actions()).join(QLatin1Char(' '));
+        // Shared actions first, then a separator and the tool's own; menus
+        // with nothing in them are left out.
+        QCOMPARE(menus, (QStringList{"File: New Save As... | Own", "Edit: Own", "Help: About..."}));
+        QCOMPARE(tool.findChild<QMenu*>(QStringLiteral("menu0"))->actions().at(1), tool.sharedAction("save as"));
+
+        tool.addButtonOnSpecialToolBar(tool.m_own);
+        tool.addSeparatorOnSpecialToolBar();
+        QCOMPARE(texts(tool.specialToolBar()->actions()), (QStringList{"Own", "|"}));
+        // Built once, however often the host initialises.
+        tool.initialize();
+        QCOMPARE(tool.menuBar()->actions().size(), 3);
+    }
+};
+
+VOK_SANDBOXED_TEST_MAIN(TestFrame)
+
+#include "test_frame.moc"
