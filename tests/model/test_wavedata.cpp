@@ -20,58 +20,63 @@ class TestWaveData : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // Offset 100, segments of 10 and 20: [100,110] is the first, (110,130] the second.
+    // Segments of 10 and 20: [offset, offset+10] is the first, (offset+10, offset+30] the second.
     void lookups_data()
     {
+        QTest::addColumn<quint64>("offset");
         QTest::addColumn<quint64>("t");
         QTest::addColumn<int>("index");
         QTest::addColumn<quint64>("next");
-        QTest::newRow("before offset") << quint64(99) << -1 << quint64(110);   // the offset is no change point
-        QTest::newRow("offset") << quint64(100) << 0 << quint64(110);
-        QTest::newRow("boundary belongs to earlier") << quint64(110) << 0 << quint64(130);
-        QTest::newRow("after boundary") << quint64(111) << 1 << quint64(130);
-        QTest::newRow("end") << quint64(130) << 1 << NoTime;
-        QTest::newRow("after end") << quint64(131) << -1 << NoTime;
+        const quint64 high = quint64(1) << 63;   // times compare unsigned
+        QTest::newRow("before offset") << quint64(100) << quint64(99) << -1 << quint64(110);   // the offset is no change point
+        QTest::newRow("offset") << quint64(100) << quint64(100) << 0 << quint64(110);
+        QTest::newRow("boundary belongs to earlier") << quint64(100) << quint64(110) << 0 << quint64(130);
+        QTest::newRow("after boundary") << quint64(100) << quint64(111) << 1 << quint64(130);
+        QTest::newRow("end") << quint64(100) << quint64(130) << 1 << NoTime;
+        QTest::newRow("after end") << quint64(100) << quint64(131) << -1 << NoTime;
+        QTest::newRow("far, before") << high << high - 1 << -1 << high + 10;
+        QTest::newRow("far, second") << high << high + 15 << 1 << high + 30;
     }
     void lookups()
     {
+        QFETCH(quint64, offset);
         QFETCH(quint64, t);
         QFETCH(int, index);
         QFETCH(quint64, next);
-        auto w = makeWave("w", "0:10 1:20", 100);
+        auto w = makeWave("w", "0:10 1:20", offset);
         QCOMPARE(w->findPattern(t), index < 0 ? nullptr : w->patterns.at(index));
         QCOMPARE(w->getNextChange(t), next);
     }
 
-    void starts()
+    void endsAndStarts_data()
     {
-        auto w = makeWave("w", "0:10 1:20", 100);
-        QCOMPARE(w->getEndTime(), quint64(130));
-        QCOMPARE(w->getPatternStart(w->patterns.at(1)), quint64(110));
+        QTest::addColumn<QString>("segs");
+        QTest::addColumn<quint64>("offset");
+        QTest::addColumn<quint64>("end");
+        QTest::addColumn<quint64>("lastStart");
+        QTest::addColumn<QString>("lastValue");
+        QTest::newRow("plain") << "0:10 1:20" << quint64(100) << quint64(130) << quint64(110) << "1";
+        QTest::newRow("empty") << "" << quint64(42) << quint64(42) << NoTime << "-1";
+        // Durations are widened with their sign; times compare unsigned.
+        QTest::newRow("negative duration") << "0:10 1:-4 0:20" << quint64(100) << quint64(126) << quint64(106) << "0";
+        QTest::newRow("below zero wraps") << "0:-5" << quint64(0) << ~quint64(0) - 4 << quint64(0) << "0";
+    }
+    void endsAndStarts()
+    {
+        QFETCH(QString, segs);
+        QFETCH(quint64, offset);
+        QFETCH(quint64, end);
+        QFETCH(quint64, lastStart);
+        QFETCH(QString, lastValue);
+        auto w = makeWave("w", segs, offset);
+        QCOMPARE(w->getEndTime(), end);
+        QCOMPARE(w->getPatternStart(w->patterns.isEmpty() ? nullptr : w->patterns.last()), lastStart);
+        QCOMPARE(QString::fromStdString(w->getLastValue()), lastValue);
+        // Past the end there is neither a segment nor a change.
+        QCOMPARE(w->findPattern(end + 1), nullptr);
+        QCOMPARE(w->getNextChange(end), NoTime);
         Pattern stranger("0", 10);
         QCOMPARE(w->getPatternStart(&stranger), NoTime);
-        QCOMPARE(w->getLastValue(), std::string("1"));
-    }
-
-    void edgesOfTheTimeAxis()
-    {
-        auto empty = makeWave("e", "", 42);
-        QCOMPARE(empty->getEndTime(), quint64(42));
-        QCOMPARE(empty->getNextChange(0), NoTime);
-        QCOMPARE(empty->findPattern(42), nullptr);
-        QCOMPARE(empty->getLastValue(), std::string("-1"));
-
-        // Durations are widened with their sign; times compare unsigned.
-        auto w = makeWave("w", "0:10 1:-4 0:20", 100);
-        QCOMPARE(w->getEndTime(), quint64(126));
-        QCOMPARE(w->getPatternStart(w->patterns.at(2)), quint64(106));
-        QCOMPARE(makeWave("w", "0:-5")->getEndTime(), ~quint64(0) - 4);
-
-        const quint64 high = quint64(1) << 63;
-        auto far = makeWave("w", "0:10 1:10", high);
-        QCOMPARE(far->findPattern(high + 15), far->patterns.at(1));
-        QCOMPARE(far->findPattern(high - 1), nullptr);
-        QCOMPARE(far->getNextChange(0), high + 10);
     }
 
     void addData_data()
