@@ -14,14 +14,6 @@ using namespace modeltest;
 
 static const QString Attr = QStringLiteral(" { A I Default NRZ 0 1 50 } = ");
 
-// The segments of wave w after reading the text.
-static QString waveIn(const QString& text, const QString& name = QStringLiteral("w"))
-{
-    auto doc = load(text);
-    const WaveData* w = doc->findWavebyName(name);
-    return w ? segments(w) : QStringLiteral("<none>");
-}
-
 // Reads bytes as from a file.
 static std::unique_ptr<WaveformData> loadBytes(QByteArray bytes)
 {
@@ -104,6 +96,8 @@ private Q_SLOTS:
         QCOMPARE(p->polarity, 5);
         QCOMPARE(segments(p), QString("1:5 0:2"));
         QVERIFY(doc->waves.at(2)->patterns.isEmpty());
+        QCOMPARE(WaveformData::parseValues(QString::fromUtf8("\u3000a\u00a0 (b c)#2\u2029 d")),
+                 QStringList({"a", "(b c)#2", "d"}));
     }
 
     void busForms_data()
@@ -195,81 +189,66 @@ private Q_SLOTS:
         QCOMPARE(segments(w), expected);
     }
 
-    void lineHandling()
+    // Line ends, blanks, byte order marks and other encodings, as raw bytes
+    // read from a device or as text.
+    void rawText_data()
     {
-        const QString w1 = "w1" + Attr + "0 1;\n", w2 = "w2" + Attr + "1 1;\n";
-        // Continuation lines join without a separator.
-        QCOMPARE(waveIn("w" + Attr + "0 1\n0 1 5;\n"), QString("0:10 1:5"));
-        QCOMPARE(waveIn("w" + Attr + "0 1\n 1 5;\n"), QString("0:1 1:5"));
-        // An empty line ends the file, statement in progress included; a line
-        // of blanks does not.
-        QCOMPARE(load(w1 + "\n" + w2)->waves.size(), 1);
-        QCOMPARE(load("w" + Attr + "0 1\n\n 1 1;\n" + w2)->waves.size(), 0);
-        QCOMPARE(load(w1 + "   \t\n" + w2)->waves.size(), 2);
-        QCOMPARE(waveIn("w" + Attr + "0 1\n   \n 1 1;\n"), QString("0:1 1:1"));
-        // A ";" followed by blanks does not end the statement; the "1;" that
-        // then follows reads as a failed duration.
-        QCOMPARE(waveIn("w" + Attr + "0 1; \n 1 1;\n"), QString("1:1"));
-        // Without a final line feed the last statement still counts; trailing
-        // text without ";" does not.
-        QCOMPARE(load(w1 + "w2" + Attr + "1 1;\nw3" + Attr + "0 1")->waves.size(), 2);
-        // CR LF reads like LF, including the empty line that ends the file.
-        auto dos = load(QString(w1 + "w2" + Attr + "0 1\n 1 1;\n").replace("\n", "\r\n"));
-        QCOMPARE(dos->waves.size(), 2);
-        QCOMPARE(segments(dos->waves.at(1)), QString("0:1 1:1"));
-        QCOMPARE(load(QString(w1 + "\n" + w2).replace("\n", "\r\n"))->waves.size(), 1);
-    }
-
-    void encodings()
-    {
-        // Qt's trimming counts the no-break and ideographic spaces as white
-        // space, so they fall away around names and tokens; only the blank
-        // and the tab separate tokens. Other non-ASCII stays, as UTF-8.
-        auto doc = load(QString::fromUtf8("größe\u00a0 { A I Default NRZ 0 1 50 } =\u00a0\u00a01 5\u3000 0\u2028 5;\n"
-                                          "δ[1:0]") + Attr + QString::fromUtf8("é 3 \u00a0ä\u00a0 4;\n"));
-        QCOMPARE(doc->waves.size(), 2);
-        QCOMPARE(doc->waves.at(0)->name, QString::fromUtf8("größe"));
-        QCOMPARE(segments(doc->waves.at(0)), QString("1:5 0:5"));
-        QCOMPARE(doc->waves.at(1)->elements, QStringList({QString::fromUtf8("δ[1]"), QString::fromUtf8("δ[0]")}));
-        QCOMPARE(doc->waves.at(1)->patterns.at(0)->value, std::string("\xC3\xA9"));
-        QCOMPARE(segments(doc->waves.at(1)), QString::fromUtf8("é:3 ä:4"));
-        QCOMPARE(WaveformData::parseValues(QString::fromUtf8("\u3000a\u00a0 (b c)#2\u2029 d")),
-                 QStringList({"a", "(b c)#2", "d"}));
-
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("asText");
+        QTest::addColumn<QByteArray>("expected");   // see summary()
+        const QByteArray a = " { A I Default NRZ 0 1 50 } = ", w1 = "w1" + a + "0 1;\n", w2 = "w2" + a + "1 1;\n";
+        const QByteArray bom = "\xEF\xBB\xBF";
+        auto crlf = [](QByteArray b) { return b.replace("\n", "\r\n"); };
+        QTest::newRow("continuation joins") << "w" + a + "0 1\n0 1 5;\n" << true << QByteArray("w=0:10 1:5");
+        QTest::newRow("continuation after blank") << "w" + a + "0 1\n 1 5;\n" << true << QByteArray("w=0:1 1:5");
+        QTest::newRow("empty line ends the file") << w1 + "\n" + w2 << true << QByteArray("w1=0:1");
+        QTest::newRow("empty line inside") << "w" + a + "0 1\n\n 1 1;\n" + w2 << true << QByteArray("");
+        QTest::newRow("blank line goes on") << w1 + "   \t\n" + w2 << true << QByteArray("w1=0:1|w2=1:1");
+        QTest::newRow("blank line inside") << "w" + a + "0 1\n   \n 1 1;\n" << true << QByteArray("w=0:1 1:1");
+        // The "1;" after "; " reads as a failed duration.
+        QTest::newRow("; then blanks") << "w" + a + "0 1; \n 1 1;\n" << true << QByteArray("w=1:1");
+        QTest::newRow("no final line feed") << w1 + w2 + "w3" + a + "0 1" << true << QByteArray("w1=0:1|w2=1:1");
+        QTest::newRow("CR LF") << crlf(w1 + "w2" + a + "0 1\n 1 1;\n") << false << QByteArray("w1=0:1|w2=0:1 1:1");
+        QTest::newRow("CR LF empty line") << crlf(w1 + "\n" + w2) << true << QByteArray("w1=0:1");
+        QTest::newRow("tabs") << QByteArray("w\t{ A I Default NRZ 0 1 50 }\t=\t0\t5\t1\t5\r\n\t0 7;\r\n") << true
+                              << QByteArray("w=0:5 1:5 0:7");
+        // Only one CR comes off a line end; "5\r1" is a failed duration.
+        QTest::newRow("two CRs") << "w" + a + "1 5;\r\r\n" << true << QByteArray("");
+        QTest::newRow("CR inside") << "w" + a + "0 5\r1 5 1 2;\n" << true << QByteArray("w=5:1");
+        // No-break and ideographic spaces fall away around names and tokens;
+        // only blank and tab separate. Other non-ASCII stays, as UTF-8.
+        QTest::newRow("unicode") << "gr\xC3\xB6\xC3\x9F" "e\xC2\xA0 { A I Default NRZ 0 1 50 } =\xC2\xA0\xC2\xA0" "1 5"
+                                    "\xE3\x80\x80 0\xE2\x80\xA8 5;\n\xCE\xB4[1:0]" + a + "\xC3\xA9 3 \xC2\xA0\xC3\xA4\xC2\xA0 4;\n"
+                                 << true << QByteArray("gr%C3%B6%C3%9Fe=1:5 0:5|%CE%B4[1:0]{%CE%B4[1],%CE%B4[0]}=%C3%A9:3 %C3%A4:4");
         // Each broken byte reads as U+FFFD, without swallowing the ASCII after
         // it or reaching into the next line.
-        auto broken = loadBytes("b[1:0] { A I Default NRZ 0 1 50 } = \xFF 5 \xE2\x82;7 6 c\xC3 1;\n"
-                                "w { A I Default NRZ 0 1 50 } = 1 5 \xE2\x82\n;\n");
-        QCOMPARE(broken->waves.size(), 2);
-        QCOMPARE(broken->waves.at(0)->patterns.at(1)->value, std::string("\xEF\xBF\xBD\xEF\xBF\xBD;7"));
-        QCOMPARE(segments(broken->waves.at(0)), QString::fromUtf8("\uFFFD:5 \uFFFD\uFFFD;7:6 c\uFFFD:1"));
-        QCOMPARE(segments(broken->waves.at(1)), QString("1:5"));
-    }
-
-    void byteOrderMarks()
-    {
+        QTest::newRow("broken UTF-8") << "b[1:0]" + a + "\xFF 5 \xE2\x82;7 6 c\xC3 1;\nw" + a + "1 5 \xE2\x82\n;\n" << false
+                                      << QByteArray("b[1:0]{b[1],b[0]}=%EF%BF%BD:5 %EF%BF%BD%EF%BF%BD;7:6 c%EF%BF%BD:1|w=1:5");
         // A device drops two marks in front (the decoder's and the reader's);
-        // a third belongs to the first statement. Text drops one.
-        const QByteArray mark("\xEF\xBB\xBF");
-        auto doc = loadBytes(mark + mark + mark + "w { A I Default NRZ 0 1 50 } = 1 5;\n");
-        QCOMPARE(doc->waves.first()->name, QString(QChar(0xFEFF)) + "w");
-        auto text = load(QString(2, QChar(0xFEFF)) + "w" + Attr + "1 5;\n");
-        QCOMPARE(text->waves.first()->name, QString(QChar(0xFEFF)) + "w");
-        // A mark after the start is an ordinary character, even in a token.
-        auto inside = load("b[1:0]" + Attr + "1 1 " + QChar(0xFEFF) + "2 3;\n");
-        QCOMPARE(inside->waves.first()->patterns.at(1)->value, std::string("\xEF\xBB\xBF" "2"));
+        // text one; a mark after the start is an ordinary character.
+        QTest::newRow("marks, device") << bom + bom + bom + "w" + a + "1 5;\n" << false << QByteArray("%EF%BB%BFw=1:5");
+        QTest::newRow("marks, text") << bom + bom + bom + "w" + a + "1 5;\n" << true << QByteArray("%EF%BB%BFw=1:5");
+        QTest::newRow("mark in a token") << "b[1:0]" + a + "1 1 " + bom + "2 3;\n" << true
+                                         << QByteArray("b[1:0]{b[1],b[0]}=1:1 %EF%BB%BF2:3");
     }
-
-    void tabsAndCarriageReturns()
+    void rawText()
     {
-        auto doc = load("w\t{ A I Default NRZ 0 1 50 }\t=\t0\t5\t1\t5\r\n\t0 7;\r\n");
-        QCOMPARE(doc->waves.first()->name, QString("w"));
-        QCOMPARE(segments(doc->waves.first()), QString("0:5 1:5 0:7"));
-        // Only one CR is taken off a line end; another stays in front of the
-        // ";", which then no longer ends the statement.
-        QCOMPARE(load("w" + Attr + "1 5;\r\r\n")->waves.size(), 0);
-        // A CR inside a line is no separator: "5\r1" is a failed duration.
-        QCOMPARE(waveIn("w" + Attr + "0 5\r1 5 1 2;\n"), QString("5:1"));
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, asText);
+        QFETCH(QByteArray, expected);
+        // Text decoding drops one leading mark of its own.
+        auto doc = asText ? load(QString::fromUtf8(bytes)) : loadBytes(bytes);
+        QByteArrayList waves;
+        for (const WaveData* w : std::as_const(doc->waves)) {
+            QByteArray text = w->name.toUtf8();
+            if (w->isBus)
+                text += '{' + w->elements.join(QLatin1Char(',')).toUtf8() + '}';
+            QByteArrayList segs;
+            for (const Pattern* p : w->patterns)
+                segs << QByteArray::fromStdString(p->value) + ':' + QByteArray::number(p->duration);
+            waves << text + '=' + segs.join(' ');
+        }
+        QCOMPARE(waves.join('|').toPercentEncoding(" :;,|={}[]"), expected);
     }
 
     void longLinesAndManyLines()

@@ -1,14 +1,12 @@
 // The waveform file writer: its exact text, and that what it writes reads
-// back into a document that writes the same text (every written field survives).
+// back into a document that writes the same text, so every written field survives.
 
 #include "modeltestutil.h"
 #include "wavewriter.h"
 
 #include <QBuffer>
-#include <QRandomGenerator>
 #include <QtTest>
 
-#include <limits>
 #include <tuple>
 
 using namespace kesu::toolvok;
@@ -22,77 +20,6 @@ const QByteArray DefaultHeader = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 12;\n%A
 std::unique_ptr<WaveformData> reread(const QByteArray& text)
 {
     return load(QString::fromUtf8(text));
-}
-
-// A document of the kinds of waves the editor makes, every field spread over its range.
-std::unique_ptr<WaveformData> generate(quint32 seed)
-{
-    QRandomGenerator r(seed);
-    auto doc = std::make_unique<WaveformData>();
-    std::tie(doc->masterClockMult, doc->smallestUnit, doc->autoAssign, doc->decimals) =
-        std::make_tuple(r.bounded(-5, 100), 3 * (1 + r.bounded(4)), r.bounded(3), r.bounded(4));
-    doc->endTime = r.bounded(2) ? r.generate64() : r.bounded(100000);
-    for (int i = 0, count = r.bounded(9); i < count; ++i) {
-        WaveData* w = nullptr;
-        const int kind = r.bounded(6);
-        if (kind == 0) {   // names the reader must not take for buses
-            const QStringList names{"s%1", QString::fromUtf8("größe_%1"), "x%1[3]", "e%1[2:2]", "n%1.q"};
-            w = new WaveData(names.at(r.bounded(int(names.size()))).arg(i));
-        } else if (kind == 1) {
-            const int hi = r.bounded(16), lo = (hi + 1 + r.bounded(15)) % 16;
-            w = new WaveData(QString("b%1[%2:%3]").arg(i).arg(hi).arg(lo));
-            WaveformData::genExpandWave(w, QString("b%1").arg(i), hi, lo);
-        } else if (kind == 2) {
-            w = new WaveData(QString("l%1[a%1,b%1,c%1]").arg(i));
-            w->elements = QStringList{QString("a%1").arg(i), QString("b%1").arg(i), QString("c%1").arg(i)};
-        } else if (kind == 3) {
-            const int a = r.bounded(40), b = r.bounded(40);
-            w = new WaveData(QString("[run%1...zz%2]").arg(a).arg(b));
-            WaveformData::genExpandWave(w, "run", a, b);
-        } else {
-            w = new WaveData(QString("$p%1").arg(i));
-            w->isPattern = true;
-            w->polarity = 5;
-        }
-        w->isBus = !w->elements.isEmpty();
-        w->busWidth = qMax(1, int(w->elements.size()));
-        if (!w->isPattern) {
-            std::tie(w->group, w->polarity, w->waveType, w->spareInt) =
-                std::make_tuple(r.bounded(9), r.bounded(5), r.bounded(5), r.bounded(100));
-            w->offset = r.bounded(2) ? r.generate64() : r.bounded(1000);
-            w->formatValue = r.generate64();
-            w->formatRatio = qint16(r.bounded(65536) - 32768);
-            w->visible = r.bounded(2);
-        }
-
-        const int n = r.bounded(2) ? r.bounded(4) : r.bounded(40);
-        std::string previous;
-        for (int k = 0; k < n; ++k) {
-            std::string value;
-            do {
-                const int pick = r.bounded(6);
-                if (pick < 2)
-                    value = pick ? "-1" : "-2";
-                else if (!w->isBus)
-                    value = pick % 2 ? "1" : "0";
-                else if (pick == 2 && !previous.empty())
-                    value = previous;   // a bus keeps equal neighbours apart
-                else
-                    value = QString::number(r.generate64() >> r.bounded(64), 16).toStdString();
-            } while (value == previous && (!w->isBus || Values::isSpecial(value)));
-            qint32 duration = r.bounded(10) ? r.bounded(1, 100000) : -r.bounded(1, 1000);
-            if (r.bounded(30) == 0)
-                duration = r.bounded(2) ? std::numeric_limits<qint32>::min() : std::numeric_limits<qint32>::max();
-            w->insertData(new Pattern(value, duration), nullptr);
-            previous = value;
-        }
-        if (n > 0 && r.bounded(3) == 0) {
-            w->foreverIndex = r.bounded(n);
-            w->patterns.at(w->foreverIndex)->forever = true;
-        }
-        doc->addWave(w);
-    }
-    return doc;
 }
 
 } // namespace
@@ -122,7 +49,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("expected");
         const QList<qint64> plain{1, 3, 0, 0, 1, 50, 0, 0, -2};
         QTest::newRow("empty wave") << "w" << "" << plain << QByteArray("w { A T Default None 0 1 50 } =;\n");
-        QTest::newRow("empty wave, forever index") << "w" << "" << QList<qint64>{1, 3, 0, 0, 1, 50, 0, 0, 0}
+        QTest::newRow("odd: empty wave, forever index") << "w" << "" << QList<qint64>{1, 3, 0, 0, 1, 50, 0, 0, 0}
                                                    << QByteArray("w { A T Default None 0 1 50 } =)##;\n");
         QTest::newRow("clk") << "clk" << "0:10 (1:5 0:5" << QList<qint64>{1, 0, 1, 0, 1, 50, 0, 0, -2}
                              << QByteArray("clk { A I Default NRZ 0 1 50 } = 0 10(1 5 0 5)##;\n");
@@ -130,8 +57,8 @@ private Q_SLOTS:
                                  << QByteArray("$p = 1 5 0 2;\n");
         QTest::newRow("group 0") << "w" << "" << QList<qint64>{0, 1, 2, 0, 1, 50, 0, 0, -2} << QByteArray("w { A O Default RZ 0 1 50 } =;\n");
         QTest::newRow("group 8") << "w" << "" << QList<qint64>{8, 2, 3, 0, 1, 50, 0, 0, -2} << QByteArray("w { H B Default R1 0 1 50 } =;\n");
-        QTest::newRow("group 9") << "w" << "" << QList<qint64>{9, 4, 4, 0, 1, 50, 0, 0, -2} << QByteArray("w { I G Default RC 0 1 50 } =;\n");
-        QTest::newRow("polarity 5") << "w" << "" << QList<qint64>{2, 5, 7, 0, 1, 50, 0, 0, -2} << QByteArray("w { B Default None 0 1 50 } =;\n");
+        QTest::newRow("odd: group 9") << "w" << "" << QList<qint64>{9, 4, 4, 0, 1, 50, 0, 0, -2} << QByteArray("w { I G Default RC 0 1 50 } =;\n");
+        QTest::newRow("odd: polarity 5") << "w" << "" << QList<qint64>{2, 5, 7, 0, 1, 50, 0, 0, -2} << QByteArray("w { B Default None 0 1 50 } =;\n");
         QTest::newRow("bus values") << "d[3:0]" << "-1:3 -2:4 1F:5 1F:6 0:1" << QList<qint64>{1, 0, 1, 0, 1, 50, 1, 0, -2}
                                     << QByteArray("d[3:0] { A I Default NRZ 0 1 50 } = DonTCare 3 HighZ 4 1F 5 1F 6 0 1;\n");
         QTest::newRow("single values") << "s" << "-1:3 -2:4 1:5 0:6" << plain
@@ -140,10 +67,16 @@ private Q_SLOTS:
                                          << QList<qint64>{1, 3, 0, -1, 0, -32768, 0, 0, -2}
                                          << QByteArray("w { A T Default None 18446744073709551615 0 -32768 } ="
                                                        " 1 -5 0 -2147483648 1 2147483647;\n");
-        QTest::newRow("two forever marks") << "w" << "(1:1 (0:1" << QList<qint64>{1, 3, 0, 0, 1, 50, 0, 0, 0}
+        QTest::newRow("odd: two forever marks") << "w" << "(1:1 (0:1" << QList<qint64>{1, 3, 0, 0, 1, 50, 0, 0, 0}
                                            << QByteArray("w { A T Default None 0 1 50 } =(1 1(0 1)##;\n");
         QTest::newRow("utf-8 name") << QString::fromUtf8("größe") << "1:1" << plain
                                     << QByteArray("gr\xc3\xb6\xc3\x9f" "e { A T Default None 0 1 50 } = 1 1;\n");
+        // Names the reader must read back as the same kind of wave.
+        QTest::newRow("list bus") << "l[a,b]" << "3:1 -2:2" << QList<qint64>{1, 0, 1, 0, 1, 50, 1, 0, -2}
+                                  << QByteArray("l[a,b] { A I Default NRZ 0 1 50 } = 3 1 HighZ 2;\n");
+        QTest::newRow("run bus") << "[r2...x0]" << "A:1" << QList<qint64>{1, 0, 1, 0, 1, 50, 1, 0, -2}
+                                 << QByteArray("[r2...x0] { A I Default NRZ 0 1 50 } = A 1;\n");
+        QTest::newRow("not a bus") << "x[3]" << "1:1 0:2" << plain << QByteArray("x[3] { A T Default None 0 1 50 } = 1 1 0 2;\n");
     }
     void statements()
     {
@@ -159,7 +92,14 @@ private Q_SLOTS:
         if (attrs[8] != -2)
             wave->foreverIndex = qint32(attrs[8]);
         doc.addWave(wave.release());
-        QCOMPARE(formatWaveform(doc), DefaultHeader + expected);
+        QBuffer device;
+        QVERIFY(device.open(QIODevice::WriteOnly));
+        QVERIFY(writeWaveform(doc, device));
+        QCOMPARE(device.data(), DefaultHeader + expected);
+        QCOMPARE(formatWaveform(doc), device.data());
+        // States the editor never makes are written as they are, but need not read back.
+        if (!QByteArray(QTest::currentDataTag()).startsWith("odd"))
+            QCOMPARE(formatWaveform(*reread(device.data())), device.data());
     }
 
     void lineFeeds()
@@ -185,23 +125,6 @@ private Q_SLOTS:
         QCOMPARE(formatWaveform(doc),
                  DefaultHeader + "e { A T Default None 0 1 50 } = 0 1 1 1 0 1 1 1(0 1 1 1 0 1 1 1 0 1 1 1 0 1\n)##;\n");
         QCOMPARE(reread(formatWaveform(doc))->waves.first()->foreverIndex, 4);
-    }
-
-    void devices()
-    {
-        auto doc = generate(7);
-        QBuffer buffer;
-        QVERIFY(buffer.open(QIODevice::WriteOnly));
-        QVERIFY(writeWaveform(*doc, buffer));
-        QCOMPARE(buffer.data(), formatWaveform(*doc));
-    }
-
-    void roundTripGenerated()
-    {
-        for (quint32 seed = 1; seed <= 40; ++seed) {
-            const QByteArray text = formatWaveform(*generate(seed));
-            QVERIFY2(formatWaveform(*reread(text)) == text, qPrintable(QString("seed %1").arg(seed)));
-        }
     }
 };
 
