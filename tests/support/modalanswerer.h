@@ -78,26 +78,22 @@ private:
         m_pendingPath.clear();
         const bool planned = !m_answers.isEmpty();
         const Answer answer = planned ? m_answers.takeFirst() : dismiss();
+        Seen s;
+        s.title = modal->windowTitle();
         if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-            Seen s;
-            s.title = box->windowTitle();
             s.text = box->text();
             s.icon = box->icon();
             s.buttons = box->standardButtons();
-            if (QPushButton* def = box->defaultButton())
-                s.defaultButton = box->standardButton(def);
+            s.defaultButton = box->defaultButton() ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton;
             seen.append(s);
-            QAbstractButton* button = answer.kind == Answer::Button ? box->button(answer.button) : nullptr;
-            if (button) {
+            if (QAbstractButton* button = answer.kind == Answer::Button ? box->button(answer.button) : nullptr) {
                 button->click();
             } else {
                 problems << QStringLiteral("no answer for the box \"%1\"").arg(box->text());
                 box->reject();
             }
         } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
-            Seen s;
             s.isFileDialog = true;
-            s.title = dialog->windowTitle();
             s.filters = dialog->nameFilters();
             s.directory = dialog->directory().absolutePath();
             s.preselected = dialog->selectedFiles().value(0);
@@ -112,7 +108,7 @@ private:
                 dialog->reject();
             }
         } else {
-            problems << QStringLiteral("unexpected window \"%1\"").arg(modal->windowTitle());
+            problems << QStringLiteral("unexpected window \"%1\"").arg(s.title);
             modal->close();
         }
     }
