@@ -21,30 +21,26 @@ namespace {
 class BareTool : public BasGUITool
 {
 public:
-    BareTool() : BasGUITool(nullptr, true), m_own(new QAction(QStringLiteral("Own"), this)) {}
+    BareTool() : BasGUITool(nullptr, true) {}
 
     QStringList* stdMenuItems(StdMenu m) override
     {
-        m_menu = m == FileMenu ? QStringList{"new", "save as"} : m == HelpMenu ? QStringList{"about"} : QStringList();
-        return &m_menu;
+        m_names = m == FileMenu ? QStringList{"new", "save as"} : m == HelpMenu ? QStringList{"about"} : QStringList();
+        return &m_names;
     }
     QList<QAction*>* myMenuItems(StdMenu m) override
     {
-        m_ownItems = m == FileMenu || m == EditMenu ? QList<QAction*>{m_own} : QList<QAction*>();
-        return &m_ownItems;
+        m_own = m == FileMenu || m == EditMenu ? QList<QAction*>{own} : QList<QAction*>();
+        return &m_own;
     }
-    QStringList* stdToolbarButtons() override
-    {
-        m_buttons = sharedActionNames();
-        return &m_buttons;
-    }
+    QStringList* stdToolbarButtons() override { return &(m_names = sharedActionNames()); }
     bool needSpecialToolBar() const override { return true; }
 
-    QAction* m_own;
+    QAction* own = new QAction(QStringLiteral("Own"), this);
 
 private:
-    QStringList m_menu, m_buttons;
-    QList<QAction*> m_ownItems;
+    QStringList m_names;
+    QList<QAction*> m_own;
 };
 
 QStringList texts(const QList<QAction*>& actions)
@@ -121,7 +117,7 @@ private Q_SLOTS:
         QCOMPARE(menus, (QStringList{"File: New Save As... | Own", "Edit: Own", "Help: About..."}));
         QCOMPARE(tool.findChild<QMenu*>(QStringLiteral("menu0"))->actions().at(1), tool.sharedAction("save as"));
 
-        tool.addButtonOnSpecialToolBar(tool.m_own);
+        tool.addButtonOnSpecialToolBar(tool.own);
         tool.addSeparatorOnSpecialToolBar();
         QCOMPARE(texts(tool.specialToolBar()->actions()), (QStringList{"Own", "|"}));
         // Built once, however often the host initialises.
