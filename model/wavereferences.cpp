@@ -71,6 +71,7 @@ void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData
     if (foreverDropped && newForever >= rebuilt.size())
         newForever = -1;
     wave->patterns.swap(rebuilt);
+    wave->segmentsChanged(0);
     wave->foreverIndex = static_cast<qint32>(newForever);
     qDeleteAll(dropped);
 }
