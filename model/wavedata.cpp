@@ -214,6 +214,7 @@ QList<Pattern*> copyExactly(WaveData* target, const WaveData* source)
         blank->wave = target;
         target->patterns.append(blank);
     }
+    target->segmentsChanged(0);
     return target->duplicateData(source);
 }
 

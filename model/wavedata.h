@@ -22,11 +22,12 @@ public:
     WaveData(const WaveData&) = delete;
     WaveData& operator=(const WaveData&) = delete;
 
-    // Time look-ups. They go through an index of segment start times, built
-    // on the first query after a change and then only from the first segment
-    // that changed; they cost O(log n) while every duration is non-negative
-    // and the wave stays clear of the end of the time axis, and walk the
-    // list otherwise, with the same results.
+    // Time look-ups search an index of segment start times, brought up to
+    // date by the first look-up after a change, from the first segment that
+    // changed on. While no duration is negative and the wave ends before the
+    // end of the time axis, start times rise and a look-up is a binary
+    // search; otherwise it is a pass over the index, with the answers of a
+    // walk along the list. getPatternStart has to walk the list to find p.
     Pattern* findPattern(quint64 t) const;
     quint64 getEndTime() const;
     quint64 getPatternStart(const Pattern* p) const;
