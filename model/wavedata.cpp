@@ -178,7 +178,8 @@ QList<Pattern*> WaveData::duplicateData(const WaveData* source)
     visible = source->visible;
     foreverIndex = source->foreverIndex;
     elements = source->elements;
-    // A copy of the whole wave costs as much as a whole new index.
+    // Any segment may change: the index is counted anew, which costs no more
+    // than the copy itself.
     segmentsChanged(0);
 
     const qsizetype count = source->patterns.size();
