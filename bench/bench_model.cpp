@@ -4,9 +4,10 @@
 //
 // Each phase group runs in a child process of its own, so that the peak
 // resident size a phase reports is its own and not left over from another:
-// the writer child generates and writes, the reader child reads, measures what
-// the document holds, and then compares it against a regenerated copy one wave
-// at a time (the comparison never holds a second full document).
+// the writer child generates and writes, the reader child reads, builds every
+// wave's start-time index, times look-ups, measures what the document holds,
+// and then compares it against a regenerated copy one wave at a time (the
+// comparison never holds a second full document).
 //
 //   bench_model [--waves N] [--segments M] [--seed S] [--repeat R] [--keep]
 //
@@ -134,12 +135,13 @@ double mbKb(qint64 kb) { return double(kb) / 1024.0; }
 // What a child sends back through its pipe; plain data only.
 struct Report {
     bool ok = false;
-    double generateSec = 0, writeSec = 0, readSec = 0, verifySec = 0, freeSec = 0;
-    double generateCpu = 0, writeCpu = 0, readCpu = 0, verifyCpu = 0, freeCpu = 0;
+    double generateSec = 0, writeSec = 0, readSec = 0, indexSec = 0, lookupSec = 0, verifySec = 0, freeSec = 0;
+    double generateCpu = 0, writeCpu = 0, readCpu = 0, indexCpu = 0, lookupCpu = 0, verifyCpu = 0, freeCpu = 0;
     qint64 baseRssKb = 0;
     qint64 generatedRssKb = 0, generatedHwmKb = 0, writtenHwmKb = 0;
     qint64 readRssKb = 0, readHwmKb = 0, verifiedHwmKb = 0, maxRssKb = 0;
-    qint64 heapBefore = 0, heapGenerated = 0, heapRead = 0;
+    qint64 heapBefore = 0, heapGenerated = 0, heapRead = 0, heapIndexed = 0;
+    qint64 indexedRssKb = 0, lookups = 0;
     qint64 fileBytes = 0, waves = 0, segments = 0;
     char message[512] = {};
 };
@@ -256,6 +258,31 @@ void readPhase(const Options& opt, const QString& path, Report& r)
     r.waves = doc->waves.size();
     for (const WaveData* wave : std::as_const(doc->waves))
         r.segments += wave->patterns.size();
+
+    // The first time look-up on each wave builds its start-time index.
+    watch = Stopwatch();
+    quint64 sink = 0;
+    for (const WaveData* wave : std::as_const(doc->waves))
+        sink += wave->getEndTime();
+    watch.stop(r.indexSec, r.indexCpu);
+    r.indexedRssKb = resident().rssKb;
+    r.heapIndexed = heapInUse();
+
+    // Then look-ups at spread times, as painting and hit-testing ask them.
+    watch = Stopwatch();
+    quint64 t = opt.seed;
+    for (int round = 0; round < 100; ++round) {
+        for (const WaveData* wave : std::as_const(doc->waves)) {
+            t = t * 6364136223846793005ULL + 1442695040888963407ULL;
+            const quint64 at = wave->offset + (t >> 33) % std::max<quint64>(1, wave->getEndTime() - wave->offset);
+            sink += quintptr(wave->findPattern(at)) + wave->getNextChange(at);
+            r.lookups += 2;
+        }
+    }
+    watch.stop(r.lookupSec, r.lookupCpu);
+    // Used, so that the look-ups are not optimised away.
+    const volatile quint64 kept = sink;
+    (void)kept;
 
     watch = Stopwatch();
     WaveformData header;
@@ -425,7 +452,7 @@ int main(int argc, char** argv)
     // (wall and processor time each at their own minimum), memory figures
     // come from the last run (they do not vary between runs).
     Report w, rd;
-    Best generate, write, read;
+    Best generate, write, read, index, lookup;
     for (int run = 0; run < opt.repeat; ++run) {
         if (!runChild("bench-write", [&](Report& r) { writePhase(opt, path, r); }, w))
             return 1;
@@ -440,6 +467,8 @@ int main(int argc, char** argv)
         if (!runChild("bench-read", [&](Report& r) { readPhase(opt, path, r); }, rd))
             return 1;
         read.take(rd.readSec, rd.readCpu);
+        index.take(rd.indexSec, rd.indexCpu);
+        lookup.take(rd.lookupSec, rd.lookupCpu);
         if (!rd.ok)
             break;
     }
@@ -456,6 +485,8 @@ int main(int argc, char** argv)
     row("write", write.wall, write.cpu, w.writtenHwmKb, "writer");
     row("free", w.freeSec, w.freeCpu, w.maxRssKb, "writer");
     row("read", read.wall, read.cpu, rd.readHwmKb, "reader");
+    row("index", index.wall, index.cpu, rd.indexedRssKb, "reader");
+    row("lookups", lookup.wall, lookup.cpu, rd.indexedRssKb, "reader");
     row("verify", rd.verifySec, rd.verifyCpu, rd.verifiedHwmKb, "reader");
     row("free", rd.freeSec, rd.freeCpu, rd.maxRssKb, "reader");
     std::printf("(peak MB: the process's resident high-water mark at the end of the phase, ru_maxrss for 'free')\n\n");
@@ -473,6 +504,13 @@ int main(int argc, char** argv)
                 mbKb(rd.baseRssKb));
     std::printf("held after read:  %.1f MB resident, %.1f bytes/segment; heap in use %.1f MB, %.1f bytes/segment\n",
                 mb(heldResident), double(heldResident) / readSegs, mb(heldHeap), double(heldHeap) / readSegs);
+    const qint64 indexedResident = (rd.indexedRssKb - rd.baseRssKb) * 1024;
+    const qint64 indexedHeap = rd.heapIndexed - rd.heapBefore;
+    std::printf("held with index:  %.1f MB resident, %.1f bytes/segment; heap in use %.1f MB, %.1f bytes/segment\n",
+                mb(indexedResident), double(indexedResident) / readSegs, mb(indexedHeap),
+                double(indexedHeap) / readSegs);
+    std::printf("look-ups: %lld (findPattern and getNextChange at random times), %.0f ns each\n",
+                qlonglong(rd.lookups), lookup.wall * 1e9 / double(std::max<qint64>(rd.lookups, 1)));
     std::printf("held when built:  heap in use %.1f MB, %.1f bytes/segment (generated in memory, never read)\n",
                 mb(builtHeap), double(builtHeap) / segs);
     if (total < 1000000)
@@ -489,7 +527,8 @@ int main(int argc, char** argv)
     // file buffers the allocator kept, and the allocator's count misses memory
     // mapped past it (a segment pool, say). The larger one is the safe one.
     const double peakMb = mbKb(std::max(w.maxRssKb, rd.maxRssKb));
-    const double perSegment = double(std::max(heldHeap, heldResident)) / readSegs;
+    // What an editor holds once it has drawn every wave: segments and indexes.
+    const double perSegment = double(std::max(indexedHeap, indexedResident)) / readSegs;
     std::printf("\ntargets:\n");
     std::printf("  read       %8.3f s          limit 5 s,    aim 1.4 s   %s\n", read.wall, verdict(read.wall, 5, 1.4));
     std::printf("  write      %8.3f s          limit 3 s,    aim 0.5 s   %s\n", write.wall, verdict(write.wall, 3, 0.5));

@@ -1,6 +1,7 @@
 // Adding, removing, moving, showing, hiding and duplicating whole waves.
 #include "vokgui.h"
 
+#include "busname.h"
 #include "undocommands.h"
 #include "wavedata.h"
 #include "waveformdata.h"
@@ -114,16 +115,7 @@ void VokGUI::dupWave()
 {
     if (!m_activeWave)
         return;
-    const QString& name = m_activeWave->name;
-    const qsizetype bracket = name.indexOf(QLatin1Char('['));
-    const QString base = bracket < 0 ? name : name.left(bracket);
-    const QString suffix = bracket < 0 ? QString() : name.mid(bracket);
-    QString copyName;
-    for (int n = 0;; ++n) {
-        copyName = base + QLatin1Char('_') + QString::number(n) + suffix;
-        if (!m_data->findWavebyName(copyName))
-            break;
-    }
+    const QString copyName = duplicateWaveName(*m_data, m_activeWave->name);
     WaveData* copy = snapshotOf(m_activeWave);
     copy->name = copyName;
     m_undoStack->push(new AddWaveCommand(copy, this));

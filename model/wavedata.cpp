@@ -27,27 +27,19 @@ WaveData::~WaveData()
 
 Pattern* WaveData::findPattern(quint64 t) const
 {
-    quint64 end = offset;
-    for (Pattern* p : patterns) {
-        const bool beforeStart = t < end;
-        end = advance(end, p->duration);
-        // A boundary belongs to the segment that ends there.
-        if (!beforeStart && t <= end)
-            return p;
-    }
-    return nullptr;
+    const int index = segmentIndexAt(t);
+    return index < 0 ? nullptr : patterns.at(index);
 }
 
 quint64 WaveData::getEndTime() const
 {
-    quint64 end = offset;
-    for (const Pattern* p : patterns)
-        end = advance(end, p->duration);
-    return end;
+    return segmentStart(int(patterns.size()));
 }
 
 quint64 WaveData::getPatternStart(const Pattern* p) const
 {
+    // Finding p is a walk along the list in any case; adding the durations on
+    // the way costs little more, and needs no index.
     quint64 start = offset;
     for (const Pattern* q : patterns) {
         if (q == p)
@@ -61,13 +53,8 @@ quint64 WaveData::getNextChange(quint64 t) const
 {
     // The offset itself is not a change point: a time before it yields the end
     // of the first segment.
-    quint64 end = offset;
-    for (const Pattern* p : patterns) {
-        end = advance(end, p->duration);
-        if (end > t)
-            return end;
-    }
-    return NoTime;
+    const int index = firstSegmentEndingAfter(t);
+    return index == patterns.size() ? NoTime : segmentStart(index + 1);
 }
 
 std::string WaveData::getLastValue() const
@@ -86,9 +73,11 @@ bool WaveData::addData(Pattern* p)
         const bool special = Values::isSpecial(last->value);
         if (p->value == last->value && (special || !isBus)) {
             last->duration = addDurations(last->duration, p->duration);
+            segmentsChanged(int(patterns.size() - 1));
             return false;
         }
     }
+    segmentsChanged(int(patterns.size()));
     patterns.append(p);
     p->wave = this;
     if (p->forever)
@@ -99,6 +88,7 @@ bool WaveData::addData(Pattern* p)
 void WaveData::insertData(Pattern* p, Pattern* before)
 {
     const qsizetype k = before ? patterns.indexOf(before) : -1;
+    segmentsChanged(int(k < 0 ? patterns.size() : k));
     if (k < 0) {
         patterns.append(p);
     } else {
@@ -119,6 +109,9 @@ void WaveData::insertPattern(Pattern* p, const WaveData* source)
     for (const Pattern* s : source->patterns)
         copy.emplace_back(s->value, s->duration);
 
+    // A segment outside every list (wave not this one) need not be looked for.
+    const qsizetype at = p->wave == this ? patterns.indexOf(p) : -1;
+    segmentsChanged(int(at < 0 ? patterns.size() : at));
     p->value = copy.front().first;
     p->duration = copy.front().second;
     const qsizetype extra = static_cast<qsizetype>(copy.size()) - 1;
@@ -134,8 +127,6 @@ void WaveData::insertPattern(Pattern* p, const WaveData* source)
         q->wave = this;
         block.append(q);
     }
-    // A segment outside every list (wave not this one) need not be looked for.
-    const qsizetype at = p->wave == this ? patterns.indexOf(p) : -1;
     if (at < 0) {
         // p is detached: segment 1 is appended and the rest go in front of it.
         const qsizetype end = patterns.size();
@@ -159,6 +150,7 @@ void WaveData::removeData(Pattern* p)
     const qsizetype k = patterns.indexOf(p);
     if (k < 0)
         return;
+    segmentsChanged(int(k));
     if (foreverIndex > k)
         --foreverIndex;
     else if (foreverIndex == k && k == patterns.size() - 1)
@@ -186,6 +178,9 @@ QList<Pattern*> WaveData::duplicateData(const WaveData* source)
     visible = source->visible;
     foreverIndex = source->foreverIndex;
     elements = source->elements;
+    // Any segment may change: the index is counted anew, which costs no more
+    // than the copy itself.
+    segmentsChanged(0);
 
     const qsizetype count = source->patterns.size();
     for (qsizetype i = 0; i < count; ++i) {
@@ -220,6 +215,7 @@ QList<Pattern*> copyExactly(WaveData* target, const WaveData* source)
         blank->wave = target;
         target->patterns.append(blank);
     }
+    target->segmentsChanged(0);
     return target->duplicateData(source);
 }
 

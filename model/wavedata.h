@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <vector>
+
 namespace kesu::toolvok {
 
 // One wave: a single signal, a bus, or a named pattern definition. Owns its
@@ -20,6 +22,12 @@ public:
     WaveData(const WaveData&) = delete;
     WaveData& operator=(const WaveData&) = delete;
 
+    // Time look-ups search an index of segment start times, brought up to
+    // date by the first look-up after a change, from the first segment that
+    // changed on. While no duration is negative and the wave ends before the
+    // end of the time axis, start times rise and a look-up is a binary
+    // search; otherwise it is a pass over the index, with the answers of a
+    // walk along the list. getPatternStart has to walk the list to find p.
     Pattern* findPattern(quint64 t) const;
     quint64 getEndTime() const;
     quint64 getPatternStart(const Pattern* p) const;
@@ -36,6 +44,29 @@ public:
     // the list without being deleted, since views and undo commands may still
     // hold them; the caller decides their fate.
     QList<Pattern*> duplicateData(const WaveData* source);
+
+    // The index of the segment that covers t, as findPattern finds it (the
+    // time where one segment ends and the next begins belongs to the earlier
+    // one); -1 before the offset, after the end, and on an empty wave.
+    int segmentIndexAt(quint64 t) const;
+    // The index of the first segment that ends after t: where drawing from t
+    // on begins. patterns.size() when the wave ends at or before t.
+    int firstSegmentEndingAfter(quint64 t) const;
+    // Where segment index begins: offset plus the durations before it; the
+    // end of the wave for index patterns.size().
+    quint64 segmentStart(int index) const;
+    // Every change to `patterns` or to a segment's duration made outside
+    // these member functions must be reported: segments from fromIndex on
+    // were inserted, removed or resized. Changing `offset` needs no report.
+    void segmentsChanged(int fromIndex = 0)
+    {
+        const qsizetype keep = qsizetype(fromIndex < 0 ? 0 : fromIndex) + 1;
+        if (keep < knownStarts_)
+            knownStarts_ = keep;
+    }
+    // Whether the index, brought up to date as a look-up would, agrees with
+    // the durations: false means a change went unreported. For tests.
+    bool indexConsistent() const;
 
     QString name;
     qint32 group = 1;
@@ -55,6 +86,19 @@ public:
     qint32 foreverIndex = -1;
     QList<Pattern*> patterns;
     QMap<Pattern*, QString> patternNames;
+
+private:
+    void updateIndex() const;
+    bool indexIsMonotonic() const;
+
+    // starts_[i]: the durations of segments 0..i-1 summed, as an offset from
+    // `offset`, for i up to patterns.size(); the first knownStarts_ entries
+    // are right. Relative, so that a new offset needs no rebuild.
+    mutable std::vector<quint64> starts_;
+    mutable qsizetype knownStarts_ = 0;
+    // The first segment of negative duration among those the known entries
+    // cover, or -1: with one, start times may go backwards.
+    mutable qsizetype firstNegative_ = -1;
 };
 
 // duplicateData, but segment for segment: equal neighbours of source stay

@@ -1,5 +1,7 @@
 #include "waveformdata.h"
 
+#include "wavereader.h"
+
 namespace kesu::toolvok {
 
 WaveformData::~WaveformData()
@@ -79,6 +81,32 @@ void WaveformData::genExpandWave(WaveData* wave, const QString& base, int from, 
         for (qint64 i = from; i <= to; ++i)
             wave->elements.append(open + QString::number(i) + QLatin1Char(']'));
     }
+}
+
+void WaveformData::loadData(QIODevice& file)
+{
+    WaveReader(*this).readDevice(file);
+}
+
+void WaveformData::loadText(const QString& text)
+{
+    WaveReader(*this).readText(text);
+}
+
+void WaveformData::CompilerLine(const QString& statement)
+{
+    const QByteArray bytes = statement.toUtf8();
+    WaveReader(*this).compileStatement(std::string_view(bytes.constData(), size_t(bytes.size())));
+}
+
+QStringList WaveformData::parseValues(const QString& text)
+{
+    return WaveReader::tokens(text);
+}
+
+void WaveformData::processSubPattern(const QString& body, QList<Pattern*>& out, WaveData* wave)
+{
+    WaveReader(*this).readGroupBody(body, out, wave);
 }
 
 } // namespace kesu::toolvok

@@ -2,14 +2,9 @@
 
 #include "wavedata.h"
 
-#include <QHash>
 #include <QList>
-#include <QPair>
 #include <QString>
 #include <QStringList>
-#include <QStringView>
-
-#include <string_view>
 
 class QIODevice;
 
@@ -32,8 +27,8 @@ public:
     bool checkBusElements(const WaveData* wave, QString& message) const;
     static void genExpandWave(WaveData* wave, const QString& base, int from, int to);
 
-    // The file reader. Forgiving by design: bad statements are skipped and
-    // numbers that do not convert count as 0.
+    // The file reader (WaveReader), one for each call. Forgiving by design:
+    // bad statements are skipped and numbers that do not convert count as 0.
     void loadData(QIODevice& file);
     void loadText(const QString& text);
     void CompilerLine(const QString& statement);
@@ -46,26 +41,6 @@ public:
     qint32 decimals = 0;
     quint64 endTime = 1000;
     QList<WaveData*> waves;
-
-private:
-    void resolvePatternReferences();
-    void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData*>& listed);
-    friend class StatementReader;
-    // The reader works on UTF-8 bytes; the QString entry points convert once.
-    void beginLoad();
-    void compileStatement(std::string_view statement);
-    // out null: lay the segments straight into the wave (the top level).
-    void readSegments(std::string_view text, QList<Pattern*>* out, WaveData* wave);
-    void readGroup(std::string_view token, WaveData* wave, QList<Pattern*>* out);
-    void lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out);
-    Pattern* newPlaceholder(WaveData* wave, const QString& reference);
-
-    // Segments that repeat counts may still lay down during one load; a guard
-    // against a few bytes of text asking for billions of segments.
-    qint64 repeatBudget_ = 0;
-    int groupDepth_ = 0;
-    // Placeholders for "$" references with their waves, in the order made.
-    QList<QPair<WaveData*, Pattern*>> placeholders_;
 };
 
 } // namespace kesu::toolvok

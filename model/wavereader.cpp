@@ -1,5 +1,7 @@
 // The waveform file reader. It never reports an error: a statement it cannot
 // make sense of is skipped and a number it cannot convert counts as 0.
+#include "wavereader.h"
+
 #include "waveformdata.h"
 #include "wdltext.h"
 
@@ -25,13 +27,11 @@ namespace {
 constexpr int MaxGroupDepth = 64;
 constexpr qint64 RepeatBudget = qint64(1) << 25;
 
-} // namespace
-
-// Gathers lines into statements and hands each finished one to the document.
+// Gathers lines into statements and hands each finished one to the reader.
 class StatementReader
 {
 public:
-    explicit StatementReader(WaveformData& doc) : doc_(doc) {}
+    explicit StatementReader(WaveReader& reader) : reader_(reader) {}
 
     // Feeds every whole line of data (those ended by "\n", or all of it when
     // last) and returns how many bytes it used; stopped() tells whether an
@@ -86,12 +86,12 @@ private:
         // Lines join without a separator: a statement's later lines begin
         // with the blank or "(" that separates segments.
         if (statement_.empty() && text.back() == ';') {
-            doc_.compileStatement(text);
+            reader_.compileStatement(text);
             return;
         }
         statement_.append(text);
         if (statement_.back() == ';') {
-            doc_.compileStatement(statement_);
+            reader_.compileStatement(statement_);
             statement_.clear();
         }
     }
@@ -111,20 +111,17 @@ private:
         return (any & 0x8080808080808080ULL) == 0;
     }
 
-    WaveformData& doc_;
+    WaveReader& reader_;
     std::string statement_;
     bool stopped_ = false;
 };
 
-void WaveformData::beginLoad()
-{
-    repeatBudget_ = RepeatBudget;
-    placeholders_.clear();
-}
+} // namespace
 
-void WaveformData::loadData(QIODevice& file)
+WaveReader::WaveReader(WaveformData& doc) : doc_(doc), repeatBudget_(RepeatBudget) {}
+
+void WaveReader::readDevice(QIODevice& file)
 {
-    beginLoad();
     StatementReader reader(*this);
     // Qt's decoding drops one byte order mark, and the reader another.
     reader.marksToSkip = 2;
@@ -148,22 +145,15 @@ void WaveformData::loadData(QIODevice& file)
     resolvePatternReferences();
 }
 
-void WaveformData::loadText(const QString& text)
+void WaveReader::readText(const QString& text)
 {
-    beginLoad();
     const QByteArray bytes = text.toUtf8();
     StatementReader reader(*this);
     reader.feed(bytes.constData(), size_t(bytes.size()), true);
     resolvePatternReferences();
 }
 
-void WaveformData::CompilerLine(const QString& statement)
-{
-    const QByteArray bytes = statement.toUtf8();
-    compileStatement(Bytes(bytes.constData(), size_t(bytes.size())));
-}
-
-void WaveformData::compileStatement(Bytes statement)
+void WaveReader::compileStatement(Bytes statement)
 {
     const Bytes s = trimmed(statement);
     const size_t eq = s.find('=');
@@ -178,15 +168,15 @@ void WaveformData::compileStatement(Bytes statement)
         QString number = toQString(right);
         number.chop(1);
         if (startsWith(left, "%MASTERCLOCKMULT"))
-            masterClockMult = number.toInt();
+            doc_.masterClockMult = number.toInt();
         else if (startsWith(left, "%SMALLESTUNIT"))
-            smallestUnit = number.toInt();
+            doc_.smallestUnit = number.toInt();
         else if (startsWith(left, "%AUTOASSIGN"))
-            autoAssign = number.toInt();
+            doc_.autoAssign = number.toInt();
         else if (startsWith(left, "%DECIMALS"))
-            decimals = number.toInt();
+            doc_.decimals = number.toInt();
         else if (startsWith(left, "%ENDTIME"))
-            endTime = number.toULongLong();
+            doc_.endTime = number.toULongLong();
         return;
     }
 
@@ -219,10 +209,10 @@ void WaveformData::compileStatement(Bytes statement)
     const auto blanks = std::count(right.begin(), right.end(), ' ');
     wave->patterns.reserve(wave->patterns.size() + qsizetype(blanks / 2) + 1);
     readSegments(right, nullptr, wave);
-    addWave(wave);
+    doc_.addWave(wave);
 }
 
-QStringList WaveformData::parseValues(const QString& text)
+QStringList WaveReader::tokens(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
     Tokenizer tokens(Bytes(bytes.constData(), size_t(bytes.size())));
@@ -233,13 +223,13 @@ QStringList WaveformData::parseValues(const QString& text)
     return list;
 }
 
-void WaveformData::processSubPattern(const QString& body, QList<Pattern*>& out, WaveData* wave)
+void WaveReader::readGroupBody(const QString& body, QList<Pattern*>& out, WaveData* wave)
 {
     const QByteArray bytes = body.toUtf8();
     readSegments(Bytes(bytes.constData(), size_t(bytes.size())), &out, wave);
 }
 
-Pattern* WaveformData::newPlaceholder(WaveData* wave, const QString& reference)
+Pattern* WaveReader::newPlaceholder(WaveData* wave, const QString& reference)
 {
     // A one-unit "0" stands for the named pattern until the end of the file.
     auto* p = new Pattern("0", 1);
@@ -248,7 +238,7 @@ Pattern* WaveformData::newPlaceholder(WaveData* wave, const QString& reference)
     return p;
 }
 
-void WaveformData::lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out)
+void WaveReader::lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out)
 {
     // At the top the segments go straight into the wave, merging as they come;
     // inside a group they are collected for the caller to lay down.
@@ -258,7 +248,7 @@ void WaveformData::lay(Pattern* p, bool placeholder, WaveData* wave, QList<Patte
         delete p;
 }
 
-void WaveformData::readSegments(Bytes text, QList<Pattern*>* out, WaveData* wave)
+void WaveReader::readSegments(Bytes text, QList<Pattern*>* out, WaveData* wave)
 {
     Tokenizer tokens(text);
     Bytes token;
@@ -277,7 +267,7 @@ void WaveformData::readSegments(Bytes text, QList<Pattern*>* out, WaveData* wave
     }
 }
 
-void WaveformData::readGroup(Bytes token, WaveData* wave, QList<Pattern*>* out)
+void WaveReader::readGroup(Bytes token, WaveData* wave, QList<Pattern*>* out)
 {
     const size_t close = token.rfind(')');
     const bool closed = close != Bytes::npos && close > 0;

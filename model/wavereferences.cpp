@@ -1,6 +1,10 @@
 // Resolution of the "$" references once the whole file is read: each
 // placeholder laid down by the reader becomes the named pattern's segments.
+#include "wavereader.h"
+
 #include "waveformdata.h"
+
+#include <QHash>
 
 #include <string>
 #include <utility>
@@ -8,46 +12,9 @@
 
 namespace kesu::toolvok {
 
-void WaveformData::resolvePatternReferences()
-{
-    QHash<QString, WaveData*> byName;
-    for (WaveData* wave : std::as_const(waves)) {
-        if (!byName.contains(wave->name))
-            byName.insert(wave->name, wave);
-    }
-    QHash<WaveData*, QList<Pattern*>> perWave;
-    for (const auto& [wave, placeholder] : std::as_const(placeholders_))
-        perWave[wave].append(placeholder);
-    placeholders_.clear();
+namespace {
 
-    for (WaveData* wave : std::as_const(waves)) {
-        const auto found = perWave.constFind(wave);
-        if (found == perWave.cend())
-            continue;
-        QHash<Pattern*, const WaveData*> listed;
-        QList<Pattern*> detached;
-        for (Pattern* placeholder : *found) {
-            const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr);
-            if (placeholder->wave)
-                listed.insert(placeholder, source);
-            else
-                detached.append(placeholder);
-        }
-        expandListedReferences(wave, listed);
-        // A placeholder that merged into the segment before it is no longer in
-        // the wave: it takes the pattern's first segment and the rest lands,
-        // reversed, at the end of the wave.
-        for (Pattern* placeholder : std::as_const(detached)) {
-            if (const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr))
-                wave->insertPattern(placeholder, source);
-            delete placeholder;
-        }
-        // The placeholders are resolved; keep no pointers that may dangle later.
-        wave->patternNames.clear();
-    }
-}
-
-void WaveformData::expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData*>& listed)
+void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData*>& listed)
 {
     if (listed.isEmpty())
         return;
@@ -104,8 +71,50 @@ void WaveformData::expandListedReferences(WaveData* wave, const QHash<Pattern*, 
     if (foreverDropped && newForever >= rebuilt.size())
         newForever = -1;
     wave->patterns.swap(rebuilt);
+    wave->segmentsChanged(0);
     wave->foreverIndex = static_cast<qint32>(newForever);
     qDeleteAll(dropped);
+}
+
+} // namespace
+
+void WaveReader::resolvePatternReferences()
+{
+    QHash<QString, WaveData*> byName;
+    for (WaveData* wave : std::as_const(doc_.waves)) {
+        if (!byName.contains(wave->name))
+            byName.insert(wave->name, wave);
+    }
+    QHash<WaveData*, QList<Pattern*>> perWave;
+    for (const auto& [wave, placeholder] : std::as_const(placeholders_))
+        perWave[wave].append(placeholder);
+    placeholders_.clear();
+
+    for (WaveData* wave : std::as_const(doc_.waves)) {
+        const auto found = perWave.constFind(wave);
+        if (found == perWave.cend())
+            continue;
+        QHash<Pattern*, const WaveData*> listed;
+        QList<Pattern*> detached;
+        for (Pattern* placeholder : *found) {
+            const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr);
+            if (placeholder->wave)
+                listed.insert(placeholder, source);
+            else
+                detached.append(placeholder);
+        }
+        expandListedReferences(wave, listed);
+        // A placeholder that merged into the segment before it is no longer in
+        // the wave: it takes the pattern's first segment and the rest lands,
+        // reversed, at the end of the wave.
+        for (Pattern* placeholder : std::as_const(detached)) {
+            if (const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr))
+                wave->insertPattern(placeholder, source);
+            delete placeholder;
+        }
+        // The placeholders are resolved; keep no pointers that may dangle later.
+        wave->patternNames.clear();
+    }
 }
 
 } // namespace kesu::toolvok

@@ -1,9 +1,9 @@
 #include "wdltext.h"
 
+#include "busname.h"
 #include "waveformdata.h"
 
 #include <QByteArrayView>
-#include <QRegularExpression>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -108,54 +108,18 @@ void applyAttributes(WaveData* wave, QStringView block)
 
 bool applyBusForm(WaveData* wave)
 {
-    const QString& name = wave->name;
-    const qsizetype open = name.indexOf(QLatin1Char('['));
-    if (open < 0)
+    const BusName bus = parseBusName(wave->name);
+    if (bus.form == BusName::Single)
         return true;
-    const qsizetype close = name.lastIndexOf(QLatin1Char(']'));
-    const QStringView inner = close > open ? QStringView(name).mid(open + 1, close - open - 1)
-                                           : QStringView(name).mid(open + 1);
-    auto widthOf = [](qint64 a, qint64 b) { return (a > b ? a - b : b - a) + 1; };
-
-    const qsizetype dots = inner.indexOf(QLatin1String("..."));
-    if (open == 0 && dots >= 0) {
-        // "[a0...a3]": the number of each end starts at its first digit; the
-        // letters in front of the last number are not looked at.
-        static const QRegularExpression digit(QStringLiteral("[0-9]"));
-        const QStringView first = inner.left(dots);
-        const QStringView last = inner.mid(dots + 3);
-        const qsizetype firstDigit = first.toString().indexOf(digit);
-        const qsizetype lastDigit = last.toString().indexOf(digit);
-        const int a = firstDigit < 0 ? 0 : first.mid(firstDigit).toInt();
-        const int b = lastDigit < 0 ? 0 : last.mid(lastDigit).toInt();
-        const qint64 width = widthOf(a, b);
-        if (width > MaxBusWidth)
-            return false;
-        wave->isBus = true;
-        wave->busWidth = static_cast<qint32>(width);
-        WaveformData::genExpandWave(wave, (firstDigit < 0 ? first : first.left(firstDigit)).toString(), a, b);
-        return true;
-    }
-    const qsizetype colon = inner.indexOf(QLatin1Char(':'));
-    if (colon >= 0) {
-        const int a = inner.left(colon).toInt();
-        const int b = inner.mid(colon + 1).toInt();
-        if (a == b)
-            return true;   // "d[2:2]" is a single signal
-        const qint64 width = widthOf(a, b);
-        if (width > MaxBusWidth)
-            return false;
-        wave->isBus = true;
-        wave->busWidth = static_cast<qint32>(width);
-        WaveformData::genExpandWave(wave, name.left(open), a, b);
-        return true;
-    }
-    if (inner.contains(QLatin1Char(','))) {
-        const QStringList elements = inner.toString().split(QLatin1Char(','));
-        wave->isBus = true;
-        wave->elements = elements;
-        wave->busWidth = static_cast<qint32>(elements.size());
-    }
+    // A list names its elements itself; a range or run would have them made.
+    if (bus.form != BusName::List && bus.width() > MaxBusWidth)
+        return false;
+    wave->isBus = true;
+    wave->busWidth = static_cast<qint32>(bus.width());
+    if (bus.form == BusName::List)
+        wave->elements = bus.elements;
+    else
+        WaveformData::genExpandWave(wave, bus.base, bus.from, bus.to);
     return true;
 }
 

@@ -162,6 +162,10 @@ private Q_SLOTS:
         auto doc = load(name + Attr + right + ";\n");
         QCOMPARE(segments(doc->waves.first()), expected);
         QCOMPARE(doc->waves.first()->foreverIndex, foreverIndex);
+        // One statement compiled on its own reads alike, repeats included.
+        WaveformData single;
+        single.CompilerLine(name + Attr + right + ";");
+        QCOMPARE(segments(single.waves.first()), expected);
     }
 
     void references_data()
