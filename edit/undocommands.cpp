@@ -186,22 +186,33 @@ void ForeverCommand::redo()
 // --- EditPatternCommand and CutPatternCommand -------------------------------
 
 EditPatternCommand::EditPatternCommand(WaveData* after, WaveData* before, VokGUI* gui, QUndoCommand* parent)
-    : QUndoCommand(parent), after_(snapshotOf(after)), before_(snapshotOf(before)), gui_(gui)
+    : EditPatternCommand(after, narrowChange(*before, *after), gui, parent)
 {
 }
 
-EditPatternCommand::~EditPatternCommand()
+EditPatternCommand::EditPatternCommand(WaveData* wave, SegmentChange change, VokGUI* gui, QUndoCommand* parent)
+    : QUndoCommand(parent), name_(wave->name), change_(std::move(change)), gui_(gui)
 {
-    delete after_;
-    delete before_;
+    // A wave outside the document (a copy made for the command) is not the
+    // edited live wave: the first redo must apply the change like any other.
+    pending_ = find(gui, name_) == wave;
 }
 
-void EditPatternCommand::restore(const WaveData* state, bool reloadProperties)
+void EditPatternCommand::restore(bool toAfter, bool reloadProperties)
 {
-    WaveData* live = find(gui_, after_->name);
+    WaveData* live = find(gui_, name_);
     if (!live)
         return;
-    gui_->discardSegments(copyExactly(live, state));
+    if (pending_) {
+        pending_ = false;
+    } else {
+        QList<Pattern*> lost;
+        if (toAfter)
+            change_.redo(*live, &lost);
+        else
+            change_.undo(*live, &lost);
+        gui_->discardSegments(lost);
+    }
     if (reloadProperties && live == gui_->activeWave())
         gui_->waveDataDlg()->LoadData(live);
     gui_->Refresh();
@@ -210,22 +221,24 @@ void EditPatternCommand::restore(const WaveData* state, bool reloadProperties)
 
 void EditPatternCommand::undo()
 {
-    restore(before_, true);
+    pending_ = false;
+    restore(false, true);
 }
 
 void EditPatternCommand::redo()
 {
-    restore(after_, true);
+    restore(true, true);
 }
 
 void CutPatternCommand::undo()
 {
-    restore(before_, false);
+    pending_ = false;
+    restore(false, false);
 }
 
 void CutPatternCommand::redo()
 {
-    restore(after_, false);
+    restore(true, false);
 }
 
 // --- NodeParaCommand --------------------------------------------------------

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QUndoCommand>
 
+#include "segmentrange.h"
+
 namespace kesu::toolvok {
 
 class VokGUI;
@@ -86,19 +88,25 @@ private:
 class EditPatternCommand : public QUndoCommand
 {
 public:
+    // before: a copy of the wave before the edit; after: the wave as the
+    // edit left it. Only the range that differs is kept.
     EditPatternCommand(WaveData* after, WaveData* before, VokGUI* gui, QUndoCommand* parent = nullptr);
-    ~EditPatternCommand() override;
+    // wave: the live wave, already edited; change: what the edit did to it.
+    EditPatternCommand(WaveData* wave, SegmentChange change, VokGUI* gui, QUndoCommand* parent = nullptr);
+    ~EditPatternCommand() override = default;
     void undo() override;
     void redo() override;
 
 protected:
-    // Puts the live wave into the state of the given snapshot and refreshes
-    // the views; the properties view only when asked.
-    void restore(const WaveData* state, bool reloadProperties);
+    // Puts the live wave into the state before or after the edit and
+    // refreshes the views; the properties view only when asked.
+    void restore(bool toAfter, bool reloadProperties);
 
-    WaveData* after_;
-    WaveData* before_;
+    QString name_;
+    SegmentChange change_;
     VokGUI* gui_;
+    // The first redo, from the push, finds the wave already edited.
+    bool pending_ = true;
 };
 
 // A cut leaves the Waveform Properties view alone: the cutting code reloads it

@@ -29,22 +29,12 @@ qint32 addDurations(qint32 a, qint32 b)
     return static_cast<qint32>(static_cast<quint32>(a) + static_cast<quint32>(b));
 }
 
-// Merges equal neighbours of patterns[from, to) in place of that range;
-// returns how many segments left it, appending them to removed.
-qsizetype mergeRange(const QList<Pattern*>& in, qsizetype from, qsizetype to, QList<Pattern*>& out,
-                     QList<Pattern*>& removed)
+// The segments of the wave that an edit of the selected ones and the merging
+// after it can change, for its undo step.
+SegmentRange rangeOfEdit(const WaveData& wave, const QList<Pattern*>& selection)
 {
-    const qsizetype before = removed.size();
-    for (qsizetype i = from; i < to; ++i) {
-        Pattern* p = in.at(i);
-        if (i > from && out.last()->value == p->value) {
-            out.last()->duration = addDurations(out.last()->duration, p->duration);
-            removed.append(p);
-        } else {
-            out.append(p);
-        }
-    }
-    return removed.size() - before;
+    const auto [first, last] = wave.spanOf(selection);
+    return first < 0 ? mergeableRange(wave, 0, 0) : mergeableRange(wave, first, last + 1);
 }
 
 std::string nextValue(const WaveData* wave)
@@ -97,13 +87,14 @@ QList<Pattern*> VokGUI::takeSelectedSegments()
 {
     // Only what the active wave really holds is taken: anything else in the
     // selection still belongs to its own wave.
+    const auto [first, last] = m_activeWave->spanOf(m_selection);
+    const QList<Pattern*> removed = m_activeWave->takeSegments(m_selection, first, last);
+    QSet<const Pattern*> gone(removed.cbegin(), removed.cend());
+    // In the order of the selection: a cut pastes them in that order.
     QList<Pattern*> taken;
-    QSet<Pattern*> own(m_activeWave->patterns.cbegin(), m_activeWave->patterns.cend());
     for (Pattern* p : std::as_const(m_selection)) {
-        if (own.remove(p)) {
-            m_activeWave->removeData(p);
+        if (gone.remove(p))
             taken.append(p);
-        }
     }
     return taken;
 }
@@ -116,21 +107,47 @@ void VokGUI::resetForever(WaveData* wave)
 
 void VokGUI::mergeAfterEdit(WaveData* wave)
 {
+    mergeNeighbours(wave, 0, int(wave->patterns.size()));
+}
+
+void VokGUI::mergeEditedRange(WaveData* wave, const SegmentRange& before)
+{
+    // Every pair of equal neighbours lay inside the copied range; the edit
+    // changed the wave's length inside it.
+    const int grown = int(wave->patterns.size()) - before.waveCount();
+    mergeNeighbours(wave, before.first(), before.first() + before.count() + grown);
+}
+
+void VokGUI::mergeNeighbours(WaveData* wave, int from, int to)
+{
     // The head (before the forever segment) and the repeated tail merge each
-    // in itself, never across their border. One pass keeps large waves cheap.
-    const qsizetype count = wave->patterns.size();
+    // in itself, never across their border. The list is rewritten only from
+    // the first merge on.
+    QList<Pattern*>& list = wave->patterns;
+    const qsizetype count = list.size();
+    const qsizetype end = qBound(qsizetype(0), qsizetype(to), count);
     const qint32 forever = wave->foreverIndex;
-    const qsizetype headEnd = forever == -1 ? count : qBound(qsizetype(0), qsizetype(forever), count);
-    QList<Pattern*> merged;
-    merged.reserve(count);
-    QList<Pattern*> removed;
-    const qsizetype headMerges = mergeRange(wave->patterns, 0, headEnd, merged, removed);
-    if (forever != -1)
-        mergeRange(wave->patterns, headEnd, count, merged, removed);
-    else if (headEnd < count)
-        merged.append(wave->patterns.mid(headEnd));
-    if (!removed.isEmpty()) {
-        wave->patterns.swap(merged);
+    const qsizetype border = forever == -1 ? count : qBound(qsizetype(0), qsizetype(forever), count);
+    qsizetype i = qMax(qsizetype(from), qsizetype(0)) + 1;
+    while (i < end && (i == border || !Values::same(list.at(i - 1)->value, list.at(i)->value)))
+        ++i;
+    if (i < end) {
+        wave->segmentsChanged(int(i - 1));
+        QList<Pattern*> removed;
+        qsizetype headMerges = 0;
+        qsizetype kept = i - 1;
+        for (; i < end; ++i) {
+            Pattern* p = list.at(i);
+            Pattern* last = list.at(kept);
+            if (i != border && Values::same(last->value, p->value)) {
+                last->duration = addDurations(last->duration, p->duration);
+                removed.append(p);
+                headMerges += i < border ? 1 : 0;
+            } else {
+                list[++kept] = p;
+            }
+        }
+        list.remove(kept + 1, end - kept - 1);
         if (forever != -1)
             wave->foreverIndex = static_cast<qint32>(forever - headMerges);
         discardSegments(removed);
@@ -156,9 +173,10 @@ void VokGUI::addEditData(quint64 time)
     if (time / m_step > quint64(m_waveHBar->maximum()))
         m_waveHBar->setMaximum(static_cast<int>(qMin<quint64>(time / m_step + 5, INT_MAX)));
 
-    std::unique_ptr<WaveData> before(snapshotOf(wave));
+    // Only the last segment can take the new one in.
+    const SegmentRange before(*wave, int(wave->patterns.size()) - 1, 1);
     const bool taken = wave->addData(p);
-    m_undoStack->push(new EditPatternCommand(wave, before.get(), this));
+    m_undoStack->push(new EditPatternCommand(wave, narrowChange(before, *wave), this));
     // A click right at the end makes a segment of no length, which no wave takes.
     if (taken)
         m_selection.append(p);
@@ -171,12 +189,12 @@ void VokGUI::clearData()
     if (m_selection.isEmpty() || !m_activeWave)
         return;
     finishMouseEdit();
-    std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
+    const SegmentRange before = rangeOfEdit(*m_activeWave, m_selection);
     discardSegments(takeSelectedSegments());
-    mergeAfterEdit(m_activeWave);
+    mergeEditedRange(m_activeWave, before);
     changeRange(-1, -1);
     m_editDlg->LoadData(nullptr, m_selection);
-    m_undoStack->push(new EditPatternCommand(m_activeWave, before.get(), this));
+    m_undoStack->push(new EditPatternCommand(m_activeWave, narrowChange(before, *m_activeWave), this));
     m_selection.clear();
     Refresh();
 }
@@ -188,17 +206,17 @@ void VokGUI::cutData()
     finishMouseEdit();
     m_fromCut = true;
     dropClipboard();
-    std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
+    const SegmentRange before = rangeOfEdit(*m_activeWave, m_selection);
     m_activeWave->selected = false;
     m_clipboard = takeSelectedSegments();
     m_selection.clear();
     // The cut segments live on in the clipboard; the views must let go of them.
     const QSet<Pattern*> cut(m_clipboard.cbegin(), m_clipboard.cend());
     forgetSegments([&cut](const Pattern* p) { return cut.contains(const_cast<Pattern*>(p)); });
-    mergeAfterEdit(m_activeWave);
+    mergeEditedRange(m_activeWave, before);
     m_editDlg->LoadData(nullptr, m_selection);
     m_waveDataDlg->LoadData(m_activeWave);
-    m_undoStack->push(new CutPatternCommand(m_activeWave, before.get(), this));
+    m_undoStack->push(new CutPatternCommand(m_activeWave, narrowChange(before, *m_activeWave), this));
     Q_EMIT pastedataChanged(false);
     Q_EMIT editdataChanged(false);
 }
@@ -228,7 +246,7 @@ void VokGUI::pasteData()
     finishMouseEdit();
 
     Pattern* insertionPoint = m_selection.first();
-    std::unique_ptr<WaveData> before(snapshotOf(m_activeWave));
+    const SegmentRange before = rangeOfEdit(*m_activeWave, m_selection);
     for (Pattern* p : std::as_const(m_clipboard)) {
         if (m_fromCut) {
             p->wave->removeData(p);
@@ -238,14 +256,14 @@ void VokGUI::pasteData()
         }
     }
     discardSegments(takeSelectedSegments());
-    mergeAfterEdit(m_activeWave);
+    mergeEditedRange(m_activeWave, before);
     if (m_fromCut)
         m_clipboard.clear();   // a cut pastes once: its segments now belong to the wave
 
     m_activeWave->selected = false;
     m_selection.clear();
     m_editDlg->LoadData(m_activeWave, m_selection);
-    m_undoStack->push(new EditPatternCommand(m_activeWave, before.get(), this));
+    m_undoStack->push(new EditPatternCommand(m_activeWave, narrowChange(before, *m_activeWave), this));
     Q_EMIT pastedataChanged(false);
     Q_EMIT editdataChanged(false);
     Refresh();

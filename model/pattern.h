@@ -37,6 +37,11 @@ inline constexpr const char* HighZ = "-2";
 inline bool isDontCare(const std::string& v) { return v.size() == 2 && v[0] == '-' && v[1] == '1'; }
 inline bool isHighZ(const std::string& v) { return v.size() == 2 && v[0] == '-' && v[1] == '2'; }
 inline bool isSpecial(const std::string& v) { return isDontCare(v) || isHighZ(v); }
+// Most neighbours differ in their length or first digit: no library call then.
+inline bool same(const std::string& a, const std::string& b)
+{
+    return a.size() == b.size() && (a.empty() || (a[0] == b[0] && a.compare(b) == 0));
+}
 }
 
 // The all-ones time: "no time".

@@ -141,4 +141,25 @@ SegmentChange narrowChange(const WaveData& before, const WaveData& after, int fi
             SegmentRange(after, first + head, afterCount - head - tail)};
 }
 
+SegmentRange mergeableRange(const WaveData& wave, int first, int end)
+{
+    const int size = int(wave.patterns.size());
+    int lo = std::clamp(first - 1, 0, size);
+    int hi = std::clamp(end + 1, lo, size);
+    const auto equalAt = [&wave](int i) { return Values::same(wave.patterns.at(i - 1)->value, wave.patterns.at(i)->value); };
+    for (int i = 1; i <= lo; ++i) {
+        if (equalAt(i)) {
+            lo = i - 1;
+            break;
+        }
+    }
+    for (int i = size - 1; i >= hi; --i) {
+        if (equalAt(i)) {
+            hi = i + 1;
+            break;
+        }
+    }
+    return SegmentRange(wave, lo, hi - lo);
+}
+
 } // namespace kesu::toolvok

@@ -72,4 +72,9 @@ SegmentChange narrowChange(const SegmentRange& before, const WaveData& after);
 // [first, end) cover the edit (end -1: to the last segment).
 SegmentChange narrowChange(const WaveData& before, const WaveData& after, int first = 0, int end = -1);
 
+// A copy of segments [first, end) of wave and one neighbour either side,
+// widened to every pair of equal neighbours the wave holds: all that an edit
+// there and the merging of equal neighbours after it can change.
+SegmentRange mergeableRange(const WaveData& wave, int first, int end);
+
 } // namespace kesu::toolvok

@@ -160,6 +160,71 @@ void WaveData::removeData(Pattern* p)
     patterns.removeAt(k);
 }
 
+std::pair<int, int> WaveData::spanOf(const QList<Pattern*>& which) const
+{
+    if (which.isEmpty())
+        return {-1, -1};
+    const QSet<const Pattern*> set(which.cbegin(), which.cend());
+    const auto inSet = [&set](const Pattern* p) { return set.contains(p); };
+    const qsizetype at = patterns.indexOf(which.first());
+    if (at >= 0) {
+        qsizetype lo = at;
+        qsizetype hi = at;
+        while (lo > 0 && inSet(patterns.at(lo - 1)))
+            --lo;
+        while (hi + 1 < patterns.size() && inSet(patterns.at(hi + 1)))
+            ++hi;
+        if (hi - lo + 1 == set.size())
+            return {int(lo), int(hi)};
+    }
+    // Scattered, or partly elsewhere: look at every segment.
+    int lo = -1;
+    int hi = -1;
+    for (qsizetype i = 0; i < patterns.size(); ++i) {
+        if (inSet(patterns.at(i))) {
+            lo = lo < 0 ? int(i) : lo;
+            hi = int(i);
+        }
+    }
+    return {lo, hi};
+}
+
+QList<Pattern*> WaveData::takeSegments(const QList<Pattern*>& which, int first, int last)
+{
+    QList<Pattern*> taken;
+    const qsizetype size = patterns.size();
+    if (which.isEmpty() || first < 0 || last < first || last >= size)
+        return taken;
+    const QSet<const Pattern*> set(which.cbegin(), which.cend());
+    const qsizetype tail = foreverIndex;
+    qsizetype keptBeforeTail = tail < first ? tail : first;
+    // Segments outside [first, last] all stay.
+    bool tailSurvives = tail >= 0 && (tail < first || last + 1 < size);
+    qsizetype kept = first;
+    for (qsizetype i = first; i <= last; ++i) {
+        Pattern* p = patterns.at(i);
+        if (set.contains(p)) {
+            taken.append(p);
+            continue;
+        }
+        if (i < tail)
+            ++keptBeforeTail;
+        tailSurvives = tailSurvives || (tail >= 0 && i >= tail);
+        patterns[kept++] = p;
+    }
+    if (taken.isEmpty())
+        return taken;
+    patterns.remove(kept, taken.size());
+    // The tail starts at the first segment of it that is left; with none
+    // left there is no tail.
+    if (tail >= size)
+        foreverIndex = qint32(tail - taken.size());
+    else if (tail >= 0)
+        foreverIndex = tailSurvives ? qint32(tail > last ? tail - taken.size() : keptBeforeTail) : -1;
+    segmentsChanged(first);
+    return taken;
+}
+
 QList<Pattern*> WaveData::duplicateData(const WaveData* source)
 {
     QList<Pattern*> surplus;

@@ -4,9 +4,11 @@
 
 #include <QList>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
+#include <utility>
 #include <vector>
 
 namespace kesu::toolvok {
@@ -40,6 +42,14 @@ public:
     void insertData(Pattern* p, Pattern* before);
     void insertPattern(Pattern* p, const WaveData* source);
     void removeData(Pattern* p);
+    // The lowest and highest index of the segments of which that the list
+    // holds ({-1, -1} for none). A run of neighbours, as a selection made by
+    // dragging is, costs one search and its own length.
+    std::pair<int, int> spanOf(const QList<Pattern*>& which) const;
+    // Takes the segments of which that lie in [first, last] out of the list,
+    // the forever index following as if each went by removeData; returns
+    // them in list order, still alive.
+    QList<Pattern*> takeSegments(const QList<Pattern*>& which, int first, int last);
     // Returns the segments that no longer fit (source is shorter): they leave
     // the list without being deleted, since views and undo commands may still
     // hold them; the caller decides their fate.

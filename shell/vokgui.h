@@ -30,6 +30,7 @@ class BaseUsrSettings;
 class EditDlg;
 class PatternDlg;
 class RulerView;
+class SegmentRange;
 class VokNavigator;
 class WaveData;
 class WaveDataDlg;
@@ -301,6 +302,10 @@ private:
     void forgetSegments(const std::function<bool(const Pattern*)>& gone);
     // Takes the selected segments out of the active wave and returns them.
     QList<Pattern*> takeSelectedSegments();
+    // mergeAfterEdit over the range an edit's undo copy covers, or over
+    // segments [from, to): only pairs inside can merge.
+    void mergeEditedRange(WaveData* wave, const SegmentRange& before);
+    void mergeNeighbours(WaveData* wave, int from, int to);
     QString dialogFolder() const;
     bool askToSave();
 

@@ -133,6 +133,19 @@ private Q_SLOTS:
         QKeyEvent del(QEvent::KeyRelease, Qt::Key_Delete, Qt::NoModifier);
         QVERIFY(QCoreApplication::sendEvent(t->waveView(), &del));
         QCOMPARE(t.saved(), wdl({kA, kZ, kX, kH, bus("d[3:0]", "1 10 3 10 5 10"), kM, kN, kW, kK, kB}));
+
+        // Equal neighbours far from the cleared pulse merge too, and come
+        // apart again on undo.
+        const QByteArray apart = bus("e[3:0]", "7 10 7 10 1 10 2 10 3 10 4 10 4 10 6 10");
+        Tool far(wdl({apart}));
+        far.editMode(true);
+        far.select(QStringLiteral("e[3:0]"), {3});
+        far->clearData();
+        QCOMPARE(far.saved(), wdl({bus("e[3:0]", "7 20 1 10 3 10 4 20 6 10")}));
+        far->undo();
+        QCOMPARE(far.saved(), wdl({apart}));
+        far->redo();
+        QCOMPARE(far.saved(), wdl({bus("e[3:0]", "7 20 1 10 3 10 4 20 6 10")}));
     }
 
     void cutPastesOnce()

@@ -43,7 +43,8 @@ QByteArray summary(const VokGUI& gui)
     for (const WaveData* w : doc->waves) {
         s << w->name << (w->visible ? "" : " hidden") << " {" << w->group << ' ' << w->polarity << ' ' << w->waveType
           << ' ' << w->offset << ' ' << w->formatValue << ' ' << w->formatRatio << ' ' << w->isPattern << ' '
-          << w->isBus << ' ' << w->busWidth << "} =";
+          << w->isBus << ' ' << w->busWidth << ' ' << w->foreverIndex << (w->indexConsistent() ? "" : " stale index")
+          << "} =";
         for (const Pattern* p : w->patterns)
             s << (p->forever ? " (" : " ") << p->value.c_str() << ' ' << p->duration;
         s << '\n';
@@ -98,7 +99,8 @@ private:
         return gui_.waveList()->waveAt(row);
     }
 
-    // A drag across up to four neighbouring segments; describes them in what.
+    // A drag across up to four neighbouring segments, now and then every
+    // other one of them; describes them in what.
     WaveData* pickRun(const char* verb, QString& what)
     {
         WaveData* wave = pickRow();
@@ -106,8 +108,11 @@ private:
             return nullptr;
         const qsizetype n = wave->patterns.size(), from = rng_.bounded(n);
         const qsizetype count = 1 + qsizetype(rng_.bounded(qMin<qsizetype>(4, n - from)));
-        gui_.selection() = wave->patterns.mid(from, count);
-        what = QStringLiteral("%1 %2 [%3, %4) of %5").arg(verb, wave->name).arg(from).arg(from + count).arg(n);
+        const qsizetype stride = rng_.bounded(4) == 0 ? 2 : 1;
+        gui_.selection().clear();
+        for (qsizetype i = from; i < from + count; i += stride)
+            gui_.selection().append(wave->patterns.at(i));
+        what = QStringLiteral("%1 %2 [%3, %4) by %5 of %6").arg(verb, wave->name).arg(from).arg(from + count).arg(stride).arg(n);
         return wave;
     }
 

@@ -197,6 +197,35 @@ private Q_SLOTS:
         QCOMPARE(w->patterns.size(), 3);
     }
 
+    // Taking several segments at once ends as removing them one by one does,
+    // for every subset and every tail start of a five-segment wave.
+    void takeSegmentsMatchesRemoveData()
+    {
+        for (int forever = -1; forever < 5; ++forever) {
+            for (int subset = 1; subset < 32; ++subset) {
+                auto one = makeWave("w", "0:1 1:2 0:3 1:4 0:5");
+                auto all = makeWave("w", "0:1 1:2 0:3 1:4 0:5");
+                one->foreverIndex = all->foreverIndex = forever;
+                QList<Pattern*> which;
+                for (int i = 0; i < 5; ++i) {
+                    if (subset & (1 << i)) {
+                        which.append(all->patterns.at(i));
+                        std::unique_ptr<Pattern> gone(one->patterns.at(i - int(which.size()) + 1));
+                        one->removeData(gone.get());
+                    }
+                }
+                const auto [first, last] = all->spanOf(which);
+                const QList<Pattern*> taken = all->takeSegments(which, first, last);
+                const QString where = QStringLiteral("forever %1, subset %2").arg(forever).arg(subset);
+                QVERIFY2(taken == which, qPrintable(where));
+                QVERIFY2(segments(all.get()) == segments(one.get()) && all->foreverIndex == one->foreverIndex,
+                         qPrintable(where));
+                QVERIFY(all->indexConsistent());
+                qDeleteAll(taken);
+            }
+        }
+    }
+
     void duplicateData()
     {
         auto source = makeWave("src", "A:1 A:2 (-1:3", 77, true);
