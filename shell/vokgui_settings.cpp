@@ -48,9 +48,9 @@ void VokGUI::SaveWinSettings()
     s.setValue(QStringLiteral("bus_radix"), QString::number(m_busRadix));
     s.setValue(QStringLiteral("auto_save"), QString::number(m_autoSave));
     s.setValue(QStringLiteral("show_guideline"), flag(m_showGuideline));
-    s.setValue(QStringLiteral("show_dataview"), flag(m_waveDataDlg->isVisibleTo(this)));
-    s.setValue(QStringLiteral("show_propview"), flag(m_editDlg->isVisibleTo(this)));
-    s.setValue(QStringLiteral("show_patternview"), flag(m_patternViewShown));
+    s.setValue(QStringLiteral("show_dataview"), flag(!m_waveDataDlg->isHidden()));
+    s.setValue(QStringLiteral("show_propview"), flag(!m_editDlg->isHidden()));
+    s.setValue(QStringLiteral("show_patternview"), flag(!m_patternDlg->isHidden()));
 }
 
 void VokGUI::onLoadLayout(QSettings* settings)
@@ -73,11 +73,11 @@ void VokGUI::onSaveLayout(QSettings* settings)
 {
     if (!settings)
         return;
-    settings->setValue(QStringLiteral("show_dataview"), flag(m_waveDataDlg->isVisibleTo(this)));
+    settings->setValue(QStringLiteral("show_dataview"), flag(!m_waveDataDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_dataview"), flag(!m_waveDataDlg->isFloating()));
-    settings->setValue(QStringLiteral("show_propview"), flag(m_editDlg->isVisibleTo(this)));
+    settings->setValue(QStringLiteral("show_propview"), flag(!m_editDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_propview"), flag(!m_editDlg->isFloating()));
-    settings->setValue(QStringLiteral("show_patternview"), flag(m_patternDlg->isVisibleTo(this)));
+    settings->setValue(QStringLiteral("show_patternview"), flag(!m_patternDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_patternview"), flag(!m_patternDlg->isFloating()));
 }
 
