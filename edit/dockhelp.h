@@ -9,8 +9,8 @@ class QWidget;
 
 namespace kesu::toolvok::DockHelp {
 
-// Gives the dock its name for the layout store and its contents, which
-// keep a usable minimum width however narrow the window.
+// Gives the dock its name for the layout store and its contents, whose
+// layout keeps them from being squeezed below what their widgets need.
 void setUp(QDockWidget* dock, const QString& objectName, QWidget* contents);
 
 // Installs `filter` on `root` and every widget inside it, so that F1 on any

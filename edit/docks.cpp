@@ -13,7 +13,6 @@ void setUp(QDockWidget* dock, const QString& objectName, QWidget* contents)
 {
     dock->setObjectName(objectName);
     dock->setAllowedAreas(Qt::AllDockWidgetAreas);
-    contents->setMinimumWidth(160);
     dock->setWidget(contents);
 }
 

@@ -51,6 +51,9 @@ EditDlg::EditDlg(VokGUI* owner, QWidget* parent)
     scale_ = numberEdit(box);
     repeat_ = numberEdit(box);
     forever_ = new QCheckBox(box);
+    for (auto [widget, name] : {std::pair<QWidget*, const char*>{state_, "state"}, {duration_, "duration"},
+                                {value_, "value"}, {scale_, "scale"}, {repeat_, "repeat"}, {forever_, "forever"}})
+        widget->setObjectName(QLatin1String(name));
     auto* form = new QFormLayout(box);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->addRow(tr("State"), state_);

@@ -35,6 +35,9 @@ WaveDataDlg::WaveDataDlg(VokGUI* owner, QWidget* parent)
     type_->addItems({tr("Input"), tr("Output"), tr("Bidir"), tr("Test Pt"), tr("Global"), tr("Pattern")});
     offset_ = new QLineEdit(contents);
     summary_ = new TextEdit(contents);
+    name_->setObjectName(QStringLiteral("name"));
+    type_->setObjectName(QStringLiteral("polarity"));
+    offset_->setObjectName(QStringLiteral("offset"));
     auto* form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     form->addRow(tr("Polarity"), type_);

@@ -317,6 +317,9 @@ void VokGUI::onDefLayout()
     m_waveDataDlg->show();
     m_editDlg->show();
     m_patternDlg->hide();
+    onToggleDataView(true);
+    onTogglePropView(true);
+    onTogglePatternView(false);
 }
 
 void VokGUI::helpTool()

@@ -29,6 +29,11 @@ void VokGUI::GetWinSettings()
     m_waveDataDlg->setVisible(s.value(QStringLiteral("show_dataview"), QStringLiteral("1")).toString() == QLatin1String("1"));
     m_editDlg->setVisible(s.value(QStringLiteral("show_propview"), QStringLiteral("1")).toString() == QLatin1String("1"));
     m_patternDlg->setVisible(s.value(QStringLiteral("show_patternview"), QStringLiteral("0")).toString() == QLatin1String("1"));
+    // A dock hidden before the window first shows reports no change: the
+    // view actions are brought in line here.
+    onToggleDataView(false);
+    onTogglePropView(false);
+    onTogglePatternView(!m_patternDlg->isHidden());
     onChangeSplitter();
 }
 
@@ -67,6 +72,9 @@ void VokGUI::onLoadLayout(QSettings* settings)
         d.dock->setVisible(settings->value(QLatin1String(d.show), QLatin1String(d.fallback)).toString() == QLatin1String("1"));
         d.dock->setFloating(settings->value(QLatin1String(d.docked), QStringLiteral("1")).toString() != QLatin1String("1"));
     }
+    onToggleDataView(false);
+    onTogglePropView(false);
+    onTogglePatternView(!m_patternDlg->isHidden());
 }
 
 void VokGUI::onSaveLayout(QSettings* settings)
