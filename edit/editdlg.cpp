@@ -4,6 +4,7 @@
 #include "editdlg.h"
 
 #include "dockhelp.h"
+#include "dockeditcommand.h"
 #include "pulseedits.h"
 #include "timetext.h"
 #include "undocommands.h"
@@ -206,9 +207,9 @@ void EditDlg::resync()
     selection_.removeIf([&live](Pattern* p) { return !live.contains(p); });
 }
 
-void EditDlg::push(WaveData* before)
+void EditDlg::push(std::unique_ptr<WaveData> before)
 {
-    owner_->undoStack()->push(new EditPatternCommand(wave_, before, owner_));
+    owner_->undoStack()->push(new DockEditCommand(wave_, std::move(before), owner_));
     resync();
 }
 
@@ -236,7 +237,7 @@ void EditDlg::onEditState(int index)
         enable(value_, false, false);
     }
     const bool reselect = before->patterns.size() >= 2 && !wave_->isBus;
-    push(before.get());
+    push(std::move(before));
     if (reselect)
         owner_->waveView()->reselect();
 }
@@ -264,7 +265,7 @@ void EditDlg::onEditDuration()
     wave_->segmentsChanged(static_cast<int>(wave_->patterns.indexOf(pulse)));
     const quint64 start = owner_->getRangeStart();
     owner_->changeRange(double(start), double(start + value) - 1);
-    push(before.get());
+    push(std::move(before));
     duration_->setText(owner_->getTimeString(value, true));
     owner_->waveView()->setFocus();
 }
@@ -294,7 +295,7 @@ void EditDlg::onEditValue()
     std::unique_ptr<WaveData> before(snapshotOf(wave_));
     pulse->value = stored;
     owner_->mergeAfterEdit(wave_);
-    push(before.get());
+    push(std::move(before));
     owner_->waveView()->setFocus();
     owner_->waveView()->reselect();
     value_->setFocus();
@@ -323,7 +324,7 @@ void EditDlg::onEditScale()
     default:
         return;
     }
-    push(before.get());
+    push(std::move(before));
     scale_->setText(QStringLiteral("1"));
     const double start = double(owner_->getRangeStart());
     owner_->changeRange(start + 0.5, start + double(total) - 0.5);
@@ -356,7 +357,7 @@ void EditDlg::onEditRepeat()
         return;
     selection_.append(added);
     owner_->selection().append(added);
-    push(before.get());
+    push(std::move(before));
     const double start = double(owner_->getRangeStart());
     owner_->changeRange(start + 0.5, start + double(total) - 0.5);
     repeat_->setText(QStringLiteral("1"));

@@ -3,6 +3,8 @@
 #include <QDockWidget>
 #include <QList>
 
+#include <memory>
+
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
@@ -44,7 +46,7 @@ private:
     // leaving an edit for the message box is not taken as an edit.
     void refuse(const QString& message);
     // Records the change from `before` to the live wave as one undo step.
-    void push(WaveData* before);
+    void push(std::unique_ptr<WaveData> before);
     // Takes the owner's selection again after an edit may have merged pulses
     // away, keeping what the edits left in the line edits.
     void resync();

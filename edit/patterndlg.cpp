@@ -1,7 +1,7 @@
 #include "patterndlg.h"
 
 #include "dockhelp.h"
-#include "undocommands.h"
+#include "dockeditcommand.h"
 #include "vokgui.h"
 #include "wavedata.h"
 #include "waveformdata.h"
@@ -152,7 +152,7 @@ void PatternDlg::onInsert()
     owner_->selection().clear();
     owner_->mergeAfterEdit(wave);
     owner_->changeRange(-1, -1);
-    owner_->undoStack()->push(new EditPatternCommand(wave, before.get(), owner_));
+    owner_->undoStack()->push(new DockEditCommand(wave, std::move(before), owner_));
     owner_->LoadEditData();
     updateButton();
 }
