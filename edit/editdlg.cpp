@@ -49,6 +49,8 @@ EditDlg::EditDlg(VokGUI* owner, QWidget* parent)
     state_ = new QComboBox(box);
     duration_ = new QLineEdit(box);
     value_ = new QLineEdit(box);
+    hexDigits_ = new QRegularExpressionValidator(QRegularExpression(QLatin1String(HexRule)), value_);
+    numberDigits_ = new QRegularExpressionValidator(QRegularExpression(QLatin1String(NumberRule)), value_);
     scale_ = numberEdit(box);
     repeat_ = numberEdit(box);
     forever_ = new QCheckBox(box);
@@ -174,8 +176,7 @@ void EditDlg::showPulse(const Pattern* pulse)
     duration_->setText(owner_->getTimeString(quint64(qint64(pulse->duration)), true));
     const std::string& v = pulse->value;
     const bool hex = owner_->busRadix() == HexRadix;
-    value_->setValidator(new QRegularExpressionValidator(
-        QRegularExpression(QLatin1String(hex ? HexRule : NumberRule)), value_));
+    value_->setValidator(hex ? hexDigits_ : numberDigits_);
     if (!bus) {
         state_->setCurrentIndex(Values::isDontCare(v) ? 2 : Values::isHighZ(v) ? 3 : v == "0" ? 0 : 1);
         value_->clear();

@@ -8,6 +8,7 @@
 class QCheckBox;
 class QComboBox;
 class QLineEdit;
+class QValidator;
 
 namespace kesu::toolvok {
 
@@ -57,6 +58,9 @@ private:
     QComboBox* state_;
     QLineEdit* duration_;
     QLineEdit* value_;
+    // Bus values are typed in the radix the buses are shown in.
+    QValidator* hexDigits_;
+    QValidator* numberDigits_;
     QLineEdit* scale_;
     QLineEdit* repeat_;
     QCheckBox* forever_;
