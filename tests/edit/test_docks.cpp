@@ -468,6 +468,9 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitFor([&] { return docks()[2]->isVisible(); }));
         viewAction(0)->trigger();
         QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
+        docks()[1]->close();   // its title bar's close button
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, false, false, true, true}));
+        viewAction(1)->trigger();
         gui->close();
         gui.reset();
         // The next start shows what the user left.
