@@ -75,16 +75,18 @@ Outcome repeatSelection(WaveData* wave, const QList<Pattern*>& selection, qint64
         span += p->duration;
     }
     const qint64 copies = qMax<qint64>(count - 1, 0);
-    if (copies > 0 && (k * copies > MaxNewPulses || copies > MaxNewPulses))
+    if (copies > MaxNewPulses || k * copies > MaxNewPulses)
         return Outcome::TooMany;
     if (span < 0 || (span > 0 && quint64(count > 0 ? count : 0) > std::numeric_limits<quint64>::max() / quint64(span)))
         return Outcome::Overflow;
     // A copy's first pulse joins the pulse before it when their values agree:
     // that pulse is the last selected one, then the newest copy of it.
+    // A single pulse joins itself on every copy.
     const std::string& head = selection.first()->value;
+    const qint64 joins = k == 1 ? copies : qMin<qint64>(copies, 1);
     if (copies > 0 && head == last->value
-        && (qint64(last->duration) + durations.first() > MaxDuration
-            || (copies > 1 && qint64(durations.last()) + durations.first() > MaxDuration)))
+        && (qint64(last->duration) + qint64(durations.first()) * joins > MaxDuration
+            || (copies > 1 && k > 1 && qint64(durations.last()) + durations.first() > MaxDuration)))
         return Outcome::Overflow;
     total = quint64(span) * quint64(count > 0 ? count : 0);
 

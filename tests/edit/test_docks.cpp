@@ -36,7 +36,8 @@ const QByteArray kEHead = "e { A I Default NRZ 0 1 50 } = ";
 const QByteArray kE = kEHead + "0 10 1 10(0 10 1 10)##;";
 const QByteArray kNHead = "n[3:0] { B I Default NRZ 0 1 50 } = ";
 const QByteArray kN = kNHead + "DonTCare 10 1 10 HighZ 5;";
-const QList<QByteArray> kWaves{kPat, kQ, kBp, kA, kD, kE, kN};
+const QByteArray kG = "g { A I Default NRZ 0 1 50 } = 0 2000000000 1 5 0 2000000000;";
+const QList<QByteArray> kWaves{kPat, kQ, kBp, kA, kD, kE, kN, kG};
 const QByteArray kDoc = wdl(kWaves);
 
 // kDoc with the line of the wave that `edited` begins with replaced.
@@ -138,6 +139,7 @@ private Q_SLOTS:
         add("repeat 0 adds nothing", "a", two, "repeat", "0", "", kA);
         add("repeat hex reads 0", "a", two, "repeat", "0x5", "", kA);
         add("repeat too many", "a", two, "repeat", "99999999", "The repeat count is too large.", {});
+        add("repeat joins past 32 bits", "g", {0, 1, 2}, "repeat", "2", overflow, {});
         add("forever from here", "a", {2, 3}, "forever", "", "", kAHead + "0 10 1 20(0 30 1 40)##;");
         add("forever off", "e", {2}, "forever", "", "", kEHead + "0 10 1 10 0 10 1 10;");
         add("forever off from before", "e", {1, 2}, "forever", "", "", kEHead + "0 10 1 10 0 10 1 10;");
@@ -426,7 +428,7 @@ private Q_SLOTS:
         QCOMPARE(t.steps(), 9);
         const QByteArray edited = t.saved();
         QCOMPARE(edited, wdl({kPat, kQ, kBp, kAHead + "0 30 2 40 0 2 1 4 0 30 2 40 0 30 2 40 0 30 2 40(0 30\n 1 40)##;",
-                              "d[7:0] { B B Default NRZ 5 1 50 } = 1 10 3C 10 F 10;", kE, kN}));
+                              "d[7:0] { B B Default NRZ 5 1 50 } = 1 10 3C 10 F 10;", kE, kN, kG}));
         // The steps copy the edited wave only when first undone: a redo after
         // that must still bring back every edit.
         for (int round = 0; round < 2; ++round) {
