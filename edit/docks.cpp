@@ -1,54 +1,35 @@
-// The three property docks. They are created with their titles; their
-// contents come with the editing features they serve.
-#include "editdlg.h"
-#include "patterndlg.h"
-#include "wavedatadlg.h"
+// What the three property docks share: their set-up and their F1 help.
+#include "dockhelp.h"
 
+#include "basehelp.h"
+
+#include <QDockWidget>
+#include <QKeyEvent>
 #include <QWidget>
 
-namespace kesu::toolvok {
+namespace kesu::toolvok::DockHelp {
 
-namespace {
-void setUpDock(QDockWidget* dock, const QString& name)
+void setUp(QDockWidget* dock, const QString& objectName, QWidget* contents)
 {
-    dock->setObjectName(name);
-    auto* contents = new QWidget(dock);
-    contents->setMinimumWidth(220);
-    dock->setWidget(contents);
+    dock->setObjectName(objectName);
     dock->setAllowedAreas(Qt::AllDockWidgetAreas);
+    dock->setWidget(contents);
 }
-} // namespace
 
-EditDlg::EditDlg(VokGUI* owner, QWidget* parent)
-    : QDockWidget(QObject::tr("Pulse Properties View"), parent), owner_(owner)
+void watch(QObject* filter, QWidget* root)
 {
-    setUpDock(this, QStringLiteral("PulsePropertiesView"));
+    root->installEventFilter(filter);
+    for (QWidget* child : root->findChildren<QWidget*>())
+        child->installEventFilter(filter);
 }
 
-void EditDlg::LoadData(WaveData* wave, const QList<Pattern*>&)
+bool helpOnKeyRelease(QEvent* event, const QString& topic)
 {
-    wave_ = wave;
+    if (event->type() != QEvent::KeyRelease)
+        return false;
+    if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_F1)
+        BaseHelp::openViewHelpUrl(topic);
+    return true;
 }
 
-WaveDataDlg::WaveDataDlg(VokGUI* owner, QWidget* parent)
-    : QDockWidget(QObject::tr("Waveform Properties View"), parent), owner_(owner)
-{
-    setUpDock(this, QStringLiteral("WaveformPropertiesView"));
-}
-
-void WaveDataDlg::LoadData(WaveData* wave)
-{
-    wave_ = wave;
-}
-
-PatternDlg::PatternDlg(VokGUI* owner, QWidget* parent)
-    : QDockWidget(QObject::tr("Pattern View"), parent), owner_(owner)
-{
-    setUpDock(this, QStringLiteral("PatternView"));
-}
-
-void PatternDlg::LoadData() {}
-
-void PatternDlg::updateButton() {}
-
-} // namespace kesu::toolvok
+} // namespace kesu::toolvok::DockHelp

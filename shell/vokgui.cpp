@@ -92,8 +92,9 @@ VokGUI::~VokGUI()
     for (QDockWidget* dock : {static_cast<QDockWidget*>(m_patternDlg), static_cast<QDockWidget*>(m_waveDataDlg),
                               static_cast<QDockWidget*>(m_editDlg)})
         disconnect(dock, nullptr, this, nullptr);
-    // Likewise a stack with steps on it announces its clearing when it goes.
-    disconnect(m_undoStack, nullptr, this, nullptr);
+    // Likewise a stack with steps on it announces its clearing when it goes,
+    // here and to the docks, which would read the document being torn down.
+    disconnect(m_undoStack, nullptr, nullptr, nullptr);
     // The views read the document while they go; take them down first.
     delete m_centralFrame;
     m_centralFrame = nullptr;
@@ -191,7 +192,12 @@ void VokGUI::createDocks()
         auto* action = new QAction(QLatin1String(v.text), this);
         action->setCheckable(true);
         action->setChecked(true);
-        connect(action, &QAction::toggled, v.dock, &QDockWidget::setVisible);
+        // Showing a dock that is tabbed behind another brings its tab forward.
+        connect(action, &QAction::toggled, v.dock, [dock = v.dock](bool on) {
+            dock->setVisible(on);
+            if (on)
+                dock->raise();
+        });
         connect(v.dock, &QDockWidget::visibilityChanged, this, v.toggled);
         m_viewActions.append(action);
     }
@@ -311,6 +317,9 @@ void VokGUI::onDefLayout()
     m_waveDataDlg->show();
     m_editDlg->show();
     m_patternDlg->hide();
+    onToggleDataView(true);
+    onTogglePropView(true);
+    onTogglePatternView(false);
 }
 
 void VokGUI::helpTool()
@@ -356,20 +365,23 @@ QMessageBox::StandardButton VokGUI::showmsg(const QString& text, QWidget* parent
     return messageBox(QMessageBox::Information, text, parent, QMessageBox::Ok);
 }
 
-void VokGUI::onToggleDataView(bool visible)
+// A dock's visibility also changes when its tab goes behind another or the
+// window hides; only a dock closed or hidden on purpose is unchecked, so that
+// the actions and the docks never switch each other off.
+void VokGUI::onToggleDataView(bool)
 {
-    m_viewActions.at(0)->setChecked(visible);
+    m_viewActions.at(0)->setChecked(!m_waveDataDlg->isHidden());
 }
 
-void VokGUI::onTogglePropView(bool visible)
+void VokGUI::onTogglePropView(bool)
 {
-    m_viewActions.at(1)->setChecked(visible);
+    m_viewActions.at(1)->setChecked(!m_editDlg->isHidden());
 }
 
 void VokGUI::onTogglePatternView(bool visible)
 {
-    m_viewActions.at(2)->setChecked(visible);
-    m_patternViewShown = visible;
+    m_patternViewShown = !m_patternDlg->isHidden();
+    m_viewActions.at(2)->setChecked(m_patternViewShown);
     if (visible)
         m_patternDlg->LoadData();
 }

@@ -29,6 +29,11 @@ void VokGUI::GetWinSettings()
     m_waveDataDlg->setVisible(s.value(QStringLiteral("show_dataview"), QStringLiteral("1")).toString() == QLatin1String("1"));
     m_editDlg->setVisible(s.value(QStringLiteral("show_propview"), QStringLiteral("1")).toString() == QLatin1String("1"));
     m_patternDlg->setVisible(s.value(QStringLiteral("show_patternview"), QStringLiteral("0")).toString() == QLatin1String("1"));
+    // A dock hidden before the window first shows reports no change: the
+    // view actions are brought in line here.
+    onToggleDataView(false);
+    onTogglePropView(false);
+    onTogglePatternView(!m_patternDlg->isHidden());
     onChangeSplitter();
 }
 
@@ -48,9 +53,9 @@ void VokGUI::SaveWinSettings()
     s.setValue(QStringLiteral("bus_radix"), QString::number(m_busRadix));
     s.setValue(QStringLiteral("auto_save"), QString::number(m_autoSave));
     s.setValue(QStringLiteral("show_guideline"), flag(m_showGuideline));
-    s.setValue(QStringLiteral("show_dataview"), flag(m_waveDataDlg->isVisibleTo(this)));
-    s.setValue(QStringLiteral("show_propview"), flag(m_editDlg->isVisibleTo(this)));
-    s.setValue(QStringLiteral("show_patternview"), flag(m_patternViewShown));
+    s.setValue(QStringLiteral("show_dataview"), flag(!m_waveDataDlg->isHidden()));
+    s.setValue(QStringLiteral("show_propview"), flag(!m_editDlg->isHidden()));
+    s.setValue(QStringLiteral("show_patternview"), flag(!m_patternDlg->isHidden()));
 }
 
 void VokGUI::onLoadLayout(QSettings* settings)
@@ -67,17 +72,20 @@ void VokGUI::onLoadLayout(QSettings* settings)
         d.dock->setVisible(settings->value(QLatin1String(d.show), QLatin1String(d.fallback)).toString() == QLatin1String("1"));
         d.dock->setFloating(settings->value(QLatin1String(d.docked), QStringLiteral("1")).toString() != QLatin1String("1"));
     }
+    onToggleDataView(false);
+    onTogglePropView(false);
+    onTogglePatternView(!m_patternDlg->isHidden());
 }
 
 void VokGUI::onSaveLayout(QSettings* settings)
 {
     if (!settings)
         return;
-    settings->setValue(QStringLiteral("show_dataview"), flag(m_waveDataDlg->isVisibleTo(this)));
+    settings->setValue(QStringLiteral("show_dataview"), flag(!m_waveDataDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_dataview"), flag(!m_waveDataDlg->isFloating()));
-    settings->setValue(QStringLiteral("show_propview"), flag(m_editDlg->isVisibleTo(this)));
+    settings->setValue(QStringLiteral("show_propview"), flag(!m_editDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_propview"), flag(!m_editDlg->isFloating()));
-    settings->setValue(QStringLiteral("show_patternview"), flag(m_patternDlg->isVisibleTo(this)));
+    settings->setValue(QStringLiteral("show_patternview"), flag(!m_patternDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_patternview"), flag(!m_patternDlg->isFloating()));
 }
 

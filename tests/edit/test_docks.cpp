@@ -1,0 +1,485 @@
+// The three property docks driven through their widgets on documents read
+// from files: what each control writes into the saved text, what it refuses,
+// and that each change is one undo step.
+#include "editdlg.h"
+#include "patterndlg.h"
+#include "wavedatadlg.h"
+
+#include "basehelp.h"
+#include "biginteger.h"
+#include "wavesummary.h"
+
+#include "edittestutil.h"
+#include "modalanswerer.h"
+#include "sandboxedtestmain.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSettings>
+#include <QUndoStack>
+
+using namespace kesu::toolvok;
+using namespace edittest;
+
+namespace {
+
+const QByteArray kPat = "$pat = 0 2 1 4;";
+const QByteArray kQ = "$q = 1 3 0 5;";
+const QByteArray kBp = "$bp[3:0] = 1 10 2 10;";
+const QByteArray kAHead = "a { A I Default NRZ 0 1 50 } = ";
+const QByteArray kA = kAHead + "0 10 1 20 0 30 1 40;";
+const QByteArray kD = "d[7:0] { B I Default NRZ 0 1 50 } = 1 10 2 10 F 10;";
+const QByteArray kEHead = "e { A I Default NRZ 0 1 50 } = ";
+const QByteArray kE = kEHead + "0 10 1 10(0 10 1 10)##;";
+const QByteArray kNHead = "n[3:0] { B I Default NRZ 0 1 50 } = ";
+const QByteArray kN = kNHead + "DonTCare 10 1 10 HighZ 5;";
+const QByteArray kG = "g { A I Default NRZ 0 1 50 } = 0 2000000000 1 5 0 2000000000;";
+const QList<QByteArray> kWaves{kPat, kQ, kBp, kA, kD, kE, kN, kG};
+const QByteArray kDoc = wdl(kWaves);
+
+// kDoc with the line of the wave that `edited` begins with replaced.
+QByteArray docWith(const QByteArray& edited)
+{
+    QList<QByteArray> waves = kWaves;
+    for (QByteArray& wave : waves) {
+        if (wave.left(wave.indexOf(' ')) == edited.left(edited.indexOf(' ')))
+            wave = edited;
+    }
+    return wdl(waves);
+}
+
+class Docks : public Tool
+{
+public:
+    explicit Docks(const QByteArray& text = kDoc) : Tool(text) { editMode(true); }
+
+    template <typename W> W* pulse(const char* name) const { return gui->editDlg()->findChild<W*>(name); }
+    template <typename W> W* waveData(const char* name) const { return gui->waveDataDlg()->findChild<W*>(name); }
+
+    // Pulses picked with the mouse: the views load the selection.
+    void pick(const QString& name, const QList<int>& indexes) const
+    {
+        select(name, indexes);
+        gui->waveDataDlg()->LoadData(wave(name));
+        gui->LoadEditData();
+    }
+    int steps() const { return gui->undoStack()->count(); }
+};
+
+// Typing the text and pressing Enter; the validator filters keys as it would.
+void type(QLineEdit* edit, const QString& text)
+{
+    edit->selectAll();
+    QTest::keyClicks(edit, text);
+    QTest::keyClick(edit, Qt::Key_Return);
+}
+
+// Uses a control as the user would: types into an edit, picks the entry of a
+// combo box given as its index, clicks a check box. Returns the text of the
+// message box that came up, answered with Ok ("" for none).
+QString use(QWidget* control, const QString& input)
+{
+    ModalAnswerer answerer({press(QMessageBox::Ok)});
+    if (auto* edit = qobject_cast<QLineEdit*>(control))
+        type(edit, input);
+    else if (auto* combo = qobject_cast<QComboBox*>(control))
+        combo->setCurrentIndex(input.toInt());
+    else if (auto* box = qobject_cast<QCheckBox*>(control))
+        box->click();
+    return answerer.seen.isEmpty() ? QString() : answerer.seen.first().text;
+}
+
+} // namespace
+
+class TestDocks : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void pulseControls_data()
+    {
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<QList<int>>("pulses");
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QByteArray>("edited");   // empty: the document stays as it was
+        QTest::addColumn<int>("span");            // the selected range afterwards, end minus start
+        const QList<int> one{1}, two{0, 1};
+        const QString overflow = "The duration is overflowed.";
+        auto add = [](const char* name, const QString& wave, const QList<int>& pulses, const QString& control,
+                      const QString& input, const QString& message, const QByteArray& edited, int span = -1) {
+            QTest::newRow(name) << wave << pulses << control << input << message << edited << span;
+        };
+        // Only Set Value merges equal neighbours.
+        add("low", "a", one, "state", "0", "", kAHead + "0 10 0 20 0 30 1 40;");
+        add("dont care", "a", one, "state", "2", "", kAHead + "0 10 2 20 0 30 1 40;");
+        add("high-z", "a", {0}, "state", "3", "", kAHead + "3 10 1 20 0 30 1 40;");
+        add("bus dont care", "d[7:0]", {2}, "state", "1", "", "d[7:0] { B I Default NRZ 0 1 50 } = 1 10 2 10 DonTCare 10;");
+        add("bus high-z", "d[7:0]", {0}, "state", "2", "", "d[7:0] { B I Default NRZ 0 1 50 } = HighZ 10 2 10 F 10;");
+        add("set value merges", "n[3:0]", {0}, "state", "0", "", kNHead + "1 20 HighZ 5;");
+        add("duration", "a", one, "duration", "25", "", kAHead + "0 10 1 25 0 30 1 40;", 24);
+        add("duration with unit", "a", one, "duration", "2 ns", "", kAHead + "0 10 1 2 0 30 1 40;", 1);
+        add("same duration", "a", one, "duration", "20 ns", "", {});
+        add("not a time", "a", one, "duration", "abc", "Invalid duration.", {});
+        add("duration 0", "a", one, "duration", "0", "Invalid duration.", {});
+        add("duration past 32 bits", "a", one, "duration", "3000000000", overflow, {});
+        add("scale 2", "a", two, "scale", "2", "", kAHead + "0 20 1 40 0 30 1 40;", 59);
+        add("scale hex", "a", {3}, "scale", "0x3", "", kAHead + "0 10 1 20 0 30 1 120;", 119);
+        add("scale 1", "a", two, "scale", "1", "", {});
+        add("scale 0", "a", {0}, "scale", "0", overflow, {});
+        add("scale too far", "a", {0}, "scale", "300000000", overflow, {});
+        add("scale past 64 bits", "a", {0}, "scale", "99999999999999999999", overflow, {});
+        add("repeat 3", "a", two, "repeat", "3", "", kAHead + "0 10 1 20 0 10 1 20 0 10 1 20 0 30 1 40;", 89);
+        // A copy whose first value is the value before it joins that pulse.
+        add("repeat joins", "a", {0, 1, 2}, "repeat", "2", "", kAHead + "0 10 1 20 0 40 1 20 0 30 1 40;", 119);
+        add("repeat 0 adds nothing", "a", two, "repeat", "0", "", kA);
+        add("repeat hex reads 0", "a", two, "repeat", "0x5", "", kA);
+        add("repeat too many", "a", two, "repeat", "99999999", "The repeat count is too large.", {});
+        add("repeat joins past 32 bits", "g", {0, 1, 2}, "repeat", "2", overflow, {});
+        add("forever from here", "a", {2, 3}, "forever", "", "", kAHead + "0 10 1 20(0 30 1 40)##;");
+        add("forever off", "e", {2}, "forever", "", "", kEHead + "0 10 1 10 0 10 1 10;");
+        add("forever off from before", "e", {1, 2}, "forever", "", "", kEHead + "0 10 1 10 0 10 1 10;");
+    }
+    void pulseControls()
+    {
+        QFETCH(QString, wave);
+        QFETCH(QList<int>, pulses);
+        QFETCH(QString, control);
+        QFETCH(QString, input);
+        QFETCH(QString, message);
+        QFETCH(QByteArray, edited);
+        QFETCH(int, span);
+        Docks t;
+        t.pick(wave, pulses);
+        t->changeRange(0, 1);
+        QWidget* widget = t->editDlg()->findChild<QWidget*>(control);
+        QVERIFY(widget->isEnabled());
+        QCOMPARE(use(widget, input), message);
+        QCOMPARE(t.saved(), edited.isEmpty() ? kDoc : docWith(edited));
+        QCOMPARE(t.steps(), edited.isEmpty() ? 0 : 1);
+        if (span >= 0)
+            QCOMPARE(qint64(t->getRangeEnd()) - qint64(t->getRangeStart()), span);
+        if (auto* edit = qobject_cast<QLineEdit*>(widget); edit && control != "duration" && message.isEmpty())
+            QCOMPARE(edit->text(), QStringLiteral("1"));
+        t->undo();
+        QCOMPARE(t.saved(), kDoc);
+    }
+
+    void foreverBox_data()
+    {
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<QList<int>>("pulses");
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<bool>("checked");
+        QTest::newRow("single pulse") << "a" << QList<int>{1} << false << false;
+        QTest::newRow("up to the end") << "a" << QList<int>{2, 3} << true << false;
+        QTest::newRow("named pattern") << "$q" << QList<int>{0, 1} << false << false;
+        QTest::newRow("in the tail") << "e" << QList<int>{3} << true << true;
+        QTest::newRow("before the tail") << "e" << QList<int>{0} << false << false;
+    }
+    void foreverBox()
+    {
+        QFETCH(QString, wave);
+        QFETCH(QList<int>, pulses);
+        QFETCH(bool, enabled);
+        QFETCH(bool, checked);
+        Docks t;
+        t.pick(wave, pulses);
+        QCOMPARE(t.pulse<QCheckBox>("forever")->isEnabled(), enabled);
+        QCOMPARE(t.pulse<QCheckBox>("forever")->isChecked(), checked);
+        QCOMPARE(t.pulse<QLineEdit>("repeat")->text(), checked ? QStringLiteral("##") : QStringLiteral("1"));
+        QCOMPARE(t.pulse<QComboBox>("state")->isEnabled(), pulses.size() == 1 && !checked);
+    }
+
+    void busValue_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("radix");
+        QTest::addColumn<QString>("shown");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("stored");   // empty: refused as wider than the bus
+        const QString f64(64, QLatin1Char('F'));
+        const QString max256 = QString::fromStdString(BigInteger(f64.toStdString(), 16).toString(10));
+        const QString over256 = QString::fromStdString(BigInteger("1" + std::string(64, '0'), 16).toString(10));
+        QTest::newRow("hex prefix") << 8 << 3 << "0x1" << "0x1F" << "1F";
+        QTest::newRow("hex too wide") << 4 << 3 << "0x1" << "0x1F" << "";
+        QTest::newRow("hex without prefix") << 8 << 3 << "0x1" << "ab" << "ab";
+        QTest::newRow("binary") << 8 << 0 << "00000001" << "11110000" << "F0";
+        QTest::newRow("binary digit 2") << 8 << 0 << "00000001" << "102" << "";
+        QTest::newRow("octal") << 8 << 1 << "1" << "377" << "FF";
+        QTest::newRow("octal too wide") << 8 << 1 << "1" << "400" << "";
+        QTest::newRow("decimal") << 8 << 2 << "1" << "255" << "FF";
+        QTest::newRow("decimal too wide") << 8 << 2 << "1" << "256" << "";
+        QTest::newRow("prefix beats radix") << 8 << 0 << "00000001" << "0x7e" << "7e";
+        QTest::newRow("256 hex") << 256 << 3 << "0x1" << "0x" + f64 << f64;
+        QTest::newRow("257 hex") << 256 << 3 << "0x1" << "0x1" + QString(64, '0') << "";
+        QTest::newRow("256 binary") << 256 << 0 << QString(255, '0') + "1" << "1" + QString(255, '0')
+                                    << "8" + QString(63, '0');
+        QTest::newRow("257 binary") << 256 << 0 << QString(255, '0') + "1" << "1" + QString(256, '0') << "";
+        QTest::newRow("256 octal") << 256 << 1 << "1" << "1" + QString(85, '7') << f64;
+        QTest::newRow("257 octal") << 256 << 1 << "1" << "2" + QString(85, '0') << "";
+        QTest::newRow("256 decimal") << 256 << 2 << "1" << max256 << f64;
+        QTest::newRow("257 decimal") << 256 << 2 << "1" << over256 << "";
+    }
+    void busValue()
+    {
+        QFETCH(int, width);
+        QFETCH(int, radix);
+        QFETCH(QString, shown);
+        QFETCH(QString, typed);
+        QFETCH(QString, stored);
+        const QString name = QStringLiteral("b[%1:0]").arg(width - 1);
+        const QByteArray head = name.toLatin1() + " { B I Default NRZ 0 1 50 } = ";
+        const QByteArray original = wdl({head + "1 10 2 10;"});
+        Docks t(original);
+        t->setBusRadix(radix);
+        t.pick(name, {0});
+        auto* value = t.pulse<QLineEdit>("value");
+        QCOMPARE(value->text(), shown);
+        QCOMPARE(use(value, typed), stored.isEmpty() ? "The bit number of the value is over the bus width." : "");
+        QCOMPARE(t.saved(), stored.isEmpty() ? original : wdl({head + stored.toLatin1() + " 10 2 10;"}));
+        QCOMPARE(t.steps(), stored.isEmpty() ? 0 : 1);
+    }
+
+    void waveControls_data()
+    {
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<QString>("control");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QByteArray>("edited");
+        QTest::newRow("output") << "a" << "polarity" << "1" << "" << QByteArray("a { A O Default NRZ 0 1 50 } = 0 10 1 20 0 30 1 40;");
+        QTest::newRow("offset") << "a" << "offset" << "100" << "" << QByteArray("a { A I Default NRZ 100 1 50 } = 0 10 1 20 0 30 1 40;");
+        QTest::newRow("offset with unit") << "d[7:0]" << "offset" << "7 ns" << ""
+                                          << QByteArray("d[7:0] { B I Default NRZ 7 1 50 } = 1 10 2 10 F 10;");
+        QTest::newRow("offset not a time") << "a" << "offset" << "x1" << "Invalid offset." << QByteArray();
+        QTest::newRow("offset past 32 bits") << "a" << "offset" << "3000000000" << "The offset is overflowed." << QByteArray();
+    }
+    void waveControls()
+    {
+        QFETCH(QString, wave);
+        QFETCH(QString, control);
+        QFETCH(QString, input);
+        QFETCH(QString, message);
+        QFETCH(QByteArray, edited);
+        Docks t;
+        t.pick(wave, {0});
+        QCOMPARE(t.waveData<QLabel>("name")->text(), wave);
+        QCOMPARE(use(t->waveDataDlg()->findChild<QWidget*>(control), input), message);
+        QCOMPARE(t.saved(), edited.isEmpty() ? kDoc : docWith(edited));
+        QCOMPARE(t.steps(), edited.isEmpty() ? 0 : 1);
+        t->undo();
+        QCOMPARE(t.saved(), kDoc);
+    }
+
+    void patternKindKeepsTheDollarOnUndo()
+    {
+        Docks t(wdl(kWaves + QList<QByteArray>{"q { A I Default NRZ 0 1 50 } = 1 5;"}));
+        t.pick("q", {0});
+        QCOMPARE(use(t.waveData<QComboBox>("polarity"), "5"), QStringLiteral("The name is used."));
+        QCOMPARE(t.steps(), 0);
+        t.pick("a", {0});
+        use(t.waveData<QComboBox>("polarity"), "5");
+        QVERIFY(t.saved().contains("\n$a = 0 10 1 20 0 30 1 40;\n"));
+        QCOMPARE(t->patternDlg()->list()->model()->rowCount(), 4);
+        t->undo();
+        QVERIFY(t.wave("$a") && !t.wave("a"));
+        QCOMPARE(t.wave("$a")->polarity, 0);
+        QCOMPARE(t->patternDlg()->list()->model()->rowCount(), 3);
+        // A named pattern shows its kind and offset, changeable neither.
+        t.pick("$pat", {0});
+        QVERIFY(!t.waveData<QComboBox>("polarity")->isEnabled());
+        QCOMPARE(t.waveData<QComboBox>("polarity")->currentIndex(), 5);
+        QCOMPARE(t.waveData<QLineEdit>("offset")->text(), QStringLiteral("0"));
+    }
+
+    void summary_data()
+    {
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("bus") << "d[7:0]" << "d[7:0] - Input\nData - 0x1 - 10\nData - 0x2 - 10\nData - 0xF - 10\n";
+        QTest::newRow("x and z") << "n[3:0]" << "n[3:0] - Input\nData - X - 10\nData - 0x1 - 10\nData - Z - 5\n";
+        QTest::newRow("forever") << "e" << "e - Input\nData - 0x0 - 10\nData - 0x1 - 10\n(...) Repeat Forever\n"
+                                           "Data - 0x0 - 10\nData - 0x1 - 10\n";
+        QTest::newRow("pattern") << "$pat" << "$pat - Pattern\nData - 0x0 - 2\nData - 0x1 - 4\n";
+    }
+    void summary()
+    {
+        QFETCH(QString, wave);
+        QFETCH(QString, text);
+        Docks t;
+        t.pick(wave, {0});
+        QCOMPARE(t->waveDataDlg()->summary()->summary()->text(), text);
+    }
+
+    void insertPatterns_data()
+    {
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<int>("pulse");
+        QTest::addColumn<QStringList>("patterns");
+        QTest::addColumn<QByteArray>("edited");   // empty: Insert stays disabled
+        QTest::newRow("one, merging") << "a" << 1 << QStringList{"$pat"} << kAHead + "0 12 1 24 0 30 1 40;";
+        QTest::newRow("two in picking order") << "a" << 2 << QStringList{"$pat", "$q"}
+                                              << kAHead + "0 10 1 20 0 2 1 7 0 35 1 40;";
+        QTest::newRow("picked the other way") << "a" << 2 << QStringList{"$q", "$pat"}
+                                              << kAHead + "0 10 1 23 0 7 1 4 0 30 1 40;";
+        QTest::newRow("into the tail") << "e" << 3 << QStringList{"$q"} << kEHead + "0 10 1 10(0 10 1 3 0 5 1 10)##;";
+        QTest::newRow("bus of that width") << "n[3:0]" << 1 << QStringList{"$bp[3:0]"}
+                                           << kNHead + "DonTCare 10 1 10 2 10 1 10 HighZ 5;";
+        QTest::newRow("bus of another width") << "d[7:0]" << 0 << QStringList{"$bp[3:0]"} << QByteArray();
+        QTest::newRow("bus into a signal") << "a" << 0 << QStringList{"$bp[3:0]"} << QByteArray();
+        QTest::newRow("signal into a bus") << "n[3:0]" << 0 << QStringList{"$pat"} << QByteArray();
+        QTest::newRow("into a pattern") << "$q" << 0 << QStringList{"$pat"} << QByteArray();
+    }
+    void insertPatterns()
+    {
+        QFETCH(QString, wave);
+        QFETCH(int, pulse);
+        QFETCH(QStringList, patterns);
+        QFETCH(QByteArray, edited);
+        Docks t;
+        PatternDlg* dlg = t->patternDlg();
+        dlg->LoadData();
+        t.pick(wave, {pulse});
+        QAbstractItemModel* model = dlg->list()->model();
+        for (const QString& name : patterns) {
+            const QModelIndexList found = model->match(model->index(0, 0), Qt::DisplayRole, name, 1, Qt::MatchExactly);
+            dlg->list()->selectionModel()->select(found.value(0), QItemSelectionModel::Select);
+        }
+        QCOMPARE(dlg->insertButton()->isEnabled(), !edited.isEmpty());
+        t->changeReadonlyMode(true);
+        QVERIFY(!dlg->insertButton()->isEnabled());
+        t->changeReadonlyMode(false);
+        t.editMode(true);
+        t.pick(wave, {pulse});
+        dlg->insertButton()->click();
+        QCOMPARE(t.saved(), edited.isEmpty() ? kDoc : docWith(edited));
+        if (edited.isEmpty())
+            return;
+        QVERIFY(t->selection().isEmpty() && !dlg->insertButton()->isEnabled());
+        QCOMPARE(t.steps(), 1);
+        t->undo();
+        QCOMPARE(t.saved(), kDoc);
+    }
+
+    void readOnlyDisablesEveryEditingWidget()
+    {
+        Docks t;
+        const QList<QWidget*> editing{t.pulse<QComboBox>("state"), t.pulse<QLineEdit>("duration"),
+                                      t.pulse<QLineEdit>("value"), t.pulse<QLineEdit>("scale"),
+                                      t.waveData<QComboBox>("polarity"), t.waveData<QLineEdit>("offset")};
+        auto enabled = [&editing] {
+            QList<bool> states;
+            for (QWidget* w : editing)
+                states << w->isEnabled();
+            return states;
+        };
+        for (bool readOnly : {false, true, false}) {
+            t->changeReadonlyMode(readOnly);
+            t.editMode(true);
+            t.pick("d[7:0]", {0});
+            QCOMPARE(enabled(), QList<bool>(editing.size(), !readOnly));
+        }
+    }
+
+    void helpPages_data()
+    {
+        QTest::addColumn<int>("dock");
+        QTest::addColumn<QString>("page");
+        QTest::newRow("pulse") << 0 << ":/help/pulse_property.html";
+        QTest::newRow("wave") << 1 << ":/help/waveform_property.html";
+        QTest::newRow("patterns") << 2 << ":/help/insert_pattern.html";
+    }
+    void helpPages()
+    {
+        QFETCH(int, dock);
+        QFETCH(QString, page);
+        Docks t;
+        const QDockWidget* docks[] = {t->editDlg(), t->waveDataDlg(), t->patternDlg()};
+        QTest::keyRelease(docks[dock]->widget()->findChildren<QWidget*>().last(), Qt::Key_F1);
+        QCOMPARE(BaseHelp::currentPage(), page);
+        BaseHelp::helpWindow()->close();
+    }
+
+    void everyDockThenUndoEverything()
+    {
+        Docks t;
+        auto pickAndUse = [&t](const QString& wave, const QList<int>& pulses, const char* control, const QString& input) {
+            t.pick(wave, pulses);
+            QWidget* found = t->editDlg()->findChild<QWidget*>(control);
+            use(found ? found : t->waveDataDlg()->findChild<QWidget*>(control), input);
+        };
+        pickAndUse("a", {1}, "state", "2");
+        pickAndUse("a", {0}, "duration", "15");
+        pickAndUse("a", {0, 1}, "scale", "2");
+        pickAndUse("a", {0, 1}, "repeat", "4");
+        pickAndUse("a", {8, 9}, "forever", "");
+        pickAndUse("d[7:0]", {1}, "value", "0x3C");
+        pickAndUse("d[7:0]", {1}, "offset", "5");
+        pickAndUse("d[7:0]", {1}, "polarity", "2");
+        t.pick("a", {2});
+        t->patternDlg()->list()->selectionModel()->select(t->patternDlg()->list()->model()->index(0, 0),
+                                                          QItemSelectionModel::Select);
+        t->patternDlg()->insertButton()->click();
+        QCOMPARE(t.steps(), 9);
+        const QByteArray edited = t.saved();
+        QCOMPARE(edited, wdl({kPat, kQ, kBp, kAHead + "0 30 2 40 0 2 1 4 0 30 2 40 0 30 2 40 0 30 2 40(0 30\n 1 40)##;",
+                              "d[7:0] { B B Default NRZ 5 1 50 } = 1 10 3C 10 F 10;", kE, kN, kG}));
+        // The steps copy the edited wave only when first undone: a redo after
+        // that must still bring back every edit.
+        for (int round = 0; round < 2; ++round) {
+            while (t->undoStack()->canUndo())
+                t->undo();
+            QCOMPARE(t.saved(), kDoc);
+            while (t->undoStack()->canRedo())
+                t->redo();
+            QCOMPARE(t.saved(), edited);
+        }
+    }
+
+    void layoutAndToggles()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath("doc.wdl");
+        QVERIFY(toolfixture::writeFile(path, kDoc));
+        QSettings(QSettings::IniFormat, QSettings::UserScope, "Vostranelle", "WAVE_EDITOR").clear();
+        auto gui = toolfixture::openShown(path, QSize(1280, 720));
+        QVERIFY(gui);
+        auto docks = [&gui] { return QList<QDockWidget*>{gui->waveDataDlg(), gui->editDlg(), gui->patternDlg()}; };
+        auto viewAction = [&gui](int i) { return gui->myMenuItems(ViewMenu)->at(4 + i); };
+        auto shownAndChecked = [&] {
+            QList<bool> states;
+            for (int i = 0; i < 3; ++i)
+                states << !docks()[i]->isHidden() << viewAction(i)->isChecked();
+            return states;
+        };
+        // First start: both property views, tabbed, and no Pattern View;
+        // whichever tab is in front has room for all its widgets.
+        QCOMPARE(shownAndChecked(), (QList<bool>{true, true, true, true, false, false}));
+        for (QDockWidget* dock : docks()) {
+            dock->raise();
+            QVERIFY(QTest::qWaitFor([dock] { return dock->isVisible() || dock->isHidden(); }));
+            const QSize need = dock->widget()->minimumSizeHint();
+            QVERIFY(dock->isHidden() || (dock->widget()->width() >= need.width() && dock->widget()->height() >= need.height()));
+        }
+        viewAction(2)->trigger();
+        QVERIFY(QTest::qWaitFor([&] { return docks()[2]->isVisible(); }));
+        viewAction(0)->trigger();
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
+        docks()[1]->close();   // its title bar's close button
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, false, false, true, true}));
+        viewAction(1)->trigger();
+        gui->close();
+        gui.reset();
+        // The next start shows what the user left.
+        gui = toolfixture::openShown(path, QSize(1280, 720));
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
+    }
+};
+
+VOK_SANDBOXED_TEST_MAIN(TestDocks)
+#include "test_docks.moc"
