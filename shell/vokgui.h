@@ -314,6 +314,7 @@ private:
     QString m_toolTitle;
     QString m_fullFileName;
     QString m_lastFile;
+    QString m_lastImportFile;
     std::unique_ptr<BaseUsrSettings> m_usrSettings;
     QStringList m_stdMenuNames[6];
     QStringList m_toolbarNames;

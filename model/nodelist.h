@@ -1,0 +1,32 @@
+// The node list of a design (.naf): one node a line, its name and a kind letter.
+#pragma once
+
+#include <QList>
+#include <QString>
+
+class QIODevice;
+
+namespace kesu::toolvok {
+
+class WaveData;
+
+// The polarity a kind letter stands for: "i" Input, "o" Output, "b" Bidir,
+// "n" Test Pt, "r" Global; any other text leaves a new wave's Test Pt.
+int nodePolarity(QStringView letter);
+
+// One wave per node line, in file order, each hidden (visible false) until the
+// user picks it; the caller owns them. Lines of fewer than two space-separated
+// parts are skipped; parts after the second are ignored.
+QList<WaveData*> parseNodeList(QStringView text);
+
+struct NodeListRead {
+    enum Status { Read, NotText };
+    Status status = Read;
+    QList<WaveData*> nodes;  // owned by the caller; empty unless Read
+};
+
+// Reads the device to its end. A file holding NUL bytes or bytes that are not
+// UTF-8 is some other kind of file, not a node list: nothing of it is taken.
+NodeListRead readNodeList(QIODevice& device);
+
+} // namespace kesu::toolvok
