@@ -302,10 +302,16 @@ void ImportWaveCommand::undo()
 
 void ImportWaveCommand::redo()
 {
+    // A node list brings thousands of waves: the views are brought up to date
+    // once for all of them, not once per wave.
     for (const WaveData* wave : waves_) {
-        gui_->addWave(snapshotOf(wave));
-        gui_->SetDirtyBit();
+        WaveData* copy = snapshotOf(wave);
+        gui_->document()->addWave(copy);
+        if (copy->visible)
+            gui_->waveList()->addWave(copy);
     }
+    gui_->Refresh();
+    gui_->SetDirtyBit();
 }
 
 // --- moveWaveCommand --------------------------------------------------------
