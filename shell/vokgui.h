@@ -148,6 +148,8 @@ public:
     void addEditData(quint64 time);
     void addWave(WaveData* wave);
     void removeWave(WaveData* wave);
+    // removeWave for many waves at once, with one refresh.
+    void removeWaves(const QList<WaveData*>& waves);
     void insertWave(WaveData* wave, int index);
     void moveWave(WaveData* wave, int from, int to);
     void showWave(WaveData* wave);
