@@ -12,9 +12,9 @@
 #include "toolfixture.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QListView>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QUndoStack>
 
@@ -23,24 +23,29 @@ using namespace kesu::toolvok;
 namespace {
 
 const QByteArray kNodes = "clk i\nrst_n i\nq[0] o\nq[1] o\nio b\ntp n\nvdd r\nodd X\na o\nclk o\n";
+const QByteArray kBinary("\x7f" "ELF\x02\0\0 i\n", 10);
+const QHash<QString, QString> kBadFileMessages{{"!missing", "Cannot open NAF file %1"},
+    {"!binary", "%1 is not a NAF node list."}, {"!empty", "The NAF file %1 lists no nodes."}};
 const QByteArray kDoc = "%SMALLESTUNIT = 9;\n$pat = 0 2 1 4;\na { A I Default NRZ 0 1 50 } = 0 10;\n"
                         "b { A O Default NRZ 0 1 50 } = 1 5;\nc { A I Default NRZ 0 1 50 } = 0 7;\n"
                         "d[3:0] { B B Default NRZ 0 1 50 } = 3 10;\ne { A G Default NRZ 0 1 50 } = 1 4;\n";
 
-QStringList names(const QList<WaveData*>& waves, bool withKind = false)
+// "name:polarity" of each wave.
+QString names(const QList<WaveData*>& waves)
 {
     QStringList out;
     for (const WaveData* w : waves)
-        out << (withKind ? w->name + ':' + QString::number(w->polarity) : w->name);
-    return out;
+        out << w->name + ':' + QString::number(w->polarity);
+    return out.join(' ');
 }
 
-QStringList rowNames(const WaveListModel* model)
+// The waves of a dialog's list or of the tool's name list, by row.
+QString rowNames(const QStandardItemModel* model)
 {
     QStringList out;
     for (int row = 0; row < model->rowCount(); ++row)
-        out << model->waveAt(row)->name;
-    return out;
+        out << static_cast<const WaveItem*>(model->item(row))->wave->name;
+    return out.join(' ');
 }
 
 // Ctrl+clicks the rows of these waves, in this order.
@@ -48,8 +53,7 @@ void pick(QListView* list, const QStringList& wanted)
 {
     const auto* model = static_cast<const WaveListModel*>(list->model());
     for (const QString& name : wanted) {
-        const int row = int(rowNames(model).indexOf(name));
-        QVERIFY2(row >= 0, qPrintable(name));
+        const int row = int(rowNames(model).split(' ').indexOf(name));
         QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier,
                           list->visualRect(model->index(row, 0)).center());
     }
@@ -73,48 +77,43 @@ class TestDialogs : public QObject
 private Q_SLOTS:
     void import_data()
     {
-        QTest::addColumn<QString>("steps");  // -k/+k untick/tick kind k; >> all; >a,b and <a,b pick and move
-        QTest::addColumn<QStringList>("imported");
-        const QStringList all{"clk:0", "rst_n:0", "q[0]:1", "q[1]:1", "io:2", "tp:3", "vdd:4", "odd:3"};
-        auto without = [&](QStringList names) {
-            QStringList out = all;
-            for (const QString& n : names)
-                out.removeAll(n);
-            return out;
-        };
+        // -k/+k untick/tick kind k; >> all; >a,b and <a,b pick and move; !file read a bad file
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("imported");
+        const QString all = "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 tp:3 vdd:4 odd:3";
         QTest::newRow("all, known and repeated names once") << ">>" << all;
-        QTest::newRow("no Input") << "-0 >>" << without({"clk:0", "rst_n:0"}) + QStringList{"clk:1"};
-        QTest::newRow("no Output") << "-1 >>" << without({"q[0]:1", "q[1]:1"});
-        QTest::newRow("no Bidir") << "-2 >>" << without({"io:2"});
-        QTest::newRow("no TextPt") << "-3 >>" << without({"tp:3", "odd:3"});
-        QTest::newRow("no Global, ticked again") << "-4 +4 -4 >>" << without({"vdd:4"});
+        QTest::newRow("no Input") << "-0 >>" << "q[0]:1 q[1]:1 io:2 tp:3 vdd:4 odd:3 clk:1";
+        QTest::newRow("no Output") << "-1 >>" << "clk:0 rst_n:0 io:2 tp:3 vdd:4 odd:3";
+        QTest::newRow("no Bidir") << "-2 >>" << "clk:0 rst_n:0 q[0]:1 q[1]:1 tp:3 vdd:4 odd:3";
+        QTest::newRow("no TextPt") << "-3 >>" << "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 vdd:4";
+        QTest::newRow("no Global, ticked again") << "-4 +4 -4 >>" << "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 tp:3 odd:3";
         QTest::newRow("filter keeps the chosen") << ">> -0 -1" << all;
-        QTest::newRow("some, in list order") << ">vdd,clk" << QStringList{"clk:0", "vdd:4"};
-        QTest::newRow("some taken back") << ">> <q[1],io" << without({"q[1]:1", "io:2"});
-        QTest::newRow("all taken back") << ">> <<" << QStringList{};
-        QTest::newRow("none") << "" << QStringList{};
-        QTest::newRow("only a known name") << ">a" << QStringList{};
+        QTest::newRow("some, in list order") << ">vdd,clk" << "clk:0 vdd:4";
+        QTest::newRow("some taken back") << ">> <q[1],io" << "clk:0 rst_n:0 q[0]:1 tp:3 vdd:4 odd:3";
+        QTest::newRow("all taken back") << ">> <<" << "";
+        QTest::newRow("only a known name") << ">a" << "";
+        QTest::newRow("missing file, list kept") << ">> !missing" << all;
+        QTest::newRow("binary file, list kept") << ">> !binary" << all;
+        QTest::newRow("file without nodes, list emptied") << ">> !empty" << "";
     }
     void import()
     {
         QFETCH(QString, steps);
-        QFETCH(QStringList, imported);
+        QFETCH(QString, imported);
         auto gui = open();
         QVERIFY(gui);
-        // The bits of an expanded bus stay in the name list when an import is undone.
         WaveData* bus = gui->document()->findWavebyName("d[3:0]");
-        bus->expandFlag = true;
+        bus->expandFlag = true;  // its bits stay in the name list when an import is undone
         gui->waveList()->expandBus(gui->waveList()->itemModel()->index(gui->waveList()->rowOf(bus), 0));
         auto listRows = [&] { return gui->waveList()->itemModel()->rowCount(); };
-        QCOMPARE(listRows(), 10);
         ImportDlg dialog(gui->fullFileName(), gui.get());
         dialog.show();
         {
-            ModalAnswerer answerer({choose(path("design.naf"))});
+            ModalAnswerer browsing({choose(path("design.naf"))});
             QTest::mouseClick(dialog.browseButton(), Qt::LeftButton);
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.seen.value(0).title, QStringLiteral("Open Existing Waveform File"));
-            QCOMPARE(answerer.seen.value(0).filters, (QStringList{"NAF File (*.naf)", "All Files (*)"}));
+            VERIFY_ANSWERED(browsing);
+            QCOMPARE(browsing.seen.value(0).title, QStringLiteral("Open Existing Waveform File"));
+            QCOMPARE(browsing.seen.value(0).filters, (QStringList{"NAF File (*.naf)", "All Files (*)"}));
         }
         QCOMPARE(dialog.importedModel()->rowCount(), 10);
         QVERIFY(dialog.addAllButton()->isEnabled() && !dialog.addButton()->isEnabled());
@@ -122,9 +121,15 @@ private Q_SLOTS:
             if (step == ">>" || step == "<<") {
                 QTest::mouseClick(step == ">>" ? dialog.addAllButton() : dialog.delAllButton(), Qt::LeftButton);
             } else if (step.front() == '-' || step.front() == '+') {
-                QCheckBox* box = dialog.filterBox(step.mid(1).toInt());
-                QCOMPARE(box->isChecked(), step.front() == '-');
-                QTest::mouseClick(box, Qt::LeftButton);
+                QTest::mouseClick(dialog.filterBox(step.mid(1).toInt()), Qt::LeftButton);
+            } else if (step.front() == '!') {
+                const QString bad = path("bad.naf");
+                QFile::remove(bad);
+                QVERIFY(step == "!missing" || toolfixture::writeFile(bad, step == "!binary" ? kBinary : "name_only\n"));
+                ModalAnswerer answerer({press(QMessageBox::Ok)});
+                QCOMPARE(dialog.loadNodeList(bad), step == "!empty");
+                VERIFY_ANSWERED(answerer);
+                QCOMPARE(answerer.seen.value(0).text, kBadFileMessages.value(step).arg(bad));
             } else {
                 const bool adding = step.front() == '>';
                 pick(adding ? dialog.importedList() : dialog.selectedList(), step.mid(1).split(','));
@@ -133,119 +138,67 @@ private Q_SLOTS:
             }
         }
         dialog.buttonBox()->button(QDialogButtonBox::Ok)->click();
-        QCOMPARE(dialog.result(), int(QDialog::Accepted));
-        const QStringList before{"$pat", "a", "b", "c", "d[3:0]", "e"};
-        QCOMPARE(names(gui->document()->waves.mid(6), true), imported);
-        QCOMPARE(gui->undoStack()->count(), 1);
+        QVERIFY(dialog.result() == QDialog::Accepted && gui->undoStack()->count() == 1);
         for (int round = 0; round < 2; ++round) {
+            QCOMPARE(names(gui->document()->waves.mid(6)), imported);
+            QCOMPARE(listRows(), 10 + gui->document()->waves.size() - 6);
             gui->undoStack()->undo();
-            QCOMPARE(names(gui->document()->waves), before);
+            QCOMPARE(names(gui->document()->waves), QStringLiteral("$pat:5 a:0 b:1 c:0 d[3:0]:2 e:4"));
             QCOMPARE(listRows(), 10);
             gui->undoStack()->redo();
-            QCOMPARE(names(gui->document()->waves.mid(6), true), imported);
-            QCOMPARE(listRows(), 10 + imported.size());
         }
-    }
-
-    void importRefusesBadFiles_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");  // null: no such file
-        QTest::addColumn<QString>("message");   // %1 the path
-        QTest::addColumn<int>("rowsAfter");
-        QTest::newRow("missing") << QByteArray() << "Cannot open NAF file %1" << 10;
-        QTest::newRow("binary") << QByteArray("\x7f" "ELF\x02\x01\x01\0\0\0 i\n", 13) << "%1 is not a NAF node list." << 10;
-        QTest::newRow("no nodes") << QByteArray("just_a_name\n\n") << "The NAF file %1 lists no nodes." << 0;
-    }
-    void importRefusesBadFiles()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, message);
-        QFETCH(int, rowsAfter);
-        auto gui = open();
-        QVERIFY(gui);
-        ImportDlg dialog(gui->fullFileName(), gui.get());
-        dialog.show();
-        QVERIFY(dialog.loadNodeList(path("design.naf")));
-        QTest::mouseClick(dialog.addAllButton(), Qt::LeftButton);
-        const QString bad = path("bad.naf");
-        QFile::remove(bad);
-        QVERIFY(bytes.isNull() || toolfixture::writeFile(bad, bytes));
-        ModalAnswerer answerer({press(QMessageBox::Ok)});
-        QCOMPARE(dialog.loadNodeList(bad), !bytes.isNull() && rowsAfter == 0);
-        VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.seen.value(0).title, QStringLiteral("Waveform Editor"));
-        QCOMPARE(answerer.seen.value(0).text, message.arg(bad));
-        QCOMPARE(dialog.importedModel()->rowCount(), rowsAfter);
-        QCOMPARE(dialog.selectedModel()->rowCount(), rowsAfter);
-        QCOMPARE(dialog.startPath(), rowsAfter ? path("design.naf") : bad);
     }
 
     void showAndRemove_data()
     {
         QTest::addColumn<bool>("showMode");
-        QTest::addColumn<QStringList>("hidden");
+        QTest::addColumn<QString>("hidden");
         QTest::addColumn<int>("unticked");  // a filter box, -1 none
-        QTest::addColumn<QStringList>("listed");
-        QTest::addColumn<QStringList>("picked");
-        QTest::addColumn<QStringList>("after");  // the name list's rows
-        const QStringList all{"$pat", "a", "b", "c", "d[3:0]", "e"};
-        QTest::newRow("remove two, picked last first")
-            << false << QStringList{} << -1 << all << QStringList{"c", "a"} << QStringList{"$pat", "b", "d[3:0]", "e"};
-        QTest::newRow("remove without patterns listed")
-            << false << QStringList{} << 5 << all.mid(1) << QStringList{"e", "b"} << QStringList{"$pat", "a", "c", "d[3:0]"};
-        QTest::newRow("remove a hidden one") << false << QStringList{"b"} << 0 << QStringList{"$pat", "b", "d[3:0]", "e"}
-                                             << QStringList{"b", "$pat"} << QStringList{"a", "c", "d[3:0]", "e"};
-        QTest::newRow("show two of three") << true << QStringList{"a", "c", "e"} << -1 << QStringList{"a", "c", "e"}
-                                           << QStringList{"e", "a"} << QStringList{"$pat", "a", "b", "d[3:0]", "e"};
-        QTest::newRow("show without Global listed") << true << QStringList{"a", "e"} << 4 << QStringList{"a"}
-                                                    << QStringList{"a"} << QStringList{"$pat", "a", "b", "c", "d[3:0]"};
-        QTest::newRow("show, nothing hidden") << true << QStringList{} << -1 << QStringList{} << QStringList{} << all;
+        QTest::addColumn<QString>("listed");
+        QTest::addColumn<QString>("picked");
+        QTest::addColumn<QString>("after");  // the name list's rows
+        const QString all = "$pat a b c d[3:0] e";
+        QTest::newRow("remove two, picked last first") << false << "" << -1 << all << "c a" << "$pat b d[3:0] e";
+        QTest::newRow("remove, patterns unlisted") << false << "" << 5 << "a b c d[3:0] e" << "e b" << "$pat a c d[3:0]";
+        QTest::newRow("remove a hidden one") << false << "b" << 0 << "$pat b d[3:0] e" << "b $pat" << "a c d[3:0] e";
+        QTest::newRow("show two of three") << true << "a c e" << -1 << "a c e" << "e a" << "$pat a b d[3:0] e";
+        QTest::newRow("show, Global unlisted") << true << "a e" << 4 << "a" << "a" << "$pat a b c d[3:0]";
+        QTest::newRow("show, nothing hidden") << true << "" << -1 << "" << "" << all;
     }
     void showAndRemove()
     {
         QFETCH(bool, showMode);
-        QFETCH(QStringList, hidden);
+        QFETCH(QString, hidden);
         QFETCH(int, unticked);
-        QFETCH(QStringList, listed);
-        QFETCH(QStringList, picked);
-        QFETCH(QStringList, after);
+        QFETCH(QString, listed);
+        QFETCH(QString, picked);
+        QFETCH(QString, after);
         auto gui = open();
         QVERIFY(gui);
-        for (const QString& name : hidden)
+        for (const QString& name : hidden.split(' ', Qt::SkipEmptyParts))
             gui->hideWave(gui->document()->findWavebyName(name));
         const QByteArray saved = toolfixture::savedText(*gui);
-        auto shownRows = [&] {
-            QStringList rows;
-            for (int row = 0; row < gui->waveList()->itemModel()->rowCount(); ++row)
-                rows << gui->waveList()->waveAt(row)->name;
-            return rows;
-        };
-        const QStringList rowsBefore = shownRows();
+        const QString rowsBefore = rowNames(gui->waveList()->itemModel());
         WaveListDlg dialog(showMode, gui.get());
         dialog.show();
-        QCOMPARE(dialog.windowTitle(), showMode ? QStringLiteral("Show Waves") : QStringLiteral("Remove Waves"));
         if (unticked >= 0)
             QTest::mouseClick(dialog.filterBox(unticked), Qt::LeftButton);
         QCOMPARE(rowNames(dialog.model()), listed);
-        if (listed.isEmpty()) {
-            QVERIFY(!dialog.actionButton()->isEnabled());
+        QVERIFY(!listed.isEmpty() || !dialog.actionButton()->isEnabled());
+        if (listed.isEmpty())
             return;
-        }
-        pick(dialog.waveList(), picked);
+        pick(dialog.waveList(), picked.split(' ', Qt::SkipEmptyParts));
         gui->ResetDirtyBit();
         QTest::mouseClick(dialog.actionButton(), Qt::LeftButton);
         QVERIFY(dialog.isVisible() && gui->isModified());
-        QStringList left = listed;
-        for (const QString& name : picked)
-            left.removeAll(name);
-        QCOMPARE(rowNames(dialog.model()), left);
-        QCOMPARE(shownRows(), after);
+        QCOMPARE(dialog.model()->rowCount(), listed.count(' ') - picked.count(' '));  // the shown or removed go
+        QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
         QCOMPARE(gui->undoStack()->count(), 1);
         gui->undoStack()->undo();
         QCOMPARE(toolfixture::savedText(*gui), saved);
-        QCOMPARE(shownRows(), rowsBefore);
+        QCOMPARE(rowNames(gui->waveList()->itemModel()), rowsBefore);
         gui->undoStack()->redo();
-        QCOMPARE(shownRows(), after);
+        QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
     }
 
     // Every menu slot opens its dialog; F1 and Help open the dialog's own
@@ -275,16 +228,13 @@ private Q_SLOTS:
                 auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
                 QVERIFY(dialog);
                 seen << dialog->windowTitle();
-                BaseHelp::openHelpUrl();
                 QTest::keyRelease(dialog, Qt::Key_F1);
                 QCOMPARE(BaseHelp::currentPage(), page);
                 BaseHelp::openHelpUrl();
                 dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Help)->click();
                 QCOMPARE(BaseHelp::currentPage(), page);
-                for (const QWidget* w : dialog->findChildren<QAbstractItemView*>())
-                    QVERIFY(w->whatsThis().size() > 40);
-                for (const QWidget* w : dialog->findChildren<QComboBox*>())
-                    QVERIFY(w->whatsThis().size() > 40);
+                for (const QWidget* w : dialog->findChildren<QWidget*>())
+                    QVERIFY(!(w->inherits("QAbstractItemView") || w->inherits("QComboBox")) || w->whatsThis().size() > 40);
                 if (auto* import = qobject_cast<ImportDlg*>(dialog)) {
                     seen << QFileInfo(import->startPath()).fileName();
                     if (round == 0)
@@ -295,10 +245,8 @@ private Q_SLOTS:
             QVERIFY(QMetaObject::invokeMethod(gui.get(), slot.constData()));
         }
         BaseHelp::helpWindow()->hide();
-        QStringList expected{title, title};
-        if (slot == "importWave")  // the second time the file dialog starts at the node list
-            expected = QStringList{title, "doc.wdl", title, "design.naf"};
-        QCOMPARE(seen, expected);
+        // The second time the import's file dialog starts at the node list.
+        QCOMPARE(seen.join('|'), slot == "importWave" ? title + "|doc.wdl|" + title + "|design.naf" : title + '|' + title);
     }
 };
 
