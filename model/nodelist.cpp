@@ -44,10 +44,14 @@ QList<WaveData*> parseNodeList(QStringView text)
     return nodes;
 }
 
-NodeListRead readNodeList(QIODevice& device)
+NodeListRead readNodeList(QIODevice& device, qint64 limit)
 {
-    const QByteArray bytes = device.readAll();
+    const QByteArray bytes = device.read(limit + 1);
     NodeListRead result;
+    if (bytes.size() > limit) {
+        result.status = NodeListRead::TooLarge;
+        return result;
+    }
     if (bytes.contains('\0')) {
         result.status = NodeListRead::NotText;
         return result;

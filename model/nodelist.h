@@ -19,14 +19,19 @@ int nodePolarity(QStringView letter);
 // parts are skipped; parts after the second are ignored.
 QList<WaveData*> parseNodeList(QStringView text);
 
+// Far more than any design's node list (some two million nodes): a file this
+// big is something else, and reading it whole could exhaust the memory.
+constexpr qint64 MaxNodeListBytes = qint64(64) << 20;
+
 struct NodeListRead {
-    enum Status { Read, NotText };
+    enum Status { Read, NotText, TooLarge };
     Status status = Read;
     QList<WaveData*> nodes;  // owned by the caller; empty unless Read
 };
 
 // Reads the device to its end. A file holding NUL bytes or bytes that are not
-// UTF-8 is some other kind of file, not a node list: nothing of it is taken.
-NodeListRead readNodeList(QIODevice& device);
+// UTF-8 is some other kind of file, not a node list, and one of more than
+// limit bytes is not read on: nothing of either is taken.
+NodeListRead readNodeList(QIODevice& device, qint64 limit = MaxNodeListBytes);
 
 } // namespace kesu::toolvok

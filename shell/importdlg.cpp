@@ -155,8 +155,10 @@ bool ImportDlg::loadNodeList(const QString& path)
         return false;
     }
     NodeListRead read = readNodeList(file);
-    if (read.status == NodeListRead::NotText) {
-        VokGUI::showerrormsg(QStringLiteral("%1 is not a NAF node list.").arg(path), this);
+    if (read.status != NodeListRead::Read) {
+        const char* why = read.status == NodeListRead::NotText ? "%1 is not a NAF node list."
+                                                                : "%1 is too large for a NAF node list.";
+        VokGUI::showerrormsg(QString::fromLatin1(why).arg(path), this);
         return false;
     }
     m_rightModel->clearRows();

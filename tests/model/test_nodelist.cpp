@@ -12,16 +12,16 @@ using namespace kesu::toolvok;
 namespace {
 
 // "name:polarity" per node, "!" for a node not hidden; "NOT TEXT" for a refused file.
-QStringList nodesOf(QByteArray bytes)
+QStringList nodesOf(QByteArray bytes, qint64 limit = MaxNodeListBytes)
 {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
-    const NodeListRead read = readNodeList(buffer);
+    const NodeListRead read = readNodeList(buffer, limit);
     QStringList out;
     for (const WaveData* wave : read.nodes)
         out << (wave->visible ? "!" : "") + wave->name + ':' + QString::number(wave->polarity);
     qDeleteAll(read.nodes);
-    return read.status == NodeListRead::Read ? out : QStringList{"NOT TEXT"};
+    return read.status == NodeListRead::Read ? out : QStringList{read.status == NodeListRead::NotText ? "NOT TEXT" : "TOO LARGE"};
 }
 
 } // namespace
@@ -65,6 +65,8 @@ private Q_SLOTS:
         QByteArray bytes(1 << 20, Qt::Uninitialized);
         QRandomGenerator(7).fillRange(reinterpret_cast<quint32*>(bytes.data()), bytes.size() / 4);
         QCOMPARE(nodesOf(bytes), QStringList{"NOT TEXT"});
+        QCOMPARE(nodesOf(QByteArray(11, 'a'), 10), QStringList{"TOO LARGE"});
+        QCOMPARE(nodesOf("a i\nb o\n", 8), (QStringList{"a:0", "b:1"}));
         for (char& c : bytes)
             c = " \n\r\tabio"[quint8(c) % 8];
         const QStringList nodes = nodesOf(bytes);
