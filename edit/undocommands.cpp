@@ -296,7 +296,7 @@ ImportWaveCommand::ImportWaveCommand(const QList<WaveData*>& waves, VokGUI* gui,
 
 void ImportWaveCommand::undo()
 {
-    // Names are looked up in one pass: a node list brings thousands.
+    // Names are looked up in one pass: an import brings thousands.
     QHash<QString, WaveData*> byName;
     for (WaveData* live : std::as_const(gui_->document()->waves))
         byName.insert(live->name, byName.value(live->name, live));
@@ -310,16 +310,10 @@ void ImportWaveCommand::undo()
 
 void ImportWaveCommand::redo()
 {
-    // A node list brings thousands of waves: the views are brought up to date
-    // once for all of them, not once per wave.
-    for (const WaveData* wave : waves_) {
-        WaveData* copy = snapshotOf(wave);
-        gui_->document()->addWave(copy);
-        if (copy->visible)
-            gui_->waveList()->addWave(copy);
-    }
-    gui_->Refresh();
-    gui_->SetDirtyBit();
+    QList<WaveData*> copies;
+    for (const WaveData* wave : waves_)
+        copies.append(snapshotOf(wave));
+    gui_->addWaves(copies);
 }
 
 // --- moveWaveCommand --------------------------------------------------------

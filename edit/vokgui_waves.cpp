@@ -52,10 +52,23 @@ void VokGUI::removeWave(WaveData* wave)
     SetDirtyBit();
 }
 
+// An import brings thousands of waves, and its undo takes them away again:
+// one pass over the name list and the document, and one refresh, not one of
+// each per wave.
+
+void VokGUI::addWaves(const QList<WaveData*>& waves)
+{
+    for (WaveData* wave : waves) {
+        m_data->addWave(wave);
+        if (wave->visible)
+            m_waveList->addWave(wave);
+    }
+    Refresh();
+    SetDirtyBit();
+}
+
 void VokGUI::removeWaves(const QList<WaveData*>& waves)
 {
-    // An import undone takes thousands of waves: one pass over the name list
-    // and one over the document, and one refresh, not one of each per wave.
     const QSet<const WaveData*> wanted(waves.cbegin(), waves.cend());
     QSet<const WaveData*> gone;
     for (WaveData* wave : std::as_const(m_data->waves)) {

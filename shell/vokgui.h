@@ -148,7 +148,8 @@ public:
     void addEditData(quint64 time);
     void addWave(WaveData* wave);
     void removeWave(WaveData* wave);
-    // removeWave for many waves at once, with one refresh.
+    // addWave and removeWave for many waves at once, with one refresh.
+    void addWaves(const QList<WaveData*>& waves);
     void removeWaves(const QList<WaveData*>& waves);
     void insertWave(WaveData* wave, int index);
     void moveWave(WaveData* wave, int from, int to);
