@@ -7,6 +7,8 @@
 #include "waveformdata.h"
 #include "wavelstview.h"
 
+#include <QHash>
+
 namespace kesu::toolvok {
 
 namespace {
@@ -307,18 +309,24 @@ ImportWaveCommand::ImportWaveCommand(const QList<WaveData*>& waves, VokGUI* gui,
 
 void ImportWaveCommand::undo()
 {
+    // Names are looked up in one pass: an import brings thousands.
+    QHash<QString, WaveData*> byName;
+    for (WaveData* live : std::as_const(gui_->document()->waves))
+        byName.insert(live->name, byName.value(live->name, live));
+    QList<WaveData*> live;
     for (const WaveData* wave : waves_) {
-        if (WaveData* live = find(gui_, wave->name))
-            gui_->removeWave(live);
+        if (WaveData* found = byName.value(wave->name))
+            live.append(found);
     }
+    gui_->removeWaves(live);
 }
 
 void ImportWaveCommand::redo()
 {
-    for (const WaveData* wave : waves_) {
-        gui_->addWave(snapshotOf(wave));
-        gui_->SetDirtyBit();
-    }
+    QList<WaveData*> copies;
+    for (const WaveData* wave : waves_)
+        copies.append(snapshotOf(wave));
+    gui_->addWaves(copies);
 }
 
 // --- moveWaveCommand --------------------------------------------------------

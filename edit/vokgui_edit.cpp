@@ -3,6 +3,10 @@
 #include "vokgui.h"
 
 #include "editdlg.h"
+#include "importdlg.h"
+#include "newwavedlg.h"
+#include "settimedlg.h"
+#include "wavelistdlg.h"
 #include "patterndlg.h"
 #include "rulerview.h"
 #include "wavedata.h"
@@ -186,12 +190,36 @@ bool VokGUI::eventFilter(QObject* watched, QEvent* event)
     return BasGUITool::eventFilter(watched, event);
 }
 
+void VokGUI::newWave()
+{
+    NewWaveDlg(this).exec();
+}
+
+void VokGUI::importWave()
+{
+    // The file dialog starts at the last node list read, else at the document.
+    ImportDlg dialog(m_lastImportFile.isEmpty() ? fullFileName() : m_lastImportFile, this);
+    dialog.exec();
+    if (dialog.startPath() != fullFileName())
+        m_lastImportFile = dialog.startPath();
+}
+
+void VokGUI::showWave()
+{
+    WaveListDlg(true, this).exec();
+}
+
+void VokGUI::removeWave()
+{
+    WaveListDlg(false, this).exec();
+}
+
+void VokGUI::editTimeUnit()
+{
+    setTimeDlg(this).exec();
+}
+
 // The dialogs that these open arrive with their own features.
-void VokGUI::newWave() {}
-void VokGUI::importWave() {}
-void VokGUI::showWave() {}
-void VokGUI::removeWave() {}
-void VokGUI::editTimeUnit() {}
 void VokGUI::fileExport() {}
 void VokGUI::filePageSetup() {}
 void VokGUI::filePrintPreview() {}

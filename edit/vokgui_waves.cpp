@@ -8,6 +8,8 @@
 #include "wavelstview.h"
 #include "waveview.h"
 
+#include <QSet>
+#include <QStandardItemModel>
 #include <QUndoStack>
 
 namespace kesu::toolvok {
@@ -46,6 +48,56 @@ void VokGUI::removeWave(WaveData* wave)
     forgetWave(wave);
     m_waveList->removeWave(wave);
     m_data->removeWave(wave);
+    Refresh();
+    SetDirtyBit();
+}
+
+// An import brings thousands of waves, and its undo takes them away again:
+// one pass over the name list and the document, and one refresh, not one of
+// each per wave.
+
+void VokGUI::addWaves(const QList<WaveData*>& waves)
+{
+    for (WaveData* wave : waves) {
+        m_data->addWave(wave);
+        if (wave->visible)
+            m_waveList->addWave(wave);
+    }
+    Refresh();
+    SetDirtyBit();
+}
+
+void VokGUI::removeWaves(const QList<WaveData*>& waves)
+{
+    const QSet<const WaveData*> wanted(waves.cbegin(), waves.cend());
+    QSet<const WaveData*> gone;
+    for (WaveData* wave : std::as_const(m_data->waves)) {
+        if (wanted.contains(wave)) {
+            forgetWave(wave);
+            gone.insert(wave);
+        }
+    }
+    if (gone.isEmpty())
+        return;
+    // A wave's row takes the element rows of its expanded bus with it.
+    QStandardItemModel* rows = m_waveList->itemModel();
+    QList<bool> drop(rows->rowCount());
+    bool dropping = false;
+    for (int row = 0; row < rows->rowCount(); ++row) {
+        if (const WaveData* wave = m_waveList->waveAt(row))
+            dropping = gone.contains(wave);
+        drop[row] = dropping;
+    }
+    for (int end = int(drop.size()); end > 0;) {
+        int begin = end - 1;
+        while (drop[end - 1] && begin > 0 && drop[begin - 1])
+            --begin;
+        if (drop[end - 1])
+            rows->removeRows(begin, end - begin);
+        end = begin;
+    }
+    m_data->waves.removeIf([&gone](const WaveData* wave) { return gone.contains(wave); });
+    qDeleteAll(gone);
     Refresh();
     SetDirtyBit();
 }

@@ -149,6 +149,9 @@ public:
     void addEditData(quint64 time);
     void addWave(WaveData* wave);
     void removeWave(WaveData* wave);
+    // addWave and removeWave for many waves at once, with one refresh.
+    void addWaves(const QList<WaveData*>& waves);
+    void removeWaves(const QList<WaveData*>& waves);
     void insertWave(WaveData* wave, int index);
     void moveWave(WaveData* wave, int from, int to);
     void showWave(WaveData* wave);
@@ -319,6 +322,7 @@ private:
     QString m_toolTitle;
     QString m_fullFileName;
     QString m_lastFile;
+    QString m_lastImportFile;
     std::unique_ptr<BaseUsrSettings> m_usrSettings;
     QStringList m_stdMenuNames[6];
     QStringList m_toolbarNames;

@@ -1,0 +1,255 @@
+// The Import Wave and Show/Remove Waves dialogs driven as a user does, the
+// menu slots that open every dialog, and every dialog's help.
+#include "basehelp.h"
+#include "importdlg.h"
+#include "wavedata.h"
+#include "wavelistdlg.h"
+#include "wavelistmodel.h"
+#include "wavelstview.h"
+
+#include "modalanswerer.h"
+#include "sandboxedtestmain.h"
+#include "toolfixture.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QListView>
+#include <QStandardItemModel>
+#include <QTemporaryDir>
+#include <QUndoStack>
+
+using namespace kesu::toolvok;
+
+namespace {
+
+const QByteArray kNodes = "clk i\nrst_n i\nq[0] o\nq[1] o\nio b\ntp n\nvdd r\nodd X\na o\nclk o\n";
+const QByteArray kBinary("\x7f" "ELF\x02\0\0 i\n", 10);
+const QHash<QString, QString> kBadFileMessages{{"!missing", "Cannot open NAF file %1"},
+    {"!binary", "%1 is not a NAF node list."}, {"!empty", "The NAF file %1 lists no nodes."}};
+const QByteArray kDoc = "%SMALLESTUNIT = 9;\n$pat = 0 2 1 4;\na { A I Default NRZ 0 1 50 } = 0 10;\n"
+                        "b { A O Default NRZ 0 1 50 } = 1 5;\nc { A I Default NRZ 0 1 50 } = 0 7;\n"
+                        "d[3:0] { B B Default NRZ 0 1 50 } = 3 10;\ne { A G Default NRZ 0 1 50 } = 1 4;\n";
+
+// "name:polarity" of each wave.
+QString names(const QList<WaveData*>& waves)
+{
+    QStringList out;
+    for (const WaveData* w : waves)
+        out << w->name + ':' + QString::number(w->polarity);
+    return out.join(' ');
+}
+
+// The waves of a dialog's list or of the tool's name list, by row.
+QString rowNames(const QStandardItemModel* model)
+{
+    QStringList out;
+    for (int row = 0; row < model->rowCount(); ++row)
+        out << static_cast<const WaveItem*>(model->item(row))->wave->name;
+    return out.join(' ');
+}
+
+// Ctrl+clicks the rows of these waves, in this order.
+void pick(QListView* list, const QStringList& wanted)
+{
+    const auto* model = static_cast<const WaveListModel*>(list->model());
+    for (const QString& name : wanted) {
+        const int row = int(rowNames(model).split(' ').indexOf(name));
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier,
+                          list->visualRect(model->index(row, 0)).center());
+    }
+}
+
+} // namespace
+
+class TestDialogs : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+    QString path(const char* name) const { return m_dir.filePath(QString::fromLatin1(name)); }
+    std::unique_ptr<VokGUI> open()
+    {
+        if (!toolfixture::writeFile(path("doc.wdl"), kDoc) || !toolfixture::writeFile(path("design.naf"), kNodes))
+            return nullptr;
+        return toolfixture::openShown(path("doc.wdl"), QSize(900, 600));
+    }
+
+private Q_SLOTS:
+    void import_data()
+    {
+        // -k/+k untick/tick kind k; >> all; >a,b and <a,b pick and move; !file read a bad file
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("imported");
+        const QString all = "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 tp:3 vdd:4 odd:3";
+        QTest::newRow("all, known and repeated names once") << ">>" << all;
+        QTest::newRow("no Input") << "-0 >>" << "q[0]:1 q[1]:1 io:2 tp:3 vdd:4 odd:3 clk:1";
+        QTest::newRow("no Output") << "-1 >>" << "clk:0 rst_n:0 io:2 tp:3 vdd:4 odd:3";
+        QTest::newRow("no Bidir") << "-2 >>" << "clk:0 rst_n:0 q[0]:1 q[1]:1 tp:3 vdd:4 odd:3";
+        QTest::newRow("no TextPt") << "-3 >>" << "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 vdd:4";
+        QTest::newRow("no Global, ticked again") << "-4 +4 -4 >>" << "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 tp:3 odd:3";
+        QTest::newRow("filter keeps the chosen") << ">> -0 -1" << all;
+        QTest::newRow("some, in list order") << ">vdd,clk" << "clk:0 vdd:4";
+        QTest::newRow("some taken back") << ">> <q[1],io" << "clk:0 rst_n:0 q[0]:1 tp:3 vdd:4 odd:3";
+        QTest::newRow("all taken back") << ">> <<" << "";
+        QTest::newRow("only a known name") << ">a" << "";
+        QTest::newRow("missing file, list kept") << ">> !missing" << all;
+        QTest::newRow("binary file, list kept") << ">> !binary" << all;
+        QTest::newRow("file without nodes, list emptied") << ">> !empty" << "";
+    }
+    void import()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QString, imported);
+        auto gui = open();
+        QVERIFY(gui);
+        WaveData* bus = gui->document()->findWavebyName("d[3:0]");
+        bus->expandFlag = true;  // its bits stay in the name list when an import is undone
+        gui->waveList()->expandBus(gui->waveList()->itemModel()->index(gui->waveList()->rowOf(bus), 0));
+        auto listRows = [&] { return gui->waveList()->itemModel()->rowCount(); };
+        ImportDlg dialog(gui->fullFileName(), gui.get());
+        dialog.show();
+        {
+            ModalAnswerer browsing({choose(path("design.naf"))});
+            QTest::mouseClick(dialog.browseButton(), Qt::LeftButton);
+            VERIFY_ANSWERED(browsing);
+            QCOMPARE(browsing.seen.value(0).title, QStringLiteral("Open Existing Waveform File"));
+            QCOMPARE(browsing.seen.value(0).filters, (QStringList{"NAF File (*.naf)", "All Files (*)"}));
+        }
+        QCOMPARE(dialog.importedModel()->rowCount(), 10);
+        QVERIFY(dialog.addAllButton()->isEnabled() && !dialog.addButton()->isEnabled());
+        for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
+            if (step == ">>" || step == "<<") {
+                QTest::mouseClick(step == ">>" ? dialog.addAllButton() : dialog.delAllButton(), Qt::LeftButton);
+            } else if (step.front() == '-' || step.front() == '+') {
+                QTest::mouseClick(dialog.filterBox(step.mid(1).toInt()), Qt::LeftButton);
+            } else if (step.front() == '!') {
+                const QString bad = path("bad.naf");
+                QFile::remove(bad);
+                QVERIFY(step == "!missing" || toolfixture::writeFile(bad, step == "!binary" ? kBinary : "name_only\n"));
+                ModalAnswerer answerer({press(QMessageBox::Ok)});
+                QCOMPARE(dialog.loadNodeList(bad), step == "!empty");
+                VERIFY_ANSWERED(answerer);
+                QCOMPARE(answerer.seen.value(0).text, kBadFileMessages.value(step).arg(bad));
+            } else {
+                const bool adding = step.front() == '>';
+                pick(adding ? dialog.importedList() : dialog.selectedList(), step.mid(1).split(','));
+                QVERIFY(adding ? dialog.addButton()->isEnabled() : dialog.delButton()->isEnabled());
+                QTest::mouseClick(adding ? dialog.addButton() : dialog.delButton(), Qt::LeftButton);
+            }
+        }
+        dialog.buttonBox()->button(QDialogButtonBox::Ok)->click();
+        QVERIFY(dialog.result() == QDialog::Accepted && gui->undoStack()->count() == 1);
+        for (int round = 0; round < 2; ++round) {
+            QCOMPARE(names(gui->document()->waves.mid(6)), imported);
+            QCOMPARE(listRows(), 10 + gui->document()->waves.size() - 6);
+            gui->undoStack()->undo();
+            QCOMPARE(names(gui->document()->waves), QStringLiteral("$pat:5 a:0 b:1 c:0 d[3:0]:2 e:4"));
+            QCOMPARE(listRows(), 10);
+            gui->undoStack()->redo();
+        }
+    }
+
+    void showAndRemove_data()
+    {
+        QTest::addColumn<bool>("showMode");
+        QTest::addColumn<QString>("hidden");
+        QTest::addColumn<int>("unticked");  // a filter box, -1 none
+        QTest::addColumn<QString>("listed");
+        QTest::addColumn<QString>("picked");
+        QTest::addColumn<QString>("after");  // the name list's rows
+        const QString all = "$pat a b c d[3:0] e";
+        QTest::newRow("remove two, picked last first") << false << "" << -1 << all << "c a" << "$pat b d[3:0] e";
+        QTest::newRow("remove, patterns unlisted") << false << "" << 5 << "a b c d[3:0] e" << "e b" << "$pat a c d[3:0]";
+        QTest::newRow("remove a hidden one") << false << "b" << 0 << "$pat b d[3:0] e" << "b $pat" << "a c d[3:0] e";
+        QTest::newRow("show two of three") << true << "a c e" << -1 << "a c e" << "e a" << "$pat a b d[3:0] e";
+        QTest::newRow("show, Global unlisted") << true << "a e" << 4 << "a" << "a" << "$pat a b c d[3:0]";
+        QTest::newRow("show, nothing hidden") << true << "" << -1 << "" << "" << all;
+    }
+    void showAndRemove()
+    {
+        QFETCH(bool, showMode);
+        QFETCH(QString, hidden);
+        QFETCH(int, unticked);
+        QFETCH(QString, listed);
+        QFETCH(QString, picked);
+        QFETCH(QString, after);
+        auto gui = open();
+        QVERIFY(gui);
+        for (const QString& name : hidden.split(' ', Qt::SkipEmptyParts))
+            gui->hideWave(gui->document()->findWavebyName(name));
+        const QByteArray saved = toolfixture::savedText(*gui);
+        const QString rowsBefore = rowNames(gui->waveList()->itemModel());
+        WaveListDlg dialog(showMode, gui.get());
+        dialog.show();
+        if (unticked >= 0)
+            QTest::mouseClick(dialog.filterBox(unticked), Qt::LeftButton);
+        QCOMPARE(rowNames(dialog.model()), listed);
+        QVERIFY(!listed.isEmpty() || !dialog.actionButton()->isEnabled());
+        if (listed.isEmpty())
+            return;
+        pick(dialog.waveList(), picked.split(' ', Qt::SkipEmptyParts));
+        gui->ResetDirtyBit();
+        QTest::mouseClick(dialog.actionButton(), Qt::LeftButton);
+        QVERIFY(dialog.isVisible() && gui->isModified());
+        QCOMPARE(dialog.model()->rowCount(), listed.count(' ') - picked.count(' '));  // the shown or removed go
+        QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
+        QCOMPARE(gui->undoStack()->count(), 1);
+        gui->undoStack()->undo();
+        QCOMPARE(toolfixture::savedText(*gui), saved);
+        QCOMPARE(rowNames(gui->waveList()->itemModel()), rowsBefore);
+        gui->undoStack()->redo();
+        QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
+    }
+
+    // Every menu slot opens its dialog; F1 and Help open the dialog's own
+    // page, and its what's-this texts say something.
+    void slotsOpenDialogsWithHelp_data()
+    {
+        QTest::addColumn<QByteArray>("slot");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("topic");
+        QTest::newRow("new wave") << QByteArray("newWave") << "Add New Wave" << "add_wave";
+        QTest::newRow("time") << QByteArray("editTimeUnit") << "Time Settings" << "time_setting";
+        QTest::newRow("import") << QByteArray("importWave") << "Import Wave" << "import_wave";
+        QTest::newRow("show") << QByteArray("showWave") << "Show Waves" << "show_wave";
+        QTest::newRow("remove") << QByteArray("removeWave") << "Remove Waves" << "remove_wave";
+    }
+    void slotsOpenDialogsWithHelp()
+    {
+        QFETCH(QByteArray, slot);
+        QFETCH(QString, title);
+        QFETCH(QString, topic);
+        auto gui = open();
+        QVERIFY(gui);
+        const QString page = ":/help/" + topic + ".html";
+        QStringList seen;
+        for (int round = 0; round < 2; ++round) {
+            QTimer::singleShot(0, this, [&] {
+                auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+                QVERIFY(dialog);
+                seen << dialog->windowTitle();
+                QTest::keyRelease(dialog, Qt::Key_F1);
+                QCOMPARE(BaseHelp::currentPage(), page);
+                BaseHelp::openHelpUrl();
+                dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Help)->click();
+                QCOMPARE(BaseHelp::currentPage(), page);
+                for (const QWidget* w : dialog->findChildren<QWidget*>())
+                    QVERIFY(!(w->inherits("QAbstractItemView") || w->inherits("QComboBox")) || w->whatsThis().size() > 40);
+                if (auto* import = qobject_cast<ImportDlg*>(dialog)) {
+                    seen << QFileInfo(import->startPath()).fileName();
+                    if (round == 0)
+                        import->loadNodeList(path("design.naf"));
+                }
+                dialog->reject();
+            });
+            QVERIFY(QMetaObject::invokeMethod(gui.get(), slot.constData()));
+        }
+        BaseHelp::helpWindow()->hide();
+        // The second time the import's file dialog starts at the node list.
+        QCOMPARE(seen.join('|'), slot == "importWave" ? title + "|doc.wdl|" + title + "|design.naf" : title + '|' + title);
+    }
+};
+
+VOK_SANDBOXED_TEST_MAIN(TestDialogs)
+
+#include "test_dialogs.moc"
