@@ -3,7 +3,7 @@
 // signals they send to the actions.
 #include "undocommands.h"
 
-#include "edittestutil.h"
+#include "guifixture.h"
 #include "sandboxedtestmain.h"
 #include "waveview.h"
 
@@ -14,7 +14,7 @@
 #include <QUndoStack>
 
 using namespace kesu::toolvok;
-using namespace edittest;
+using namespace guitest;
 
 namespace {
 
@@ -39,17 +39,6 @@ QByteArray bus(const char* name, const char* segments)
     return QByteArray(name) + " { B I Default NRZ 0 1 50 } = " + segments + ';';
 }
 
-// The emissions of several one-bool signals, one list per spy.
-QList<QList<bool>> emittedAll(const QList<QSignalSpy*>& spies)
-{
-    QList<QList<bool>> all;
-    for (QSignalSpy* spy : spies) {
-        all << emitted(*spy);
-        spy->clear();
-    }
-    return all;
-}
-
 } // namespace
 
 class TestEditOps : public QObject
@@ -59,7 +48,7 @@ class TestEditOps : public QObject
 private Q_SLOTS:
     void extendByClickFollowsTheLastValue()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         QSignalSpy undoable(t.gui.get(), &VokGUI::undoAvailable);
         for (const char* name : {"a", "z", "x", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]"}) {
@@ -78,7 +67,7 @@ private Q_SLOTS:
 
     void extendByClickPreconditions()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         WaveData* a = t.wave(QStringLiteral("a"));
         t.select(QStringLiteral("a"), {});
@@ -116,7 +105,7 @@ private Q_SLOTS:
 
     void clearTakesTimeOut()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("a"), {1});
         QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
@@ -137,7 +126,7 @@ private Q_SLOTS:
 
     void cutPastesOnce()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("d[3:0]"), {1, 2, 3});
         const QList<Pattern*> taken = t->selection();
@@ -168,7 +157,7 @@ private Q_SLOTS:
 
     void copyPastesManyTimes()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("a"), {0, 1});
         QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
@@ -196,7 +185,7 @@ private Q_SLOTS:
 
     void pasteRefusesOtherShapes()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("d[3:0]"), {0});
         t->copyData();
@@ -222,7 +211,7 @@ private Q_SLOTS:
 
     void mergingStopsAtTheForeverStart()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("a"), {0});
         t->copyData();
@@ -252,7 +241,7 @@ private Q_SLOTS:
 
     void clipboardLetsGoOfRemovedWaves()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("d[3:0]"), {0, 1});
         t->cutData();
@@ -281,7 +270,8 @@ private Q_SLOTS:
 
     void duplicateNaming()
     {
-        Tool t(wdl({kA, kD}));
+        Window t(wdl({kA, kD}));
+        t.list()->setCurrentIndex(QModelIndex());
         QSignalSpy active(t.gui.get(), &VokGUI::activeWaveChanged);
         t->dupWave();   // no active wave
         QCOMPARE(t->undoStack()->count(), 0);
@@ -298,8 +288,11 @@ private Q_SLOTS:
 
     void hideAndShow()
     {
-        Tool t(kDoc);
-        t->hideWave();   // no current row
+        Window t(kDoc);
+        QAction* hide = t->action(VokGUI::ActHideWave);
+        t.list()->setCurrentIndex(QModelIndex());
+        QVERIFY(!hide->isEnabled());   // no current row
+        t->hideWave();
         QCOMPARE(t->undoStack()->count(), 0);
         t.select(QStringLiteral("x"), {});
         WaveData* x = t.wave(QStringLiteral("x"));
@@ -307,6 +300,15 @@ private Q_SLOTS:
         QVERIFY(!x->visible && !x->selected);
         QCOMPARE(t.listRows(), (QStringList{"a", "z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b"}));
         QVERIFY(!t->isModified());
+        // Undone, x is back and no row is current: there is nothing to hide.
+        t->undo();
+        QCOMPARE(t.listRows(), t.docOrder());
+        QVERIFY(!t.list()->currentIndex().isValid());
+        QVERIFY(!hide->isEnabled());
+        t.list()->setCurrentIndex(t.list()->itemModel()->index(2, 0));
+        QVERIFY(hide->isEnabled());
+        hide->trigger();
+        QVERIFY(!x->visible);
 
         // Showing rebuilds the whole list from the document's visible waves.
         t.wave(QStringLiteral("a"))->visible = false;
@@ -316,7 +318,7 @@ private Q_SLOTS:
 
     void activeWaveAndModes()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         QSignalSpy active(t.gui.get(), &VokGUI::activeWaveChanged);
         QSignalSpy isBus(t.gui.get(), &VokGUI::busWaveSelected);
         t->setActiveWave(t.wave(QStringLiteral("d[3:0]")));
@@ -351,7 +353,7 @@ private Q_SLOTS:
 
     void readOnlyModeSilencesEditing()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("a"), {0});
         t->addEditData(200);
@@ -387,7 +389,7 @@ private Q_SLOTS:
 
     void undoDropsTheRangeRedoKeepsIt()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("a"), {1});
         t->clearData();
@@ -395,15 +397,13 @@ private Q_SLOTS:
         for (bool undoing : {true, false}) {
             t->changeRange(10, 30);
             a->selected = true;
-            t->waveView()->pendingPatterns = {a->patterns[0]};
             QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
             if (undoing)
                 t->undo();
             else
                 t->redo();
             QVERIFY(!a->selected);
-            QVERIFY(t->waveView()->pendingPatterns.isEmpty());
-            QCOMPARE(t->waveView()->selectionStart, undoing ? -1.0 : 10.0);
+            QCOMPARE(t.sel().rangeStart, undoing ? -1.0 : 10.0);
             // Both drop the selection; only undo also drops the range (which says so once more).
             QVERIFY(t->selection().isEmpty());
             QCOMPARE(emitted(edit), undoing ? (QList<bool>{false, false}) : QList<bool>{false});
@@ -412,7 +412,7 @@ private Q_SLOTS:
 
     void segmentsOfAnotherWaveInTheSelectionSurviveClearAndPaste()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t.editMode(true);
         WaveData* z = t.wave(QStringLiteral("z"));
         Pattern* foreign = z->patterns.first();

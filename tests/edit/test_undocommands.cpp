@@ -3,13 +3,13 @@
 // Plain undo/redo exactness is left to the random-edit test.
 #include "undocommands.h"
 
-#include "edittestutil.h"
+#include "guifixture.h"
 #include "sandboxedtestmain.h"
 
 #include <QUndoStack>
 
 using namespace kesu::toolvok;
-using namespace edittest;
+using namespace guitest;
 
 namespace {
 
@@ -45,7 +45,7 @@ class TestUndoCommands : public QObject
 private Q_SLOTS:
     void addWaveAddsAFreshCopyEachRedo()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* given = newWave(QStringLiteral("n"), {{"1", 7}, {"0", 3}});
         t->undoStack()->push(new AddWaveCommand(given, t.gui.get()));
         QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, kE, kF, "n { A I Default NRZ 0 1 50 } = 1 7 0 3;"}));
@@ -58,7 +58,7 @@ private Q_SLOTS:
 
     void typeChangeToPatternOutlivesUndoOfTheAdd()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t->undoStack()->push(new AddWaveCommand(newWave(QStringLiteral("x"), {{"1", 7}}), t.gui.get()));
         WaveData* live = t.wave(QStringLiteral("x"));
         // What the Waveform Properties view does before it pushes.
@@ -83,7 +83,7 @@ private Q_SLOTS:
 
     void delWaveReinsertsAtRecordedPositions()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t->setActiveWave(t.wave(QStringLiteral("a")));
         QSignalSpy active(t.gui.get(), &VokGUI::activeWaveChanged);
         t->undoStack()->push(new DelWaveCommand({t.wave("a"), t.wave("c")}, t.gui.get()));
@@ -104,7 +104,7 @@ private Q_SLOTS:
 
     void delWaveOfAStrangerAppendsOnUndo()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         std::unique_ptr<WaveData> stranger(newWave(QStringLiteral("zz"), {{"0", 1}}));
         t->ResetDirtyBit();
         t->undoStack()->push(new DelWaveCommand({stranger.get()}, t.gui.get()));
@@ -120,7 +120,7 @@ private Q_SLOTS:
 
     void showAndHideNeverTouchTheDirtyBit()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* b = t.wave(QStringLiteral("b"));
         b->selected = true;
         QSignalSpy dirty(t.gui.get(), &VokGUI::fileChanged);
@@ -141,7 +141,7 @@ private Q_SLOTS:
 
     void foreverUndoRestoresWhatRedoMerged()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         // A bus keeps equal neighbours apart until an edit merges them; the
         // Pulse Properties view clears the old mark before switching forever off.
         WaveData* f = t.wave(QStringLiteral("f[3:0]"));
@@ -168,7 +168,7 @@ private Q_SLOTS:
     void foreverMovesTheTailStart()
     {
         // Moving the tail's start one pulse earlier; the caller clears the old mark first.
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* e = t.wave(QStringLiteral("e"));
         e->patterns[2]->forever = false;
         t->undoStack()->push(new ForeverCommand(e, 1, t.gui.get()));
@@ -180,7 +180,7 @@ private Q_SLOTS:
 
     void editPatternFindsTheWaveByName()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* a = t.wave(QStringLiteral("a"));
         std::unique_ptr<WaveData> before(snapshotOf(a));
         a->patterns[1]->value = "0";
@@ -208,7 +208,7 @@ private Q_SLOTS:
 
     void cutPatternDropsSurplusFromTheSelection()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* a = t.wave(QStringLiteral("a"));
         std::unique_ptr<WaveData> before(snapshotOf(a));
         for (int i : {2, 1}) {
@@ -230,7 +230,7 @@ private Q_SLOTS:
 
     void nodeParaKeepsOnlyThirtyTwoBitsOfOffset()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* b = t.wave(QStringLiteral("b"));
         b->polarity = 2;
         b->offset = (quint64(1) << 31) + 5;
@@ -251,7 +251,7 @@ private Q_SLOTS:
 
     void timeUnitMarksDirtyEvenUnchanged()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         t->undoStack()->push(new TimeUnitCommand(9, 0, t.gui.get()));
         QVERIFY(t->isModified());
         QCOMPARE(t.saved(), kDoc);
@@ -267,7 +267,7 @@ private Q_SLOTS:
 
     void importTwiceOverLeavesOneCopy()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         std::unique_ptr<WaveData> p(newWave(QStringLiteral("p"), {{"1", 3}}));
         std::unique_ptr<WaveData> q(newWave(QStringLiteral("q"), {{"-2", 4}}));
         QSignalSpy dirty(t.gui.get(), &VokGUI::fileChanged);
@@ -287,7 +287,7 @@ private Q_SLOTS:
 
     void moveWaveFindsAReinsertedCopyByName()
     {
-        Tool t(kDoc);
+        Window t(kDoc);
         WaveData* a = t.wave(QStringLiteral("a"));
         t->undoStack()->push(new moveWaveCommand(a, 1, 3, t.gui.get()));
         const QByteArray moved = wdl({kPat, kB, kC, kA, kD, kE, kF});
@@ -305,7 +305,7 @@ private Q_SLOTS:
     {
         // Rows count shown waves only; with b hidden, row 2 is c, which sits
         // at document position 3.
-        Tool t(kDoc);
+        Window t(kDoc);
         t->undoStack()->push(new HideWaveCommand(t.wave(QStringLiteral("b")), t.gui.get()));
         t->undoStack()->push(new moveWaveCommand(t.wave(QStringLiteral("a")), 1, 2, t.gui.get()));
         const QStringList movedDoc{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"};

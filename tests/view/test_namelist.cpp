@@ -296,6 +296,33 @@ private Q_SLOTS:
         QCOMPARE(order(), (QStringList{"a", "b", "c", "bus[2:0]"}));
         QCOMPARE(gui_->undoStack()->count(), 1);
     }
+
+    void undoneMovesFollowTheDocumentWhateverWasExpanded()
+    {
+        // c dragged above b and the bus, the bus expanded, both moves undone.
+        press(3);
+        QVERIFY(enter(rowPoint(3)));
+        QVERIFY(dragOver(rowPoint(2)));
+        QVERIFY(dragOver(rowPoint(1)));
+        QVERIFY(drop(rowPoint(1)));
+        doubleClick(3);
+        QCOMPARE(titles(), (QStringList{"a I", "c B", "b O", "(-) bus[2:0] I", "bus[2]", "bus[1]", "bus[0]"}));
+        gui_->undo();
+        gui_->undo();
+        QCOMPARE(order(), (QStringList{"a", "b", "bus[2:0]", "c"}));
+        QCOMPARE(titles(), (QStringList{"a I", "b O", "(-) bus[2:0] I", "bus[2]", "bus[1]", "bus[0]", "c B"}));
+        gui_->redo();
+        QCOMPARE(titles(), (QStringList{"a I", "b O", "c B", "(-) bus[2:0] I", "bus[2]", "bus[1]", "bus[0]"}));
+        gui_->undo();
+        // Collapsing takes the bus's own rows, and a click on the drawing
+        // picks the wave drawn there.
+        doubleClick(2);
+        QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) bus[2:0] I", "c B"}));
+        gui_->action(VokGUI::ActEditMode)->setChecked(true);
+        QTest::mouseClick(gui_->waveView(), Qt::LeftButton, {}, QPoint(30, 3 * RowHeight + 20));
+        QCOMPARE(gui_->activeWave(), wave("c"));
+        QCOMPARE(gui_->selection(), QList<Pattern*>{wave("c")->patterns.first()});
+    }
 };
 
 VOK_SANDBOXED_TEST_MAIN(TestNameList)

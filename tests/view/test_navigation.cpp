@@ -63,6 +63,18 @@ class TestNavigation : public QObject
         gui_->changeStep(step);
     }
 
+    // Puts the cursor at t with a click in query mode: a release takes the
+    // time of its pixel on whole steps, the start time at pixel 1.
+    quint64 setCursor(quint64 t)
+    {
+        const quint64 start = gui_->startTime();
+        gui_->setStartTime(t);
+        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(1, 10));
+        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(1, 10));
+        gui_->setStartTime(start);
+        return view_->cursorTime();
+    }
+
     // The width of a range whose raw step (range x 20 / view width) is r.
     quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
 
@@ -137,8 +149,8 @@ private Q_SLOTS:
     {
         gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(false);
         gui_->setActiveWave(wave("a"));
-        view_->cursorTime = 0;
-        view_->markerTime = NoTime;
+        setCursor(0);
+        view_->setMarkerTime(NoTime);
         setView(0, 1);
         gui_->Refresh();
     }
@@ -150,60 +162,48 @@ private Q_SLOTS:
         const QList<quint64> sequence{1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000,
                                       100000};
         setView(700, 1);
-        for (bool out : {true, false}) {
+        for (const char* action : {"zoom out", "zoom in"}) {
             QList<quint64> walk{gui_->step()};
             for (int i = 0; i < 20; ++i) {
-                out ? gui_->zoomOut() : gui_->zoomIn();
+                gui_->sharedAction(QLatin1String(action))->trigger();
                 if (gui_->step() != walk.last())
                     walk.append(gui_->step());
             }
-            if (!out)
+            if (action[5] == 'i')
                 std::reverse(walk.begin(), walk.end());
             QCOMPARE(walk, sequence);
             QCOMPARE(gui_->startTime(), quint64(700));
         }
-    }
-
-    void zoomLimitsAndOddSteps()
-    {
-        // {step, zoom out?, step after}: capped at both ends, odd steps double or drop to 1.
-        const struct { quint64 step; bool out; quint64 after; } cases[] = {
-            {1, false, 1}, {100000, true, 100000}, {3, true, 6}, {3, false, 1}, {80000, true, 100000},
-        };
-        for (const auto& c : cases) {
-            setView(0, c.step);
-            c.out ? gui_->zoomOut() : gui_->zoomIn();
-            QCOMPARE(gui_->step(), c.after);
-        }
+        // Odd steps (from a fit) double out or drop to 1 in.
+        setView(0, 3);
+        gui_->zoomOut();
+        QCOMPARE(gui_->step(), quint64(6));
+        setView(0, 3);
+        gui_->zoomIn();
+        QCOMPARE(gui_->step(), quint64(1));
         gui_->changeStep(0);
         QCOMPARE(gui_->step(), quint64(1));
-
-        // The shared actions do the same.
-        setView(0, 10);
-        gui_->sharedAction(QStringLiteral("zoom in"))->trigger();
-        QCOMPARE(gui_->step(), quint64(5));
-        gui_->sharedAction(QStringLiteral("zoom out"))->trigger();
-        QCOMPARE(gui_->step(), quint64(10));
     }
 
+    void zoomRangeRoundsUpPastTheLeadingDigit_data()
+    {
+        QTest::addColumn<quint64>("raw");
+        QTest::addColumn<quint64>("step");
+        for (auto [raw, step] : QList<QPair<quint64, quint64>>{{20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2},
+                                                                {4, 5}, {150, 200}, {99999, 100000},
+                                                                {5000000, 100000}})
+            QTest::addRow("%llu", raw) << raw << step;
+    }
     void zoomRangeRoundsUpPastTheLeadingDigit()
     {
-        const struct { quint64 raw, step; } cases[] = {
-            {20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2}, {4, 5}, {5, 10}, {99, 100}, {150, 200},
-            {99999, 100000}, {100001, 100000}, {5000000, 100000},
-        };
-        for (const auto& c : cases) {
-            setView(0, 7);
-            const quint64 a = 1234;
-            gui_->zoomRange(a, a + qMax<quint64>(1, rangeFor(c.raw)));
-            QVERIFY2(gui_->step() == c.step, qPrintable(QStringLiteral("raw %1 gave %2").arg(c.raw).arg(gui_->step())));
-            QCOMPARE(gui_->startTime(), a);
-        }
+        QFETCH(quint64, raw);
+        setView(0, 7);
+        gui_->zoomRange(1234, 1234 + qMax<quint64>(1, rangeFor(raw)));
+        QTEST(gui_->step(), "step");
+        QCOMPARE(gui_->startTime(), quint64(1234));
         // The tool's bar follows: its value is the start in steps.
-        QCOMPARE(gui_->waveHBar()->value(), int(1234 / 100000));
-        gui_->zoomRange(5000, 5000 + rangeFor(20));
-        QCOMPARE(gui_->waveHBar()->value(), 5000 / 50);
-        QCOMPARE(gui_->waveHBar()->maximum(), 100000 / 50 + 5);
+        QCOMPARE(gui_->waveHBar()->value(), int(1234 / gui_->step()));
+        QCOMPARE(gui_->waveHBar()->maximum(), int(100000 / gui_->step() + 5));
     }
 
     void zoomRangeOfOnePointRecentresOnTheCursor()
@@ -215,7 +215,7 @@ private Q_SLOTS:
         };
         for (const auto& c : cases) {
             setView(300, c.step);
-            view_->cursorTime = c.cursor;
+            setCursor(c.cursor);
             gui_->zoomRange(77, 77);
             QCOMPARE(gui_->step(), c.after);
             QCOMPARE(gui_->startTime(), c.start);
@@ -239,12 +239,11 @@ private Q_SLOTS:
 
     void draggingAnAreaZoomsIntoIt()
     {
+        setView(10000, 1000);
+        const quint64 cursor = setCursor(777);
         QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
         zoomArea->setChecked(true);
         QVERIFY(gui_->isZooming());
-
-        setView(10000, 1000);
-        const quint64 cursor = view_->cursorTime = 777;
         mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(300, 70));
         mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(250, 110));
         mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(100, 30));
@@ -261,7 +260,7 @@ private Q_SLOTS:
         QCOMPARE(gui_->startTime(), quint64(15000));
         QCOMPARE(gui_->step(), quint64(500));
         // The press went to the navigator, not to the view.
-        QCOMPARE(view_->cursorTime, cursor);
+        QCOMPARE(view_->cursorTime(), cursor);
 
         // A click without extent zooms in one step, keeping the start.
         mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(40, 10));
@@ -361,9 +360,9 @@ private Q_SLOTS:
             wheel(target, QPoint(0, -240), Qt::NoModifier);
             QCOMPARE(rows->value(), 3 * lines);
             wheel(target, QPoint(0, 120), Qt::NoModifier);
-            QCOMPARE(view_->firstVisibleRow, 2 * lines);
+            QCOMPARE(gui_->viewport().firstRow, 2 * lines);
             wheel(target, QPoint(0, 1200), Qt::NoModifier);
-            QCOMPARE(view_->firstVisibleRow, 0);
+            QCOMPARE(gui_->viewport().firstRow, 0);
 
             // Shift: the time axis, in steps.
             wheel(target, QPoint(0, -120), Qt::ShiftModifier);
@@ -376,102 +375,82 @@ private Q_SLOTS:
             QCOMPARE(gui_->startTime(), quint64(2 * lines * 100));
             wheel(target, QPoint(0, 12000), Qt::ShiftModifier);
             QCOMPARE(gui_->startTime(), quint64(0));
-            QCOMPARE(view_->firstVisibleRow, 0);
+            QCOMPARE(gui_->viewport().firstRow, 0);
         }
     }
 
-    void stepJumpsFromTheEdges()
+    void jumps_data()
     {
-        setView(0, 10);
-        view_->cursorTime = 10;
-        gui_->JumptoLeft();
-        QCOMPARE(view_->cursorTime, quint64(0));
-        view_->cursorTime = 17;
-        gui_->JumptoLeft();
-        QCOMPARE(view_->cursorTime, quint64(7));
-
-        view_->cursorTime = 100;
-        gui_->JumptoLeft10();
-        QCOMPARE(view_->cursorTime, quint64(0));
-        view_->cursorTime = 150;
-        gui_->JumptoLeft10();
-        QCOMPARE(view_->cursorTime, quint64(50));
-
-        view_->cursorTime = NoTime;
-        gui_->JumptoRight();
-        QCOMPARE(view_->cursorTime, quint64(10));
-        gui_->JumptoRight();
-        QCOMPARE(view_->cursorTime, quint64(20));
-        gui_->JumptoRight10();
-        QCOMPARE(view_->cursorTime, quint64(120));
-
-        // The actions reach the same jumps.
-        gui_->action(VokGUI::ActTickLeft)->trigger();
-        QCOMPARE(view_->cursorTime, quint64(110));
-        gui_->action(VokGUI::ActJumpZero)->trigger();
-        QCOMPARE(view_->cursorTime, quint64(0));
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<quint64>("cursor");
+        QTest::addColumn<int>("action");
+        QTest::addColumn<quint64>("landed");
+        // The view shows step 10; "a" changes at 100 and 200 and ends at 1000.
+        QTest::newRow("left to 0") << "a" << quint64(10) << int(VokGUI::ActTickLeft) << quint64(0);
+        QTest::newRow("left") << "a" << quint64(17) << int(VokGUI::ActTickLeft) << quint64(7);
+        QTest::newRow("10 left to 0") << "a" << quint64(100) << int(VokGUI::ActLeft10) << quint64(0);
+        QTest::newRow("10 left") << "a" << quint64(150) << int(VokGUI::ActLeft10) << quint64(50);
+        QTest::newRow("right from none") << "a" << NoTime << int(VokGUI::ActTickRight) << quint64(10);
+        QTest::newRow("right") << "a" << quint64(10) << int(VokGUI::ActTickRight) << quint64(20);
+        QTest::newRow("10 right from none") << "a" << NoTime << int(VokGUI::ActRight10) << quint64(100);
+        QTest::newRow("10 right") << "a" << quint64(20) << int(VokGUI::ActRight10) << quint64(120);
+        QTest::newRow("right stops at the end") << "a" << quint64(995) << int(VokGUI::ActTickRight) << quint64(1000);
+        QTest::newRow("zero") << "a" << quint64(120) << int(VokGUI::ActJumpZero) << quint64(0);
+        QTest::newRow("next change") << "a" << quint64(0) << int(VokGUI::ActNextChange) << quint64(100);
+        QTest::newRow("next change again") << "a" << quint64(100) << int(VokGUI::ActNextChange) << quint64(200);
+        QTest::newRow("end") << "a" << quint64(0) << int(VokGUI::ActJumpEnd) << quint64(1000);
+        QTest::newRow("far end") << "long" << quint64(0) << int(VokGUI::ActJumpEnd) << quint64(100000);
+        QTest::newRow("next without a wave") << "" << quint64(150) << int(VokGUI::ActNextChange) << quint64(150);
+        QTest::newRow("end without a wave") << "" << quint64(150) << int(VokGUI::ActJumpEnd) << quint64(150);
     }
-
-    void jumpsAlongTheActiveWave()
+    void jumps()
     {
+        QFETCH(QString, wave);
+        QFETCH(quint64, cursor);
+        QFETCH(int, action);
+        QFETCH(quint64, landed);
         setView(0, 10);
-        view_->cursorTime = 0;
-        gui_->JumptoNext();
-        QCOMPARE(view_->cursorTime, quint64(100));
-        gui_->JumptoNext();
-        QCOMPARE(view_->cursorTime, quint64(200));
-        gui_->JumptoEnd();
-        QCOMPARE(view_->cursorTime, quint64(1000));
-        gui_->JumptoZero();
-        QCOMPARE(view_->cursorTime, quint64(0));
-
-        // Far jumps bring the cursor into view.
-        gui_->setActiveWave(wave("long"));
-        gui_->JumptoEnd();
-        QCOMPARE(view_->cursorTime, quint64(100000));
-        QVERIFY(gui_->startTime() <= 100000);
-        QVERIFY(gui_->startTime() + quint64(viewWidth() / 20) * 10 >= 100000);
-
-        // Without an active wave, Next and End do nothing.
-        gui_->setActiveWave(nullptr);
-        view_->cursorTime = 150;
-        const quint64 start = gui_->startTime();
-        gui_->JumptoNext();
-        gui_->JumptoEnd();
-        QCOMPARE(view_->cursorTime, quint64(150));
-        QCOMPARE(gui_->startTime(), start);
+        gui_->setActiveWave(gui_->document()->findWavebyName(wave));
+        QCOMPARE(setCursor(cursor), cursor);
+        gui_->action(action)->trigger();
+        QCOMPARE(view_->cursorTime(), landed);
+        // A jump brings the cursor into view; no jump leaves the view alone.
+        if (landed == cursor)
+            QCOMPARE(gui_->startTime(), quint64(0));
+        QVERIFY(gui_->startTime() <= landed);
+        QVERIFY(gui_->startTime() + quint64(viewWidth() / 20) * 10 >= landed);
     }
 
     void theMarker()
     {
+        QSignalSpy marked(gui_.get(), &VokGUI::markChanged);
         QVERIFY(!gui_->isMarked());
-        view_->cursorTime = 420;
-        gui_->placeMarker();
-        QCOMPARE(view_->markerTime, quint64(420));
+        setCursor(420);
+        gui_->action(VokGUI::ActPlaceMarker)->trigger();
+        QCOMPARE(view_->markerTime(), quint64(420));
         QVERIFY(gui_->isMarked());
-
-        view_->cursorTime = 10;
-        gui_->JumptoMarker();
-        QCOMPARE(view_->cursorTime, quint64(420));
-
-        gui_->hideMarker();
-        QCOMPARE(view_->markerTime, NoTime);
+        setCursor(10);
+        gui_->action(VokGUI::ActJumpMarker)->trigger();
+        QCOMPARE(view_->cursorTime(), quint64(420));
+        gui_->action(VokGUI::ActHideMarker)->trigger();
+        QCOMPARE(view_->markerTime(), NoTime);
         QVERIFY(!gui_->isMarked());
+        QCOMPARE(marked.count(), 2);
     }
 
     void jumpToTypedTime()
     {
-        view_->cursorTime = 5;
+        setCursor(5);
         QCOMPARE(jumpToTime({"150"}), QStringList{"Jump to Time"});
-        QCOMPARE(view_->cursorTime, quint64(150));
+        QCOMPARE(view_->cursorTime(), quint64(150));
         // Units convert: the document's unit is ns.
         jumpToTime({"0.3us"});
-        QCOMPARE(view_->cursorTime, quint64(300));
+        QCOMPARE(view_->cursorTime(), quint64(300));
         QCOMPARE(jumpToTime({"abc"}), (QStringList{"Jump to Time", "Waveform Editor|Invalid time."}));
         // An empty answer and a cancel do nothing, and show nothing more.
         QCOMPARE(jumpToTime({""}).size(), 1);
         QCOMPARE(jumpToTime({"cancel"}).size(), 1);
-        QCOMPARE(view_->cursorTime, quint64(300));
+        QCOMPARE(view_->cursorTime(), quint64(300));
     }
 };
 

@@ -1,4 +1,5 @@
 #include "rulerview.h"
+#include "selection.h"
 #include "vokgui.h"
 #include "waveformdata.h"
 #include "waveview.h"
@@ -7,6 +8,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
@@ -120,17 +122,11 @@ class TestWaveDrawing : public QObject
         QCoreApplication::sendEvent(target, &event);
     }
 
-    void collect(WaveData* wave, double a, double b, int mode = VokGUI::ModeEdit)
+    // Scrolls the wave view down to a row, as the tool's scroll bar does.
+    void scrollTo(int row)
     {
-        wave->selected = true;
-        gui_->setMode(mode);
-        gui_->selection().clear();
-        view_->selectionStart = a;
-        view_->selectionEnd = b;
-        view_->snappedStart = view_->snappedEnd = 0;
-        view_->collectSelection = true;
-        paint();
-        view_->collectSelection = false;
+        gui_->waveVBar()->setMaximum(qMax(row, gui_->waveVBar()->maximum()));
+        gui_->waveVBar()->setValue(row);
     }
 
 private Q_SLOTS:
@@ -164,12 +160,12 @@ private Q_SLOTS:
         gui_->setMode(VokGUI::ModeQuery);
         view_->setPalette(QPalette(Back));
         ruler_->setPalette(QPalette(Back));
-        view_->firstVisibleRow = 0;
-        view_->markerTime = view_->cursorTime = 0;
-        view_->selectionStart = view_->selectionEnd = 0;
-        view_->snappedStart = view_->snappedEnd = 0;
-        view_->selectionIsRange = view_->highlightOff = view_->collectSelection = false;
-        view_->selectedPattern = view_->selectedPattern2 = nullptr;
+        scrollTo(0);
+        view_->setMarkerTime(NoTime);
+        gui_->changeRange(0, 0);
+        Selection& s = gui_->selectionState();
+        s.isRange = s.highlightOff = false;
+        s.picked = s.picked2 = nullptr;
         view_->setProperty("directPaint", false);
         ruler_->originX = 100;
         ruler_->mouseX = 400;
@@ -255,7 +251,7 @@ private Q_SLOTS:
         }
         QCOMPARE(count(img, Black, 1, 120, Width - 2, Height - 2), 0);
 
-        view_->firstVisibleRow = 1;   // the first wave scrolled out above
+        scrollTo(1);   // the first wave scrolled out above
         img = paint();
         QCOMPARE(at(img, 50, 40), Signal);
         QCOMPARE(at(img, 50, 10), Back);
@@ -333,7 +329,7 @@ private Q_SLOTS:
 
     void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
     {
-        view_->markerTime = 5;
+        view_->setMarkerTime(5);
         QImage img = paint();
         QCOMPARE(at(img, 100, 150), Red);
         QCOMPARE(count(img, Red, 0, 0, Width - 1, Height - 1), Height - 2);
@@ -341,68 +337,43 @@ private Q_SLOTS:
         QCOMPARE(at(paint(), 20, 150), Red);
         setView(5, 1);
         QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
-        view_->markerTime = NoTime;   // hidden
+        view_->setMarkerTime(NoTime);   // hidden
         setView(0, 1);
         QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
 
-        view_->cursorTime = 7;
+        send(view_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(140, 10));
+        send(view_, QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(140, 10));
+        QCOMPARE(view_->cursorTime(), quint64(7));
         for (int mode : {1, 2, 3, 4}) {
             gui_->setMode(mode);
             QCOMPARE(at(paint(), 140, 150), mode >= 3 ? Black : Back);
         }
     }
 
-    void selectionCollectsAndSnaps()
-    {
-        WaveData* wave = addWave("0:1 1:2 0:2 1:1");   // [0,1] [1,3] [3,5] [5,6]
-        collect(wave, 4.2, 1.3);
-        QCOMPARE(gui_->selection(), (QList<Pattern*>{wave->patterns.at(1), wave->patterns.at(2)}));
-        QCOMPARE(view_->selectionStart, 1.5);
-        QCOMPARE(view_->selectionEnd, 4.5);
-
-        // Nothing is collected outside edit mode, with the highlight off or
-        // for a free range; the selection times stay.
-        for (int variant = 0; variant < 3; ++variant) {
-            view_->highlightOff = variant == 1;
-            view_->selectionIsRange = variant == 2;
-            if (variant == 0)
-                collect(wave, 1.3, 4.2, VokGUI::ModeQuery);
-            else
-                collect(wave, 1.3, 4.2);
-            QVERIFY(gui_->selection().isEmpty());
-            QCOMPARE(view_->selectionStart, 1.3);
-        }
-        view_->highlightOff = view_->selectionIsRange = false;
-        wave->selected = false;
-
-        // Right of the right edge (the view shows 20 time units)...
-        WaveData* right = addWave("0:100 1:5 0:5 1:5");
-        collect(right, 101, 109);
-        QCOMPARE(gui_->selection(), (QList<Pattern*>{right->patterns.at(1), right->patterns.at(2)}));
-        QCOMPARE(view_->selectionStart, 100.5);
-        QCOMPARE(view_->selectionEnd, 109.5);
-    }
-
     void selectionIsMarkedAboveAndBelowTheRow()
     {
         WaveData* wave = addWave("0:1 1:2 0:2 1:1");
-        collect(wave, 1.3, 4.2);
+        wave->selected = true;
+        gui_->setMode(VokGUI::ModeEdit);
+        // Per segment: the two it touches, [1,5], x 20..100. Two-pixel lines
+        // at y 5 and 45 cover the pixel row above too.
+        gui_->changeRange(1.3, 4.2);
         const QImage img = paint();
-        // Two-pixel lines over [1,5], x 20..100, at y 5 and 45 (each covers the
-        // pixel row above its y as well).
         for (int y : {4, 5, 44, 45}) {
             QCOMPARE(at(img, 60, y), Black);
             QCOMPARE(at(img, 10, y), Back);
             QCOMPARE(at(img, 110, y), Back);
         }
         // A free range is marked from its own times.
-        view_->selectionIsRange = true;
-        view_->selectionStart = 2;
-        view_->selectionEnd = 3;
+        gui_->selectionState().isRange = true;
+        gui_->changeRange(2, 3);
         const QImage range = paint();
         QCOMPARE(at(range, 50, 5), Black);
         QCOMPARE(at(range, 30, 5), Back);
         QCOMPARE(at(range, 70, 5), Back);
+        // Outside edit mode nothing is marked.
+        gui_->setMode(VokGUI::ModeQuery);
+        QCOMPARE(at(paint(), 50, 5), Back);
     }
 
     void paintingCostsWhatIsVisible()
@@ -457,14 +428,12 @@ private Q_SLOTS:
         WaveData* selected = addWave(mixed, 0);
         selected->selected = true;
         gui_->setShowGuideline(true);
-        view_->markerTime = 30;
-        view_->cursorTime = 40;
-        view_->selectedPattern = selected->patterns.at(5);
-        view_->selectedPattern2 = bus->patterns.at(9);
+        view_->setMarkerTime(30);
+        gui_->selectionState().picked = selected->patterns.at(5);
+        gui_->selectionState().picked2 = bus->patterns.at(9);
         gui_->setMode(VokGUI::ModeEdit);
-        view_->selectionStart = 20;
-        view_->selectionEnd = 700;
-        view_->firstVisibleRow = 1;
+        gui_->changeRange(20, 700);
+        scrollTo(1);
         view_->resize(Width, 500);
         if (step == 0)
             gui_->zoomRange(0, gui_->getMaxEnd());
