@@ -9,6 +9,7 @@
 #include "undocommands.h"
 #include "wavedata.h"
 #include "waveformdata.h"
+#include "wavekind.h"
 #include "wavelstview.h"
 
 #include <QAction>
@@ -52,6 +53,24 @@ QByteArray summary(const VokGUI& gui)
     return out;
 }
 
+// Whether the name list shows the document's shown waves in its order, each
+// expanded bus followed by its element rows, as the drawing shows them.
+bool listMatchesDocument(const VokGUI& gui)
+{
+    int row = 0;
+    for (const WaveData* w : gui.document()->waves) {
+        if (!w->visible)
+            continue;
+        if (gui.waveList()->waveAt(row++) != w)
+            return false;
+        for (int i = 0; w->isBus && w->expandFlag && i < w->elements.size(); ++i) {
+            if (gui.waveList()->itemModel()->item(row++)->text() != w->elements.at(i))
+                return false;
+        }
+    }
+    return row == gui.waveList()->itemModel()->rowCount();
+}
+
 class RandomEditor
 {
 public:
@@ -66,7 +85,7 @@ public:
     QString step(int& pushes)
     {
         // Cumulative weights out of 100, one per case below.
-        static const int upTo[] = {12, 22, 30, 40, 54, 58, 63, 68, 78, 86, 93, 100};
+        static const int upTo[] = {12, 22, 30, 40, 54, 58, 63, 68, 78, 84, 90, 96, 100};
         for (;;) {
             const int pick = int(rng_.bounded(100));
             const int op = int(std::upper_bound(std::begin(upTo), std::end(upTo), pick) - std::begin(upTo));
@@ -189,7 +208,7 @@ private:
             return QStringLiteral("forever %1 from %2").arg(wave->name).arg(index);
         }
         case 10: {   // never to a named pattern, which renames the wave for good
-            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == 5)
+            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == WaveKind::Pattern)
                 return {};
             const int old = wave->polarity;
             int type = int(rng_.bounded(4));
@@ -198,8 +217,17 @@ private:
             gui_.undoStack()->push(new NodeParaCommand(wave, old, static_cast<int>(wave->offset), &gui_));
             return QStringLiteral("type of %1 from %2 to %3").arg(wave->name).arg(old).arg(type);
         }
-        default: {   // offsets stay far below 2^31
-            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == 5)
+        default: {   // a double click on a bus row, which expands or collapses it
+            int row = 0;
+            if (!(wave = pickRow(&row)) || !wave->isBus)
+                return {};
+            pushes = 0;
+            wave->expandFlag = !wave->expandFlag;
+            gui_.waveList()->expandBus(gui_.waveList()->itemModel()->index(row, 0));
+            return (wave->expandFlag ? QStringLiteral("expand ") : QStringLiteral("collapse ")) + wave->name;
+        }
+        case 11: {   // offsets stay far below 2^31
+            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == WaveKind::Pattern)
                 return {};
             const quint64 offset = rng_.bounded(1000);
             const int old = static_cast<int>(wave->offset);
@@ -283,12 +311,14 @@ private Q_SLOTS:
             for (int i = pushes; i > 0; --i) {
                 gui.undo();
                 QVERIFY2(summary(gui) == states.at(i - 1), qPrintable(QStringLiteral("undo of ") + made.at(i)));
+                QVERIFY2(listMatchesDocument(gui), qPrintable(QStringLiteral("names after undo of ") + made.at(i)));
             }
             QVERIFY(!stack->canUndo());
             QCOMPARE(savedText(gui), original);
             for (int i = 1; i <= pushes; ++i) {
                 gui.redo();
                 QVERIFY2(summary(gui) == states.at(i), qPrintable(QStringLiteral("redo of ") + made.at(i)));
+                QVERIFY2(listMatchesDocument(gui), qPrintable(QStringLiteral("names after redo of ") + made.at(i)));
             }
             QVERIFY(!stack->canRedo());
             QCOMPARE(savedText(gui), edited);
