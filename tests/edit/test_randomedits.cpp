@@ -283,7 +283,6 @@ private Q_SLOTS:
         gui.action(VokGUI::ActEditMode)->setChecked(true);
         QUndoStack* stack = gui.undoStack();
         const QString replay = QStringLiteral("%1, seed %2 (replay: VOK_RANDOMEDITS_SEED=%2)").arg(file).arg(seed);
-
         // states[i]: the document with i commands on the stack; made[i]: the
         // operation that pushed command i.
         const QByteArray original = savedText(gui);
@@ -305,7 +304,6 @@ private Q_SLOTS:
         const int pushes = stack->count();
         const QByteArray edited = savedText(gui);
         QVERIFY(original != edited);
-
         // Twice: a command undone and redone must undo as well as the first time.
         for (int round = 1; round <= 2; ++round) {
             for (int i = pushes; i > 0; --i) {

@@ -254,14 +254,12 @@ private Q_SLOTS:
         QCOMPARE(gui_->step(), quint64(1000));
         mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(100, 30));
         QVERIFY(!band() || !band()->isVisible());
-
         // Pixels 100 and 300 are steps 5 and 15: [15000, 25000], so the raw
         // step is 200000 / width, between 200 and 499.
         QCOMPARE(gui_->startTime(), quint64(15000));
         QCOMPARE(gui_->step(), quint64(500));
         // The press went to the navigator, not to the view.
         QCOMPARE(view_->cursorTime(), cursor);
-
         // A click without extent zooms in one step, keeping the start.
         mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(40, 10));
         mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(40, 50));
@@ -279,20 +277,17 @@ private Q_SLOTS:
         mouse(QEvent::MouseMove, Qt::RightButton, QPoint(200, 80));
         QVERIFY(band() && band()->isVisible());
         mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200, 80));
-
         const auto span = static_cast<quint64>(double(timeArea) * timeArea / bandWidth / 20 * 10.0);
         // Centred on the old start, not on the area; the span is about four
         // views of step 10, so the raw step is about 40.
         QCOMPARE(gui_->startTime(), 60000 - span / 2);
         QCOMPARE(gui_->step(), quint64(50));
-
         // Near time 0 the range starts at 0.
         setView(100, 10);
         mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200, 40));
         mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200 + bandWidth, 40));
         QCOMPARE(gui_->startTime(), quint64(0));
         QCOMPARE(gui_->step(), quint64(50));
-
         // A right click zooms out one step.
         mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200, 40));
         mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200, 40));
@@ -312,7 +307,6 @@ private Q_SLOTS:
         QVERIFY(!gui_->isZooming());
         QVERIFY(!zoomArea->isChecked());
         QVERIFY(!band() || !band()->isVisible());
-
         // Unchecking the action ends the mode and drops a band being dragged.
         zoomArea->setChecked(true);
         setView(0, 10);
@@ -363,7 +357,6 @@ private Q_SLOTS:
             QCOMPARE(gui_->viewport().firstRow, 2 * lines);
             wheel(target, QPoint(0, 1200), Qt::NoModifier);
             QCOMPARE(gui_->viewport().firstRow, 0);
-
             // Shift: the time axis, in steps.
             wheel(target, QPoint(0, -120), Qt::ShiftModifier);
             QCOMPARE(time->value(), lines);

@@ -35,6 +35,19 @@ QColor at(const QImage& image, int x, int y)
     return QColor(image.pixel(x, y));
 }
 
+struct Px
+{
+    int x, y;
+    QColor color;
+};
+
+// Whether each listed pixel has its colour.
+void expect(const QImage& image, std::initializer_list<Px> points)
+{
+    for (const Px& p : points)
+        QVERIFY2(at(image, p.x, p.y) == p.color, qPrintable(QStringLiteral("pixel %1, %2").arg(p.x).arg(p.y)));
+}
+
 // How many pixels of the rectangle [x0, x1] x [y0, y1] have exactly the colour.
 int count(const QImage& image, const QColor& color, int x0, int y0, int x1, int y1)
 {
@@ -188,22 +201,13 @@ private Q_SLOTS:
         addWave("1:2 1:0 1:2");    // row 3: an empty pattern draws nothing
         addWave("1:2", 3);         // row 4: low up to the offset
         const QImage img = paint(Width, 240);
-        QCOMPARE(at(img, 20, 40), Signal);    // low: row top + 40
-        QCOMPARE(at(img, 70, 10), Signal);    // high: row top + 10
-        QCOMPARE(at(img, 40, 25), Signal);    // rising edge
-        QCOMPARE(at(img, 100, 25), Signal);   // falling edge
-        QCOMPARE(at(img, 120, 40), Signal);
-        QCOMPARE(at(img, 150, 40), Back);     // nothing after the end
-
-        QCOMPARE(at(img, 100, 80), Signal);
-        QCOMPARE(at(img, 100, 120), Signal);
-        QCOMPARE(at(img, 60, 130), Signal);
+        // low: row top + 40; high: row top + 10; rising edge; falling edge; nothing after the end.
+        expect(img, {{20, 40, Signal}, {70, 10, Signal}, {40, 25, Signal}, {100, 25, Signal}, {120, 40, Signal},
+                      {150, 40, Back}});
+        expect(img, {{100, 80, Signal}, {100, 120, Signal}, {60, 130, Signal}});
         QCOMPARE(count(img, Signal, 38, 131, 42, 159), 0);
-
-        QCOMPARE(at(img, 30, 200), Signal);
-        QCOMPARE(at(img, 60, 185), Signal);   // edge from the offset's 0
-        QCOMPARE(at(img, 80, 170), Signal);
-        QCOMPARE(at(img, 110, 170), Back);
+        // edge from the offset's 0.
+        expect(img, {{30, 200, Signal}, {60, 185, Signal}, {80, 170, Signal}, {110, 170, Back}});
     }
 
     void dontCareAndHighZBoxes()
@@ -217,12 +221,9 @@ private Q_SLOTS:
         QCOMPARE(count(img, DontCare, 30, 0, 39, Height - 2), 0);
         QCOMPARE(count(img, DontCare, 80, 0, Width - 2, Height - 2), 0);
         QCOMPARE(count(img, DontCare, 40, 40, 79, 45), 0);
-
         // High impedance: outlined in gray over x 120..159, with a "Z".
-        for (int x = 120; x <= 159; ++x) {
-            QCOMPARE(at(img, x, 10), Gray);
-            QCOMPARE(at(img, x, 39), Gray);
-        }
+        for (int x = 120; x <= 159; ++x)
+            expect(img, {{x, 10, Gray}, {x, 39, Gray}});
         QCOMPARE(at(img, 125, 20), Back);
         QVERIFY(count(img, Gray, 136, 22, 144, 32) > 0);
         QCOMPARE(count(img, Gray, 160, 0, Width - 2, Height - 2), 0);
@@ -234,15 +235,12 @@ private Q_SLOTS:
         addWave("0:5");
         hidden->visible = false;   // takes no row
         QImage img = paint();
-        QCOMPARE(at(img, 50, 40), Signal);
-        QCOMPARE(at(img, 50, 10), Back);
+        expect(img, {{50, 40, Signal}, {50, 10, Back}});
         QCOMPARE(count(img, Signal, 1, 41, Width - 2, Height - 2), 0);
-
         hidden->visible = true;
         gui_->setShowGuideline(true);
         img = paint();
-        QCOMPARE(at(img, 50, 10), Signal);
-        QCOMPARE(at(img, 50, 80), Signal);
+        expect(img, {{50, 10, Signal}, {50, 80, Signal}});
         // A dotted line 8 below each row's low level.
         for (int y : {48, 88}) {
             QVERIFY(count(img, Black, 1, y, Width - 2, y) > 100);
@@ -250,11 +248,9 @@ private Q_SLOTS:
                 QVERIFY(!(at(img, x, y) == Black && at(img, x + 1, y) == Black));
         }
         QCOMPARE(count(img, Black, 1, 120, Width - 2, Height - 2), 0);
-
         scrollTo(1);   // the first wave scrolled out above
         img = paint();
-        QCOMPARE(at(img, 50, 40), Signal);
-        QCOMPARE(at(img, 50, 10), Back);
+        expect(img, {{50, 40, Signal}, {50, 10, Back}});
     }
 
     void busShapesAndText()
@@ -262,28 +258,21 @@ private Q_SLOTS:
         setView(0, 2);   // 10 pixels per time unit
         addWave("A5:6 1F:1 3:2", 0, 8);
         QImage img = paint();
-        QCOMPARE(at(img, 30, 10), Bus);      // hexagon over 0..60
-        QCOMPARE(at(img, 30, 40), Bus);
-        QCOMPARE(at(img, 60, 25), Bus);      // where hexagon and diamond meet
-        QCOMPARE(at(img, 65, 10), Bus);      // the diamond's tips, 60..70
-        QCOMPARE(at(img, 65, 40), Bus);
-        QCOMPARE(at(img, 76, 10), Bus);      // 20 pixels: a hexagon again,
-        QCOMPARE(at(img, 84, 10), Bus);      // its top edge over 75..85
+        // hexagon over 0..60; where hexagon and diamond meet; the diamond's tips, 60..70; 20 pixels: a hexagon again,; its top edge over 75..85.
+        expect(img, {{30, 10, Bus}, {30, 40, Bus}, {60, 25, Bus}, {65, 10, Bus}, {65, 40, Bus}, {76, 10, Bus},
+                      {84, 10, Bus}});
         QVERIFY(count(img, Bus, 10, 15, 50, 35) > 0);   // "A5"
         QVERIFY(count(img, Bus, 76, 20, 84, 33) > 0);   // "3"
-
         // Binary "10100101" is 64 pixels of text: too wide for 60.
         gui_->setBusRadix(0);
         img = paint();
         QCOMPARE(count(img, Bus, 10, 15, 50, 35), 0);
         QCOMPARE(at(img, 30, 10), Bus);
-
         // Begun left of the view: the edges run from the left side, no bevel.
         gui_->setBusRadix(3);
         setView(1, 2);
         img = paint();
-        QCOMPARE(at(img, 2, 10), Bus);
-        QCOMPARE(at(img, 2, 40), Bus);
+        expect(img, {{2, 10, Bus}, {2, 40, Bus}});
     }
 
     void expandedBusBitRows()
@@ -294,13 +283,9 @@ private Q_SLOTS:
         QImage img = paint();
         QCOMPARE(at(img, 20, 10), Bus);
         // Bit row 0 shows bit 1: 0 then 1.
-        QCOMPARE(at(img, 20, 80), Black);
-        QCOMPARE(at(img, 60, 50), Black);
-        QCOMPARE(at(img, 40, 65), Black);
+        expect(img, {{20, 80, Black}, {60, 50, Black}, {40, 65, Black}});
         // Bit row 1 shows bit 0: 1 then 0.
-        QCOMPARE(at(img, 20, 90), Black);
-        QCOMPARE(at(img, 60, 120), Black);
-        QCOMPARE(at(img, 40, 105), Black);
+        expect(img, {{20, 90, Black}, {60, 120, Black}, {40, 105, Black}});
         // Don't care in the bus row and in both bit rows.
         for (int top : {0, 40, 80})
             QVERIFY(count(img, DontCare, 80, top + 10, 87, top + 39) > 0);
@@ -312,19 +297,16 @@ private Q_SLOTS:
     {
         addWave("0:1 (1:1 0:1");
         QImage img = paint();
-        QCOMPARE(at(img, 30, 10), Signal);
-        QCOMPARE(at(img, 50, 40), Signal);
+        expect(img, {{30, 10, Signal}, {50, 40, Signal}});
         QCOMPARE(count(img, Gray, 1, 10, 59, 39), 0);   // the written part
         QVERIFY(count(img, Gray, 60, 10, 99, 39) > 0);  // repeated over clone blocks
         QVERIFY(count(img, Gray, 360, 10, 398, 39) > 0);
-        QCOMPARE(at(img, 390, 10), Signal);   // high over [60 + 40m, 80 + 40m]
-        QCOMPARE(at(img, 370, 40), Signal);
-
+        // high over [60 + 40m, 80 + 40m].
+        expect(img, {{390, 10, Signal}, {370, 40, Signal}});
         // However far the view scrolls.
         setView(1000001, 1);
         img = paint();
-        QCOMPARE(at(img, 10, 10), Signal);
-        QCOMPARE(at(img, 30, 40), Signal);
+        expect(img, {{10, 10, Signal}, {30, 40, Signal}});
     }
 
     void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
@@ -340,7 +322,6 @@ private Q_SLOTS:
         view_->setMarkerTime(NoTime);   // hidden
         setView(0, 1);
         QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
-
         send(view_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(140, 10));
         send(view_, QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(140, 10));
         QCOMPARE(view_->cursorTime(), quint64(7));
@@ -360,17 +341,13 @@ private Q_SLOTS:
         gui_->changeRange(1.3, 4.2);
         const QImage img = paint();
         for (int y : {4, 5, 44, 45}) {
-            QCOMPARE(at(img, 60, y), Black);
-            QCOMPARE(at(img, 10, y), Back);
-            QCOMPARE(at(img, 110, y), Back);
+            expect(img, {{60, y, Black}, {10, y, Back}, {110, y, Back}});
         }
         // A free range is marked from its own times.
         gui_->selectionState().isRange = true;
         gui_->changeRange(2, 3);
         const QImage range = paint();
-        QCOMPARE(at(range, 50, 5), Black);
-        QCOMPARE(at(range, 30, 5), Back);
-        QCOMPARE(at(range, 70, 5), Back);
+        expect(range, {{50, 5, Black}, {30, 5, Back}, {70, 5, Back}});
         // Outside edit mode nothing is marked.
         gui_->setMode(VokGUI::ModeQuery);
         QCOMPARE(at(paint(), 50, 5), Back);
@@ -387,7 +364,6 @@ private Q_SLOTS:
         addToggling(100025);
         paint();
         QCOMPARE(view_->lastPaintPrimitives(), few);
-
         // Thousands of segments per pixel cost about the pixels.
         init();
         addToggling(200000);
@@ -439,7 +415,6 @@ private Q_SLOTS:
             gui_->zoomRange(0, gui_->getMaxEnd());
         else
             setView(start, step);
-
         const QImage gathered = paint(Width, 500);
         const int gatheredCount = view_->lastPaintPrimitives();
         view_->setProperty("directPaint", true);
@@ -469,15 +444,10 @@ private Q_SLOTS:
         // Height 50, half 25: minor ticks from y 40, major ticks from y 35.
         for (int i = 0; i < minors; ++i) {
             const int x = 100 + 20 * i;
-            QCOMPARE(at(img, x, 45), Ink);
-            QCOMPARE(at(img, x, 37), Back);
-            QCOMPARE(at(img, x + 10, 45), Back);
+            expect(img, {{x, 45, Ink}, {x, 37, Back}, {x + 10, 45, Back}});
         }
         const int major = 100 + 20 * minors;
-        QCOMPARE(at(img, major, 37), Ink);
-        QCOMPARE(at(img, major + 200, 37), Ink);
-        QCOMPARE(at(img, major + 20, 37), Back);
-
+        expect(img, {{major, 37, Ink}, {major + 200, 37, Ink}, {major + 20, 37, Back}});
         // Its label equals the label of the same time elsewhere.
         setView(labelStart, 10);
         const QImage reference = paintRuler();
@@ -496,9 +466,8 @@ private Q_SLOTS:
         ruler_->rangeEnd = 20;
         QImage img = paintRuler();
         for (int x : {150, 170, 190})
-            QCOMPARE(at(img, x, 45), Black);
-        QCOMPARE(at(img, 140, 45), Back);   // inside the white outline
-        QCOMPARE(at(img, 210, 45), Back);
+            // inside the white outline.
+            expect(img, {{x, 45, Black}, {140, 45, Back}, {210, 45, Back}});
         ruler_->rangeEnd = 50;
         img = paintRuler();
         QCOMPARE(count(img, Black, 100, 36, 599, 48), 0);
@@ -507,12 +476,10 @@ private Q_SLOTS:
     void rulerMouse()
     {
         setView(1000, 10);
-
         send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(40, 10));
         QCOMPARE(ruler_->mouseX, 0);
         send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(175, 10));
         QCOMPARE(ruler_->mouseX, 75);
-
         // Outside zoom mode a range ends at the first move.
         send(ruler_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(150, 10));
         QVERIFY(ruler_->rangeActive);
