@@ -1,33 +1,19 @@
-#include "rulerview.h"
-#include "voknavigator.h"
-#include "vokgui.h"
-#include "wavedata.h"
-#include "waveformdata.h"
-#include "wavelstview.h"
-#include "waveview.h"
+// Zoom, scroll, jumps and the marker through the actions, the mouse in the
+// zoom-area mode and the wheel.
+#include "guifixture.h"
+#include "sandboxedtestmain.h"
 
 #include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
-#include <QElapsedTimer>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
 #include <QRubberBand>
 #include <QScrollBar>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QWheelEvent>
-#include <QtTest>
 
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
+using namespace guitest;
 
-#include <functional>
-#include <memory>
-
-using namespace kesu::toolvok;
 
 namespace {
 // "a" changes at 100 and 200 and ends at 1000; "long" ends at 100000; thirty
@@ -49,8 +35,8 @@ class TestNavigation : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir dir_;
-    std::unique_ptr<VokGUI> gui_;
+    std::unique_ptr<Window> w_;
+    VokGUI* gui_ = nullptr;
     WaveView* view_ = nullptr;
     RulerView* ruler_ = nullptr;
 
@@ -78,12 +64,7 @@ class TestNavigation : public QObject
     // The width of a range whose raw step (range x 20 / view width) is r.
     quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
 
-    void mouse(QEvent::Type type, Qt::MouseButton button, QPoint pos)
-    {
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
-        QMouseEvent event(type, QPointF(pos), view_->mapToGlobal(QPointF(pos)), button, held, Qt::NoModifier);
-        QCoreApplication::sendEvent(view_, &event);
-    }
+    void mouse(QEvent::Type type, Qt::MouseButton button, QPoint pos) { w_->send(type, pos.x(), pos.y(), button); }
 
     void wheel(QWidget* target, QPoint angle, Qt::KeyboardModifiers mods)
     {
@@ -132,17 +113,12 @@ class TestNavigation : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(dir_.isValid());
-        const QString path = dir_.filePath(QStringLiteral("nav.wdl"));
-        QVERIFY(toolfixture::writeFile(path, document()));
-        gui_ = toolfixture::openShown(path, QSize(1000, 600));
-        QVERIFY(gui_);
-        view_ = gui_->waveView();
+        w_ = std::make_unique<Window>(document(), QSize(1000, 600));
+        gui_ = w_->gui.get();
+        view_ = w_->view();
         ruler_ = gui_->rulerView();
-        QCOMPARE(gui_->document()->waves.size(), 32);
         // The cases below pick ranges for views between these widths.
         QVERIFY2(viewWidth() > 400 && viewWidth() <= 1000, qPrintable(QString::number(viewWidth())));
-        QVERIFY(ruler_->originX > 0);
     }
 
     void init()
@@ -155,7 +131,7 @@ private Q_SLOTS:
         gui_->Refresh();
     }
 
-    void cleanupTestCase() { gui_.reset(); }
+    void cleanupTestCase() { w_.reset(); }
 
     void zoomWalksTheOneTwoFiveSequence()
     {
@@ -237,68 +213,61 @@ private Q_SLOTS:
         gui_->action(VokGUI::ActEditMode)->setChecked(false);
     }
 
-    void draggingAnAreaZoomsIntoIt()
+    void zoomArea_data()
     {
-        setView(10000, 1000);
-        const quint64 cursor = setCursor(777);
-        QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
-        zoomArea->setChecked(true);
-        QVERIFY(gui_->isZooming());
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(300, 70));
-        mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(250, 110));
-        mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(100, 30));
-        QVERIFY(band());
-        QVERIFY(band()->isVisible());
-        QCOMPARE(band()->geometry(), QRect(QPoint(100, 30), QPoint(300, 70)));
-        // Nothing happens before the release.
-        QCOMPARE(gui_->step(), quint64(1000));
-        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(100, 30));
-        QVERIFY(!band() || !band()->isVisible());
+        QTest::addColumn<quint64>("start");
+        QTest::addColumn<quint64>("step");
+        QTest::addColumn<bool>("right");
+        QTest::addColumn<int>("fromX");
+        QTest::addColumn<int>("toX");
+        QTest::addColumn<quint64>("startAfter");
+        QTest::addColumn<quint64>("stepAfter");
         // Pixels 100 and 300 are steps 5 and 15: [15000, 25000], so the raw
         // step is 200000 / width, between 200 and 499.
-        QCOMPARE(gui_->startTime(), quint64(15000));
-        QCOMPARE(gui_->step(), quint64(500));
+        QTest::newRow("left drag") << quint64(10000) << quint64(1000) << false << 300 << 100 << quint64(15000)
+                                   << quint64(500);
+        QTest::newRow("left click") << quint64(15000) << quint64(500) << false << 40 << 40 << quint64(15000)
+                                    << quint64(200);
+        // Out around the old start, not the area: a band of a quarter of the
+        // time area shows about four views of step 10, a raw step of about 40.
+        const int timeArea = ruler_->width() - ruler_->originX;
+        const auto span = static_cast<quint64>(double(timeArea) * timeArea / (timeArea / 4) / 20 * 10.0);
+        QTest::newRow("right drag") << quint64(60000) << quint64(10) << true << 200 + timeArea / 4 << 200
+                                    << 60000 - span / 2 << quint64(50);
+        QTest::newRow("right drag near 0") << quint64(100) << quint64(10) << true << 200 << 200 + timeArea / 4
+                                           << quint64(0) << quint64(50);
+        QTest::newRow("right click") << quint64(0) << quint64(50) << true << 200 << 200 << quint64(0) << quint64(100);
+    }
+    void zoomArea()
+    {
+        QFETCH(quint64, start);
+        QFETCH(quint64, step);
+        QFETCH(bool, right);
+        QFETCH(int, fromX);
+        QFETCH(int, toX);
+        setView(start, step);
+        const quint64 cursor = setCursor(777);
+        gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(true);
+        QVERIFY(gui_->isZooming());
+        const Qt::MouseButton button = right ? Qt::RightButton : Qt::LeftButton;
+        mouse(QEvent::MouseButtonPress, button, QPoint(fromX, 70));
+        mouse(QEvent::MouseMove, button, QPoint(toX, 30));
+        if (fromX != toX)
+            QCOMPARE(band()->geometry(), QRect(QPoint(qMin(fromX, toX), 30), QPoint(qMax(fromX, toX), 70)));
+        QCOMPARE(gui_->step(), step);   // nothing before the release
+        mouse(QEvent::MouseButtonRelease, button, QPoint(toX, 30));
+        QVERIFY(!band() || !band()->isVisible());
+        QTEST(gui_->startTime(), "startAfter");
+        QTEST(gui_->step(), "stepAfter");
         // The press went to the navigator, not to the view.
         QCOMPARE(view_->cursorTime(), cursor);
-        // A click without extent zooms in one step, keeping the start.
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(40, 10));
-        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(40, 50));
-        QCOMPARE(gui_->step(), quint64(200));
-        QCOMPARE(gui_->startTime(), quint64(15000));
-    }
-
-    void rightDraggingZoomsOutAroundTheStart()
-    {
-        gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(true);
-        setView(60000, 10);
-        const int timeArea = ruler_->width() - ruler_->originX;
-        const int bandWidth = timeArea / 4;
-        mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200 + bandWidth, 40));
-        mouse(QEvent::MouseMove, Qt::RightButton, QPoint(200, 80));
-        QVERIFY(band() && band()->isVisible());
-        mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200, 80));
-        const auto span = static_cast<quint64>(double(timeArea) * timeArea / bandWidth / 20 * 10.0);
-        // Centred on the old start, not on the area; the span is about four
-        // views of step 10, so the raw step is about 40.
-        QCOMPARE(gui_->startTime(), 60000 - span / 2);
-        QCOMPARE(gui_->step(), quint64(50));
-        // Near time 0 the range starts at 0.
-        setView(100, 10);
-        mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200, 40));
-        mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200 + bandWidth, 40));
-        QCOMPARE(gui_->startTime(), quint64(0));
-        QCOMPARE(gui_->step(), quint64(50));
-        // A right click zooms out one step.
-        mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200, 40));
-        mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200, 40));
-        QCOMPARE(gui_->step(), quint64(100));
     }
 
     void leavingZoomMode()
     {
         QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
         zoomArea->setChecked(true);
-        QSignalSpy quit(gui_.get(), &VokGUI::sigQuitZooming);
+        QSignalSpy quit(gui_, &VokGUI::sigQuitZooming);
         mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(100, 10));
         mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(200, 10));
         QVERIFY(band() && band()->isVisible());
@@ -320,55 +289,34 @@ private Q_SLOTS:
         QCOMPARE(gui_->startTime(), quint64(0));
     }
 
-    void ctrlWheelZoomsOneStepPerNotch()
-    {
-        for (QWidget* target : {static_cast<QWidget*>(view_), gui_->waveList()->viewport()}) {
-            setView(400, 100);
-            wheel(target, QPoint(0, 120), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(50));
-            wheel(target, QPoint(0, -360), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(500));
-            wheel(target, QPoint(0, 120), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(200));
-            // Half notches add up.
-            wheel(target, QPoint(0, 60), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(200));
-            wheel(target, QPoint(0, 60), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(100));
-            QCOMPARE(gui_->startTime(), quint64(400));
-        }
-    }
-
-    void wheelScrollsRowsAndShiftWheelScrollsTime()
+    void wheels()
     {
         QScrollBar* rows = gui_->waveVBar();
-        QScrollBar* time = gui_->waveHBar();
         const int lines = QApplication::wheelScrollLines();
-        QVERIFY(rows->maximum() > 2 * lines);
+        QVERIFY(rows->maximum() > 3 * lines);
         for (QWidget* target : {static_cast<QWidget*>(view_), gui_->waveList()->viewport()}) {
+            // Ctrl: one zoom step per notch; half notches add up.
+            setView(400, 100);
+            const QList<QPair<int, quint64>> zooms{{120, 50}, {-360, 500}, {120, 200}, {60, 200}, {60, 100}};
+            for (auto [delta, after] : zooms) {
+                wheel(target, QPoint(0, delta), Qt::ControlModifier);
+                QCOMPARE(gui_->step(), after);
+            }
+            QCOMPARE(gui_->startTime(), quint64(400));
+            // Plain: rows; Shift or sideways: the time axis, in steps.
             rows->setValue(0);
-            setView(0, 100);
             gui_->Refresh();
-            wheel(target, QPoint(0, -120), Qt::NoModifier);
-            QCOMPARE(rows->value(), lines);
-            wheel(target, QPoint(0, -240), Qt::NoModifier);
-            QCOMPARE(rows->value(), 3 * lines);
-            wheel(target, QPoint(0, 120), Qt::NoModifier);
-            QCOMPARE(gui_->viewport().firstRow, 2 * lines);
-            wheel(target, QPoint(0, 1200), Qt::NoModifier);
-            QCOMPARE(gui_->viewport().firstRow, 0);
-            // Shift: the time axis, in steps.
-            wheel(target, QPoint(0, -120), Qt::ShiftModifier);
-            QCOMPARE(time->value(), lines);
-            QCOMPARE(gui_->startTime(), quint64(lines * 100));
-            // A sideways wheel does the same without Shift.
-            wheel(target, QPoint(-240, 0), Qt::NoModifier);
-            QCOMPARE(gui_->startTime(), quint64(3 * lines * 100));
-            wheel(target, QPoint(0, 120), Qt::ShiftModifier);
-            QCOMPARE(gui_->startTime(), quint64(2 * lines * 100));
-            wheel(target, QPoint(0, 12000), Qt::ShiftModifier);
-            QCOMPARE(gui_->startTime(), quint64(0));
-            QCOMPARE(gui_->viewport().firstRow, 0);
+            const struct { QPoint angle; Qt::KeyboardModifiers mods; int row; quint64 start; } scrolls[] = {
+                {{0, -120}, Qt::NoModifier, lines, 400}, {{0, -240}, Qt::NoModifier, 3 * lines, 400},
+                {{0, 120}, Qt::NoModifier, 2 * lines, 400}, {{0, 1200}, Qt::NoModifier, 0, 400},
+                {{0, -120}, Qt::ShiftModifier, 0, 400 + lines * 100}, {{-240, 0}, Qt::NoModifier, 0, 400 + 3 * lines * 100},
+                {{0, 12000}, Qt::ShiftModifier, 0, 0},
+            };
+            for (const auto& s : scrolls) {
+                wheel(target, s.angle, s.mods);
+                QCOMPARE(gui_->viewport().firstRow, s.row);
+                QCOMPARE(gui_->startTime(), s.start);
+            }
         }
     }
 
@@ -416,7 +364,7 @@ private Q_SLOTS:
 
     void theMarker()
     {
-        QSignalSpy marked(gui_.get(), &VokGUI::markChanged);
+        QSignalSpy marked(gui_, &VokGUI::markChanged);
         QVERIFY(!gui_->isMarked());
         setCursor(420);
         gui_->action(VokGUI::ActPlaceMarker)->trigger();
