@@ -193,54 +193,93 @@ private Q_SLOTS:
         gui_.reset();
     }
 
-    void levelsAndEdges()
+    void scenes_data()
     {
-        addWave("0:2 1:3 0:2");    // row 0
-        addWave("1:2 -1:2 0:2");   // row 1: no edge after a don't care...
-        addWave("1:2 -2:2 0:2");   // row 2: ...nor after high impedance
-        addWave("1:2 1:0 1:2");    // row 3: an empty pattern draws nothing
-        addWave("1:2", 3);         // row 4: low up to the offset
+        // Waves separated by "|": segments as addWave takes them, then
+        // "@offset" and "/bus width"; "+" in front expands a bus, "~" hides
+        // the wave. Expected: "C@x,y" a pixel of colour C, "C>x0,y0,x1,y1"
+        // some of the rectangle in C, "C!x0,y0,x1,y1" none of it. Colours:
+        // S signal, B bus, K black, D don't care, G gray, W background.
+        QTest::addColumn<QString>("scene");
+        QTest::addColumn<quint64>("start");
+        QTest::addColumn<quint64>("step");
+        QTest::addColumn<int>("radix");
+        QTest::addColumn<QString>("expected");
+        // Low at row top + 40, high at + 10, edges between; none after a
+        // don't care or high impedance, none for an empty pattern; low up to
+        // an offset.
+        QTest::newRow("levels") << "0:2 1:3 0:2 | 1:2 -1:2 0:2 | 1:2 -2:2 0:2 | 1:2 1:0 1:2 | 1:2@3" << quint64(0)
+                                << quint64(1) << 3
+                                << "S@20,40 S@70,10 S@40,25 S@100,25 S@120,40 W@150,40 S@100,80 S@100,120 S@60,130 "
+                                   "S!38,131,42,159 S@30,200 S@60,185 S@80,170 W@110,170";
+        QTest::newRow("don't care and high impedance")
+            << "1:2 -1:2 0:2 -2:2" << quint64(0) << quint64(1) << 3
+            << "D>40,10,47,39 D>40,32,47,39 D!30,0,39,198 D!80,0,398,198 D!40,40,79,45 G@120,10 G@159,10 "
+               "G@120,39 G@159,39 W@125,20 G>136,22,144,32 G!160,0,398,198";
+        QTest::newRow("hidden takes no row") << "~1:5 | 0:5" << quint64(0) << quint64(1) << 3
+                                             << "S@50,40 W@50,10 S!1,41,398,198";
+        // 10 pixels a unit: a hexagon over 0..60, a diamond 60..70, 20 pixels
+        // a hexagon again, each with its text where it fits.
+        QTest::newRow("bus") << "A5:6 1F:1 3:2/8" << quint64(0) << quint64(2) << 3
+                             << "B@30,10 B@30,40 B@60,25 B@65,10 B@65,40 B@76,10 B@84,10 B>10,15,50,35 B>76,20,84,33";
+        // Binary "10100101" is 64 pixels of text: too wide for 60.
+        QTest::newRow("bus text too wide") << "A5:6 1F:1 3:2/8" << quint64(0) << quint64(2) << 0
+                                           << "B@30,10 B!10,15,50,35";
+        // Begun left of the view: the edges run from the left side, no bevel.
+        QTest::newRow("bus begun left") << "A5:6 1F:1 3:2/8" << quint64(1) << quint64(2) << 3 << "B@2,10 B@2,40";
+        // Bit row 0 shows bit 1 (0 then 1), bit row 1 bit 0 (1 then 0); don't
+        // care in the bus row and in both bit rows; the next wave below them.
+        QTest::newRow("bit rows") << "+1:2 2:2 -1:1 3:1/2 | 1:5" << quint64(0) << quint64(1) << 3
+                                  << "B@20,10 K@20,80 K@60,50 K@40,65 K@20,90 K@60,120 K@40,105 D>80,10,87,39 "
+                                     "D>80,50,87,79 D>80,90,87,119 D!100,0,398,198 S@50,130";
+        // The forever tail repeats to the right edge over clone blocks,
+        // however far the view scrolls.
+        QTest::newRow("forever") << "0:1 (1:1 0:1" << quint64(0) << quint64(1) << 3
+                                 << "S@30,10 S@50,40 G!1,10,59,39 G>60,10,99,39 G>360,10,398,39 S@390,10 S@370,40";
+        QTest::newRow("forever far") << "0:1 (1:1 0:1" << quint64(1000001) << quint64(1) << 3 << "S@10,10 S@30,40";
+    }
+    void scenes()
+    {
+        QFETCH(QString, scene);
+        QFETCH(quint64, start);
+        QFETCH(quint64, step);
+        QFETCH(int, radix);
+        QFETCH(QString, expected);
+        for (QString wave : scene.split(QLatin1Char('|'))) {
+            wave = wave.trimmed();
+            const bool expanded = wave.startsWith(QLatin1Char('+'));
+            const bool hidden = wave.startsWith(QLatin1Char('~'));
+            const QString width = wave.section(QLatin1Char('/'), 1);
+            wave = wave.section(QLatin1Char('/'), 0, 0).mid(expanded || hidden ? 1 : 0);
+            WaveData* w = addWave(wave.section(QLatin1Char('@'), 0, 0), wave.section(QLatin1Char('@'), 1).toULongLong(),
+                                  width.toInt());
+            w->expandFlag = expanded;
+            w->visible = !hidden;
+        }
+        gui_->setBusRadix(radix);
+        setView(start, step);
         const QImage img = paint(Width, 240);
-        // low: row top + 40; high: row top + 10; rising edge; falling edge; nothing after the end.
-        expect(img, {{20, 40, Signal}, {70, 10, Signal}, {40, 25, Signal}, {100, 25, Signal}, {120, 40, Signal},
-                      {150, 40, Back}});
-        expect(img, {{100, 80, Signal}, {100, 120, Signal}, {60, 130, Signal}});
-        QCOMPARE(count(img, Signal, 38, 131, 42, 159), 0);
-        // edge from the offset's 0.
-        expect(img, {{30, 200, Signal}, {60, 185, Signal}, {80, 170, Signal}, {110, 170, Back}});
+        const QMap<QChar, QColor> colors{{'S', Signal}, {'B', Bus}, {'K', Black}, {'D', DontCare}, {'G', Gray},
+                                         {'W', Back}};
+        for (const QString& check : expected.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            const QColor color = colors.value(check.at(0));
+            QList<int> n;
+            for (const QString& number : check.mid(2).split(QLatin1Char(',')))
+                n << number.toInt();
+            if (check.at(1) == QLatin1Char('@'))
+                QVERIFY2(at(img, n[0], n[1]) == color, qPrintable(check));
+            else
+                QVERIFY2((count(img, color, n[0], n[1], n[2], n[3]) > 0) == (check.at(1) == QLatin1Char('>')),
+                         qPrintable(check));
+        }
     }
 
-    void dontCareAndHighZBoxes()
+    void guideLinesAndScrolling()
     {
-        addWave("1:2 -1:2 0:2 -2:2");
-        const QImage img = paint();
-        // Don't care: hatched over x 40..79, y 10..39, one hatch pixel in
-        // eight on every line, nothing outside.
-        for (int y = 10; y <= 39; ++y)
-            QCOMPARE(count(img, DontCare, 40, y, 47, y), 1);
-        QCOMPARE(count(img, DontCare, 30, 0, 39, Height - 2), 0);
-        QCOMPARE(count(img, DontCare, 80, 0, Width - 2, Height - 2), 0);
-        QCOMPARE(count(img, DontCare, 40, 40, 79, 45), 0);
-        // High impedance: outlined in gray over x 120..159, with a "Z".
-        for (int x = 120; x <= 159; ++x)
-            expect(img, {{x, 10, Gray}, {x, 39, Gray}});
-        QCOMPARE(at(img, 125, 20), Back);
-        QVERIFY(count(img, Gray, 136, 22, 144, 32) > 0);
-        QCOMPARE(count(img, Gray, 160, 0, Width - 2, Height - 2), 0);
-    }
-
-    void rowsOfShownWavesWithGuideLines()
-    {
-        WaveData* hidden = addWave("1:5");
+        addWave("1:5");
         addWave("0:5");
-        hidden->visible = false;   // takes no row
-        QImage img = paint();
-        expect(img, {{50, 40, Signal}, {50, 10, Back}});
-        QCOMPARE(count(img, Signal, 1, 41, Width - 2, Height - 2), 0);
-        hidden->visible = true;
         gui_->setShowGuideline(true);
-        img = paint();
-        expect(img, {{50, 10, Signal}, {50, 80, Signal}});
+        QImage img = paint();
         // A dotted line 8 below each row's low level.
         for (int y : {48, 88}) {
             QVERIFY(count(img, Black, 1, y, Width - 2, y) > 100);
@@ -249,64 +288,7 @@ private Q_SLOTS:
         }
         QCOMPARE(count(img, Black, 1, 120, Width - 2, Height - 2), 0);
         scrollTo(1);   // the first wave scrolled out above
-        img = paint();
-        expect(img, {{50, 40, Signal}, {50, 10, Back}});
-    }
-
-    void busShapesAndText()
-    {
-        setView(0, 2);   // 10 pixels per time unit
-        addWave("A5:6 1F:1 3:2", 0, 8);
-        QImage img = paint();
-        // hexagon over 0..60; where hexagon and diamond meet; the diamond's tips, 60..70; 20 pixels: a hexagon again,; its top edge over 75..85.
-        expect(img, {{30, 10, Bus}, {30, 40, Bus}, {60, 25, Bus}, {65, 10, Bus}, {65, 40, Bus}, {76, 10, Bus},
-                      {84, 10, Bus}});
-        QVERIFY(count(img, Bus, 10, 15, 50, 35) > 0);   // "A5"
-        QVERIFY(count(img, Bus, 76, 20, 84, 33) > 0);   // "3"
-        // Binary "10100101" is 64 pixels of text: too wide for 60.
-        gui_->setBusRadix(0);
-        img = paint();
-        QCOMPARE(count(img, Bus, 10, 15, 50, 35), 0);
-        QCOMPARE(at(img, 30, 10), Bus);
-        // Begun left of the view: the edges run from the left side, no bevel.
-        gui_->setBusRadix(3);
-        setView(1, 2);
-        img = paint();
-        expect(img, {{2, 10, Bus}, {2, 40, Bus}});
-    }
-
-    void expandedBusBitRows()
-    {
-        WaveData* bus = addWave("1:2 2:2 -1:1 3:1", 0, 2);
-        bus->expandFlag = true;
-        addWave("1:5");   // below the bus and its two bit rows
-        QImage img = paint();
-        QCOMPARE(at(img, 20, 10), Bus);
-        // Bit row 0 shows bit 1: 0 then 1.
-        expect(img, {{20, 80, Black}, {60, 50, Black}, {40, 65, Black}});
-        // Bit row 1 shows bit 0: 1 then 0.
-        expect(img, {{20, 90, Black}, {60, 120, Black}, {40, 105, Black}});
-        // Don't care in the bus row and in both bit rows.
-        for (int top : {0, 40, 80})
-            QVERIFY(count(img, DontCare, 80, top + 10, 87, top + 39) > 0);
-        QCOMPARE(count(img, DontCare, 100, 0, Width - 2, Height - 2), 0);
-        QCOMPARE(at(img, 50, 130), Signal);   // the next wave in row 3
-    }
-
-    void foreverTailRepeatsToTheRightEdge()
-    {
-        addWave("0:1 (1:1 0:1");
-        QImage img = paint();
-        expect(img, {{30, 10, Signal}, {50, 40, Signal}});
-        QCOMPARE(count(img, Gray, 1, 10, 59, 39), 0);   // the written part
-        QVERIFY(count(img, Gray, 60, 10, 99, 39) > 0);  // repeated over clone blocks
-        QVERIFY(count(img, Gray, 360, 10, 398, 39) > 0);
-        // high over [60 + 40m, 80 + 40m].
-        expect(img, {{390, 10, Signal}, {370, 40, Signal}});
-        // However far the view scrolls.
-        setView(1000001, 1);
-        img = paint();
-        expect(img, {{10, 10, Signal}, {30, 40, Signal}});
+        expect(paint(), {{50, 40, Signal}, {50, 10, Back}});
     }
 
     void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
@@ -340,9 +322,8 @@ private Q_SLOTS:
         // at y 5 and 45 cover the pixel row above too.
         gui_->changeRange(1.3, 4.2);
         const QImage img = paint();
-        for (int y : {4, 5, 44, 45}) {
+        for (int y : {4, 5, 44, 45})
             expect(img, {{60, y, Black}, {10, y, Back}, {110, y, Back}});
-        }
         // A free range is marked from its own times.
         gui_->selectionState().isRange = true;
         gui_->changeRange(2, 3);
@@ -465,8 +446,8 @@ private Q_SLOTS:
         ruler_->rangeStart = 50;
         ruler_->rangeEnd = 20;
         QImage img = paintRuler();
+        // Black inside the white outline of each marked step.
         for (int x : {150, 170, 190})
-            // inside the white outline.
             expect(img, {{x, 45, Black}, {140, 45, Back}, {210, 45, Back}});
         ruler_->rangeEnd = 50;
         img = paintRuler();
