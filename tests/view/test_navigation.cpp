@@ -40,7 +40,6 @@ class TestNavigation : public QObject
     WaveView* view_ = nullptr;
     RulerView* ruler_ = nullptr;
 
-    WaveData* wave(const char* name) const { return gui_->document()->findWavebyName(QLatin1String(name)); }
     int viewWidth() const { return view_->width(); }
 
     void setView(quint64 start, quint64 step)
@@ -63,9 +62,7 @@ class TestNavigation : public QObject
 
     // The width of a range whose raw step (range x 20 / view width) is r.
     quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
-
     void mouse(QEvent::Type type, Qt::MouseButton button, QPoint pos) { w_->send(type, pos.x(), pos.y(), button); }
-
     void wheel(QWidget* target, QPoint angle, Qt::KeyboardModifiers mods)
     {
         const QPointF pos(target->width() / 2, target->height() / 2);
@@ -75,7 +72,6 @@ class TestNavigation : public QObject
     }
 
     QRubberBand* band() const { return view_->findChild<QRubberBand*>(); }
-
     // Runs Jump to Time, typing each text into the time dialog in turn
     // ("cancel" cancels it) and pressing Ok on message boxes; returns what showed.
     QStringList jumpToTime(QStringList typed)
@@ -124,7 +120,7 @@ private Q_SLOTS:
     void init()
     {
         gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(false);
-        gui_->setActiveWave(wave("a"));
+        gui_->setActiveWave(w_->wave(QStringLiteral("a")));
         setCursor(0);
         view_->setMarkerTime(NoTime);
         setView(0, 1);

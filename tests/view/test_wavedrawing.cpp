@@ -1,4 +1,5 @@
-#include "rulerview.h"
+// The wave drawing, pixel by pixel: levels, shapes, rows, the selection,
+// the marker and the cursor, and what painting costs.
 #include "selection.h"
 #include "vokgui.h"
 #include "waveformdata.h"
@@ -22,7 +23,6 @@ const QColor Back(255, 255, 255);
 const QColor Signal(0, 0, 255);
 const QColor Bus(0, 128, 0);
 const QColor DontCare(200, 0, 100);
-const QColor Ink(0, 0, 128);
 const QColor Gray(Qt::gray);
 const QColor Red(Qt::red);
 const QColor Black(Qt::black);
@@ -66,7 +66,6 @@ class TestWaveDrawing : public QObject
 
     std::unique_ptr<VokGUI> gui_;
     WaveView* view_ = nullptr;
-    RulerView* ruler_ = nullptr;
 
     WaveformData* doc() const { return gui_->document(); }
 
@@ -119,15 +118,6 @@ class TestWaveDrawing : public QObject
         return image;
     }
 
-    QImage paintRuler()
-    {
-        ruler_->originX = 100;
-        QImage image(ruler_->size(), QImage::Format_RGB32);
-        image.fill(Qt::magenta);
-        ruler_->render(&image);
-        return image;
-    }
-
     void send(QWidget* target, QEvent::Type type, Qt::MouseButton button, QPoint pos)
     {
         const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
@@ -149,14 +139,9 @@ private Q_SLOTS:
         gui_ = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
         gui_->initialize();
         view_ = gui_->waveView();
-        ruler_ = gui_->rulerView();
-        QVERIFY(view_ && ruler_);
         // The first render lays the hidden window out; sizes set after it stay.
         QImage settle(8, 8, QImage::Format_RGB32);
         gui_->render(&settle);
-        ruler_->resize(600, 50);
-        ruler_->render(&settle);
-        QCOMPARE(ruler_->size(), QSize(600, 50));
     }
 
     void init()
@@ -167,12 +152,10 @@ private Q_SLOTS:
         gui_->color_signal = Signal;
         gui_->color_bus = Bus;
         gui_->color_x = DontCare;
-        gui_->color_names = Ink;
         gui_->setShowGuideline(false);
         gui_->setBusRadix(3);
         gui_->setMode(VokGUI::ModeQuery);
         view_->setPalette(QPalette(Back));
-        ruler_->setPalette(QPalette(Back));
         scrollTo(0);
         view_->setMarkerTime(NoTime);
         gui_->changeRange(0, 0);
@@ -180,10 +163,6 @@ private Q_SLOTS:
         s.isRange = s.highlightOff = false;
         s.picked = s.picked2 = nullptr;
         view_->setProperty("directPaint", false);
-        ruler_->originX = 100;
-        ruler_->mouseX = 400;
-        ruler_->rangeActive = false;
-        ruler_->rangeStart = ruler_->rangeEnd = 0;
         setView(0, 1);
     }
 
@@ -402,71 +381,6 @@ private Q_SLOTS:
         const QImage direct = paint(Width, 500);
         QVERIFY(gathered == direct);
         QVERIFY(gatheredCount <= view_->lastPaintPrimitives());
-    }
-
-    void rulerTicksFromTheStart_data()
-    {
-        QTest::addColumn<quint64>("start");
-        QTest::addColumn<int>("minors");
-        QTest::addColumn<quint64>("labelStart");
-        QTest::newRow("on the grid") << quint64(100) << 0 << quint64(0);
-        QTest::newRow("start 10") << quint64(10) << 9 << quint64(0);
-        QTest::newRow("start 15") << quint64(15) << 9 << quint64(5);
-        QTest::newRow("start 55") << quint64(55) << 5 << quint64(5);
-        QTest::newRow("start 1230") << quint64(1230) << 7 << quint64(1200);
-    }
-    void rulerTicksFromTheStart()
-    {
-        QFETCH(quint64, start);
-        QFETCH(int, minors);
-        QFETCH(quint64, labelStart);
-        setView(start, 10);
-        const QImage img = paintRuler();
-        // Height 50, half 25: minor ticks from y 40, major ticks from y 35.
-        for (int i = 0; i < minors; ++i) {
-            const int x = 100 + 20 * i;
-            expect(img, {{x, 45, Ink}, {x, 37, Back}, {x + 10, 45, Back}});
-        }
-        const int major = 100 + 20 * minors;
-        expect(img, {{major, 37, Ink}, {major + 200, 37, Ink}, {major + 20, 37, Back}});
-        // Its label equals the label of the same time elsewhere.
-        setView(labelStart, 10);
-        const QImage reference = paintRuler();
-        QCOMPARE(at(reference, 300, 37), Ink);
-        const QImage label = img.copy(major - 20, 0, 40, 34);
-        QVERIFY(count(label, Back, 0, 0, 39, 33) < 40 * 34 - 20);
-        QCOMPARE(label, reference.copy(300 - 20, 0, 40, 34));
-        QVERIFY(label != reference.copy(100 - 20, 0, 40, 34));
-    }
-
-    void rulerMarksARange()
-    {
-        setView(0, 10);
-        ruler_->rangeActive = true;
-        ruler_->rangeStart = 50;
-        ruler_->rangeEnd = 20;
-        QImage img = paintRuler();
-        // Black inside the white outline of each marked step.
-        for (int x : {150, 170, 190})
-            expect(img, {{x, 45, Black}, {140, 45, Back}, {210, 45, Back}});
-        ruler_->rangeEnd = 50;
-        img = paintRuler();
-        QCOMPARE(count(img, Black, 100, 36, 599, 48), 0);
-    }
-
-    void rulerMouse()
-    {
-        setView(1000, 10);
-        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(40, 10));
-        QCOMPARE(ruler_->mouseX, 0);
-        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(175, 10));
-        QCOMPARE(ruler_->mouseX, 75);
-        // Outside zoom mode a range ends at the first move.
-        send(ruler_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(150, 10));
-        QVERIFY(ruler_->rangeActive);
-        QCOMPARE(ruler_->rangeStart, quint64(1020));
-        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(210, 10));
-        QVERIFY(!ruler_->rangeActive);
     }
 };
 
