@@ -129,34 +129,32 @@ private Q_SLOTS:
         Window t(kDoc);
         t.editMode(true);
         t.select(QStringLiteral("d[3:0]"), {1, 2, 3});
-        QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
-        QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
+        Spies pasteEdit(t.gui.get(), &VokGUI::pastedataChanged, &VokGUI::editdataChanged);
         const QList<Pattern*> taken = t->selection();
         t->cutData();
         QCOMPARE(t->clipboard(), taken);
         QVERIFY(t->isFromCut());
         QVERIFY(!t.wave(QStringLiteral("d[3:0]"))->selected);
-        QCOMPARE(emittedAll({&paste, &edit}), (QList<QList<bool>>{{false}, {false}}));
+        QCOMPARE(pasteEdit.take(), (QList<QList<bool>>{{false}, {false}}));
         // Paste is offered for a selection on a wave of the clipboard's shape.
         for (const char* name : {"a", "m[3:0]"}) {
             t.select(QString::fromLatin1(name), {0});
             t->onEditDataChanged();
-            QCOMPARE(emitted(paste).last(), name[0] == 'm');
+            QCOMPARE(pasteEdit.take().first().last(), name[0] == 'm');
         }
-        edit.clear();
         t->pasteData();
         QVERIFY(t->clipboard().isEmpty());
-        QCOMPARE(emittedAll({&paste, &edit}), (QList<QList<bool>>{{false}, {false}}));
+        QCOMPARE(pasteEdit.take(), (QList<QList<bool>>{{false}, {false}}));
         // A copy is the clipboard's own; copying nothing empties it.
         t.select(QStringLiteral("a"), {0, 1});
-        paste.clear();
+        pasteEdit.take();
         t->copyData();
-        QCOMPARE(emitted(paste), QList<bool>{true});
+        QCOMPARE(pasteEdit.take().first(), QList<bool>{true});
         QVERIFY(!t.wave(QStringLiteral("a"))->patterns.contains(t->clipboard()[0]));
         QCOMPARE(t->clipboard()[1]->wave, t.wave(QStringLiteral("a")));
         t->selection().clear();
         t->copyData();
-        QCOMPARE(emitted(paste), QList<bool>{false});
+        QCOMPARE(pasteEdit.take().first(), QList<bool>{false});
         QVERIFY(t->clipboard().isEmpty());
     }
 
@@ -261,29 +259,25 @@ private Q_SLOTS:
     void activeWaveAndModes()
     {
         Window t(kDoc);
-        QSignalSpy active(t.gui.get(), &VokGUI::activeWaveChanged);
-        QSignalSpy isBus(t.gui.get(), &VokGUI::busWaveSelected);
+        Spies active(t.gui.get(), &VokGUI::activeWaveChanged, &VokGUI::busWaveSelected);
         t->setActiveWave(t.wave(QStringLiteral("d[3:0]")));
         t->setActiveWave(t.wave(QStringLiteral("a")));
         t->setActiveWave(nullptr);
-        QCOMPARE(emittedAll({&active, &isBus}), (QList<QList<bool>>{{true, true, false}, {true, false, false}}));
-        QSignalSpy view(t.gui.get(), &VokGUI::viewmodeChanged);
-        QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
-        QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
-        const QList<QSignalSpy*> spies{&view, &edit, &paste};
+        QCOMPARE(active.take(), (QList<QList<bool>>{{true, true, false}, {true, false, false}}));
+        Spies spies(t.gui.get(), &VokGUI::viewmodeChanged, &VokGUI::editdataChanged, &VokGUI::pastedataChanged);
         t.editMode(true);
         QCOMPARE(t->mode(), int(VokGUI::ModeEdit));
-        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{true}, {false}, {false}}));
+        QCOMPARE(spies.take(), (QList<QList<bool>>{{true}, {false}, {false}}));
         t.select(QStringLiteral("a"), {1});
         t->copyData();
         t.select(QStringLiteral("z"), {0});
-        emittedAll(spies);
+        spies.take();
         t->onEditDataChanged();
-        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{}, {true}, {true}}));
+        QCOMPARE(spies.take(), (QList<QList<bool>>{{}, {true}, {true}}));
         t.editMode(false);   // leaving edit mode drops the selection
         QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
         QVERIFY(t->selection().isEmpty());
-        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{false}, {false}, {false}}));
+        QCOMPARE(spies.take(), (QList<QList<bool>>{{false}, {false}, {false}}));
         // A click 85 pixels down lands in the third row.
         t->selectWave(85);
         QCOMPARE(t->waveList()->currentIndex().row(), 2);
@@ -296,28 +290,22 @@ private Q_SLOTS:
         t.select(QStringLiteral("a"), {0});
         t->addEditData(200);
         t.select(QStringLiteral("a"), {0});
-        QSignalSpy undo(t.gui.get(), &VokGUI::undoAvailable);
-        QSignalSpy redo(t.gui.get(), &VokGUI::redoAvailable);
-        QSignalSpy file(t.gui.get(), &VokGUI::fileChanged);
-        QSignalSpy view(t.gui.get(), &VokGUI::viewmodeChanged);
-        QSignalSpy editable(t.gui.get(), &VokGUI::editAvailable);
-        QSignalSpy edit(t.gui.get(), &VokGUI::editdataChanged);
-        QSignalSpy paste(t.gui.get(), &VokGUI::pastedataChanged);
-        QSignalSpy always(t.gui.get(), &VokGUI::alwaysAvailable);
-        const QList<QSignalSpy*> spies = {&undo, &redo, &file, &view, &editable, &edit, &paste, &always};
+        Spies spies(t.gui.get(), &VokGUI::undoAvailable, &VokGUI::redoAvailable, &VokGUI::fileChanged,
+                    &VokGUI::viewmodeChanged, &VokGUI::editAvailable, &VokGUI::editdataChanged,
+                    &VokGUI::pastedataChanged, &VokGUI::alwaysAvailable);
         t->changeReadonlyMode(true);
         QVERIFY(t->isReadOnly());
         QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
         QVERIFY(t->selection().isEmpty());
-        QCOMPARE(emittedAll(spies),
+        QCOMPARE(spies.take(),
                  (QList<QList<bool>>{{false}, {false}, {false}, {false, false}, {false}, {false}, {false}, {true}}));
         t->selection() = {t.wave(QStringLiteral("a"))->patterns[0]};
         t->onEditDataChanged();
         t->onUndoChanged(true);
         t->SetDirtyBit();
-        QCOMPARE(emittedAll(spies), (QList<QList<bool>>{{false}, {}, {false}, {}, {}, {false}, {false}, {}}));
+        QCOMPARE(spies.take(), (QList<QList<bool>>{{false}, {}, {false}, {}, {}, {false}, {false}, {}}));
         t->changeReadonlyMode(false);   // still in query mode
-        QCOMPARE(emittedAll(spies),
+        QCOMPARE(spies.take(),
                  (QList<QList<bool>>{{true}, {false}, {true}, {true}, {true}, {false}, {false}, {true}}));
         QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
     }

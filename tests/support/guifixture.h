@@ -22,6 +22,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <vector>
 
 namespace guitest {
 
@@ -65,14 +66,27 @@ inline QList<bool> emitted(QSignalSpy& spy)
     return values;
 }
 
-// The emissions of several one-bool signals, one list per spy, taken off them.
-inline QList<QList<bool>> emittedAll(const QList<QSignalSpy*>& spies)
+// Spies on several one-bool signals of the tool window at once.
+class Spies
 {
-    QList<QList<bool>> all;
-    for (QSignalSpy* spy : spies)
-        all << emitted(*spy);
-    return all;
-}
+public:
+    template <typename... Signals>
+    explicit Spies(VokGUI* gui, Signals... signals)
+    {
+        (spies_.push_back(std::make_unique<QSignalSpy>(gui, signals)), ...);
+    }
+    // The emissions since the last look, one list per signal.
+    QList<QList<bool>> take()
+    {
+        QList<QList<bool>> all;
+        for (const auto& spy : spies_)
+            all << emitted(*spy);
+        return all;
+    }
+
+private:
+    std::vector<std::unique_ptr<QSignalSpy>> spies_;
+};
 
 class Window
 {

@@ -305,7 +305,8 @@ private Q_SLOTS:
             const struct { QPoint angle; Qt::KeyboardModifiers mods; int row; quint64 start; } scrolls[] = {
                 {{0, -120}, Qt::NoModifier, lines, 400}, {{0, -240}, Qt::NoModifier, 3 * lines, 400},
                 {{0, 120}, Qt::NoModifier, 2 * lines, 400}, {{0, 1200}, Qt::NoModifier, 0, 400},
-                {{0, -120}, Qt::ShiftModifier, 0, 400 + lines * 100}, {{-240, 0}, Qt::NoModifier, 0, 400 + 3 * lines * 100},
+                {{0, -120}, Qt::ShiftModifier, 0, 400 + quint64(lines) * 100},
+                {{-240, 0}, Qt::NoModifier, 0, 400 + quint64(lines) * 300},
                 {{0, 12000}, Qt::ShiftModifier, 0, 0},
             };
             for (const auto& s : scrolls) {
