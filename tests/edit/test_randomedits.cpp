@@ -19,7 +19,6 @@
 #include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QUndoStack>
-#include <QTextStream>
 #include <QtTest>
 
 #include <algorithm>
@@ -33,24 +32,13 @@ using namespace toolfixture;
 
 namespace {
 
-// Every field the saved text shows, and visibility; cheap enough for every step.
-QByteArray summary(const VokGUI& gui)
+// The saved text, and which waves are hidden (which it does not show).
+QByteArray summary(VokGUI& gui)
 {
-    const WaveformData* doc = gui.document();
-    QByteArray out;
-    QTextStream s(&out);
-    s << doc->masterClockMult << ' ' << doc->smallestUnit << ' ' << doc->autoAssign << ' ' << doc->decimals << ' '
-      << doc->endTime << '\n';
-    for (const WaveData* w : doc->waves) {
-        s << w->name << (w->visible ? "" : " hidden") << " {" << w->group << ' ' << w->polarity << ' ' << w->waveType
-          << ' ' << w->offset << ' ' << w->formatValue << ' ' << w->formatRatio << ' ' << w->isPattern << ' '
-          << w->isBus << ' ' << w->busWidth << "} =";
-        for (const Pattern* p : w->patterns)
-            s << (p->forever ? " (" : " ") << p->value.c_str() << ' ' << p->duration;
-        s << '\n';
-    }
-    s.flush();
-    return out;
+    QByteArray hidden;
+    for (const WaveData* w : gui.document()->waves)
+        hidden += w->visible ? "" : w->name.toUtf8() + ' ';
+    return savedText(gui) + "hidden: " + hidden;
 }
 
 // Whether the name list shows the document's shown waves in its order, each

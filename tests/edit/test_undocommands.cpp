@@ -47,16 +47,6 @@ class TestUndoCommands : public QObject
     }
 
 private Q_SLOTS:
-    void addWaveAddsAFreshCopyEachRedo()
-    {
-        Window t(kDoc);
-        WaveData* given = newWave(QStringLiteral("n"), {{"1", 7}, {"0", 3}});
-        pushAndUndoDirty(t, new AddWaveCommand(given, t.gui.get()));
-        t->undoStack()->redo();
-        QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, kE, kF, "n { A I Default NRZ 0 1 50 } = 1 7 0 3;"}));
-        QVERIFY(t.wave("n") != given);
-    }
-
     void typeChangeToPatternOutlivesUndoOfTheAdd()
     {
         Window t(kDoc);
