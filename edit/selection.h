@@ -58,8 +58,8 @@ struct EdgeDrag
 
 // The editing state of a tool window: mode, active wave, the selected time
 // range and segments, the picked patterns, the edge drag under way and the
-// clipboard. Segments are never owned here, except cut segments waiting in
-// the clipboard for their paste.
+// clipboard. Only the clipboard's segments are owned here: copies, or cut
+// segments waiting for their paste.
 class Selection
 {
 public:

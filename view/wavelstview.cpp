@@ -73,7 +73,7 @@ QStandardItem* WaveLstView::elementItem(const QString& element) const
     small.setPointSize(8);
     auto* row = new WaveItem(element, nullptr);
     row->setFont(small);
-    row->setSizeHint(QSize(row->sizeHint().width(), 40));
+    row->setSizeHint(QSize(row->sizeHint().width(), Viewport::RowHeight));
     row->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     return row;
 }
@@ -82,7 +82,7 @@ QList<QStandardItem*> WaveLstView::rowsFor(WaveData* wave) const
 {
     QList<QStandardItem*> rows;
     auto* item = new WaveItem(waveTitle(wave), wave);
-    item->setSizeHint(QSize(item->sizeHint().width(), 40));
+    item->setSizeHint(QSize(item->sizeHint().width(), Viewport::RowHeight));
     item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     rows.append(item);
     if (wave->isBus && wave->expandFlag) {
