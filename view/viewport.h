@@ -6,11 +6,11 @@ namespace kesu::toolvok {
 
 // Which stretch of the time axis and which rows the wave drawing shows, and
 // the conversions between times and pixels. The conversions depend on these
-// values alone, so a printed page can use its own viewport with the same
-// rules as the screen.
+// values alone, so a printed page can use its own viewport, with its own
+// scale, under the same rules as the screen.
 struct Viewport
 {
-    // One step of time is this many pixels wide.
+    // One step of time is this many pixels wide on the screen.
     static constexpr int PixelsPerStep = 20;
     static constexpr float PixelsPerStepF = 20.0f;
     // Every wave row, and every bit row of an expanded bus.
@@ -28,11 +28,16 @@ struct Viewport
     quint64 step = 1;
     // The row shown at the top (the vertical scroll position).
     int firstRow = 0;
+    // Pixels per step: the screen's, or a printed page's own.
+    int pixelsPerStep = PixelsPerStep;
 
     void setStep(quint64 s) { step = s == 0 ? 1 : s; }
 
     // Pixels for a duration, in single precision as all drawing computes.
-    float widthOf(float duration) const { return duration / static_cast<float>(step) * PixelsPerStepF; }
+    float widthOf(float duration) const
+    {
+        return duration / static_cast<float>(step) * static_cast<float>(pixelsPerStep);
+    }
     // The x of a time at or right of the start time.
     float xOf(quint64 t) const { return widthOf(static_cast<float>(t - startTime)); }
     // The x of a fractional time (a selection end).
@@ -41,21 +46,22 @@ struct Viewport
     // The time under a pixel, unrounded: selection ends.
     double exactTimeAt(int x) const
     {
-        return static_cast<double>(x) / PixelsPerStep * static_cast<double>(step) + static_cast<double>(startTime);
+        return static_cast<double>(x) / pixelsPerStep * static_cast<double>(step) + static_cast<double>(startTime);
     }
     // The time under a pixel on whole steps: the cursor and the ruler. Left
     // of the time axis is still its start.
-    quint64 snappedTimeAt(int x) const { return quint64(qMax(0, x) / PixelsPerStep) * step + startTime; }
+    quint64 snappedTimeAt(int x) const { return quint64(qMax(0, x) / pixelsPerStep) * step + startTime; }
     // The time a press puts the cursor at: the pixel's share of a step.
-    quint64 pressTimeAt(int x) const { return quint64(qMax(0, x)) * step / PixelsPerStep + startTime; }
+    quint64 pressTimeAt(int x) const { return quint64(qMax(0, x)) * step / quint64(pixelsPerStep) + startTime; }
 
     // How much time a view of the given width shows in whole steps.
-    quint64 span(int width) const { return quint64(qMax(0, width) / PixelsPerStep) * step; }
+    quint64 span(int width) const { return quint64(qMax(0, width) / pixelsPerStep) * step; }
     // The time at the right edge of a view of the given width.
     quint64 endTime(int width) const
     {
         return static_cast<quint64>(static_cast<float>(startTime)
-                                    + static_cast<float>(step) * static_cast<float>(width) / PixelsPerStepF);
+                                    + static_cast<float>(step) * static_cast<float>(width)
+                                        / static_cast<float>(pixelsPerStep));
     }
 
     // The row under a y, counted from the top of the document.
