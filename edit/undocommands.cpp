@@ -3,6 +3,7 @@
 #include "patterndlg.h"
 #include "vokgui.h"
 #include "wavedata.h"
+#include "wavekind.h"
 #include "wavedatadlg.h"
 #include "waveformdata.h"
 #include "wavelstview.h"
@@ -12,8 +13,6 @@
 namespace kesu::toolvok {
 
 namespace {
-constexpr qint32 PatternKind = 5;
-
 WaveData* find(VokGUI* gui, const QString& name)
 {
     return gui->document()->findWavebyName(name);
@@ -41,7 +40,7 @@ AddWaveCommand::~AddWaveCommand()
 void AddWaveCommand::undo()
 {
     if (WaveData* live = find(gui_, wave_->name)) {
-        const bool pattern = live->polarity == PatternKind;
+        const bool pattern = live->polarity == WaveKind::Pattern;
         gui_->removeWave(live);
         if (pattern)
             gui_->patternDlg()->LoadData();
@@ -53,7 +52,7 @@ void AddWaveCommand::redo()
 {
     WaveData* copy = snapshotOf(wave_);
     gui_->addWave(copy);
-    if (copy->polarity == PatternKind)
+    if (copy->polarity == WaveKind::Pattern)
         gui_->patternDlg()->LoadData();
     gui_->SetDirtyBit();
 }
@@ -79,7 +78,7 @@ void DelWaveCommand::undo()
 {
     for (qsizetype i = 0; i < snapshots_.size(); ++i) {
         WaveData* copy = snapshotOf(snapshots_.at(i));
-        const bool pattern = copy->polarity == PatternKind;
+        const bool pattern = copy->polarity == WaveKind::Pattern;
         gui_->insertWave(copy, positions_.at(i));
         if (pattern)
             gui_->patternDlg()->LoadData();
@@ -91,7 +90,7 @@ void DelWaveCommand::redo()
 {
     for (const WaveData* snapshot : snapshots_) {
         if (WaveData* live = find(gui_, snapshot->name)) {
-            const bool pattern = live->polarity == PatternKind;
+            const bool pattern = live->polarity == WaveKind::Pattern;
             gui_->removeWave(live);
             if (pattern)
                 gui_->patternDlg()->LoadData();
@@ -332,9 +331,14 @@ void ImportWaveCommand::redo()
 // --- moveWaveCommand --------------------------------------------------------
 
 moveWaveCommand::moveWaveCommand(WaveData* wave, int from, int to, VokGUI* gui, QUndoCommand* parent)
-    : QUndoCommand(parent), wave_(wave), from_(from), to_(to), gui_(gui), name_(wave->name),
-      documentFrom_(static_cast<int>(gui->document()->waves.indexOf(wave)))
+    : QUndoCommand(parent), wave_(wave), from_(from), to_(to), gui_(gui), name_(wave->name)
 {
+    // The rows become document positions now: what is expanded, collapsed
+    // or hidden until the undo must not change where the wave goes back to.
+    const QList<WaveData*>& waves = gui->document()->waves;
+    documentFrom_ = static_cast<int>(waves.indexOf(wave));
+    const WaveData* target = gui->waveList()->waveAt(to);
+    documentTo_ = target ? static_cast<int>(waves.indexOf(target)) : qBound(0, to, int(waves.size()) - 1);
 }
 
 WaveData* moveWaveCommand::wave() const
@@ -349,22 +353,14 @@ WaveData* moveWaveCommand::wave() const
 
 void moveWaveCommand::undo()
 {
-    WaveData* live = wave();
-    if (!live)
-        return;
-    gui_->moveWave(live, to_, from_);
-    // Rows count only shown waves: the rows alone cannot say where the wave
-    // stood among hidden ones, so its document place is put back exactly.
-    QList<WaveData*>& waves = gui_->document()->waves;
-    const qsizetype now = waves.indexOf(live);
-    if (now >= 0 && documentFrom_ >= 0 && documentFrom_ < waves.size())
-        waves.move(now, documentFrom_);
+    if (WaveData* live = wave())
+        gui_->moveWave(live, documentTo_, documentFrom_);
 }
 
 void moveWaveCommand::redo()
 {
     if (WaveData* live = wave())
-        gui_->moveWave(live, from_, to_);
+        gui_->moveWave(live, documentFrom_, documentTo_);
 }
 
 } // namespace kesu::toolvok

@@ -188,7 +188,9 @@ private:
     qint32 to_;
     VokGUI* gui_;
     QString name_;
-    int documentFrom_;
+    // Where the wave stands in the document before and after the move.
+    int documentFrom_ = -1;
+    int documentTo_ = -1;
 };
 
 } // namespace kesu::toolvok

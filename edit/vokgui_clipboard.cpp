@@ -51,52 +51,23 @@ std::string nextValue(const WaveData* wave)
 
 void VokGUI::forgetSegments(const std::function<bool(const Pattern*)>& gone)
 {
-    m_selection.removeIf(gone);
-    m_waveView->pendingPatterns.removeIf(gone);
-    m_waveView->draggedPatterns.removeIf(gone);
-    if (m_waveView->selectedPattern && gone(m_waveView->selectedPattern))
-        m_waveView->selectedPattern = nullptr;
-    if (m_waveView->selectedPattern2 && gone(m_waveView->selectedPattern2))
-        m_waveView->selectedPattern2 = nullptr;
+    m_sel.forget(gone);
 }
 
 void VokGUI::discardSegments(const QList<Pattern*>& segments)
 {
-    if (segments.isEmpty())
-        return;
-    const QSet<Pattern*> gone(segments.cbegin(), segments.cend());
-    forgetSegments([&gone](const Pattern* p) { return gone.contains(const_cast<Pattern*>(p)); });
-    qDeleteAll(gone);
+    m_sel.discard(segments);
 }
 
 void VokGUI::dropClipboard()
 {
-    // Cut segments still waiting for their paste belong to nobody else; the
-    // views may still point at them from before the cut.
-    discardSegments(m_clipboard);
-    m_clipboard.clear();
+    m_sel.dropClipboard();
 }
 
 void VokGUI::finishMouseEdit()
 {
     if (m_waveView->isDraggingEdge())
         m_waveView->finishEdgeDrag();
-}
-
-QList<Pattern*> VokGUI::takeSelectedSegments()
-{
-    // Only what the active wave really holds is taken: anything else in the
-    // selection still belongs to its own wave.
-    const auto [first, last] = m_activeWave->spanOf(m_selection);
-    const QList<Pattern*> removed = m_activeWave->takeSegments(m_selection, first, last);
-    QSet<const Pattern*> gone(removed.cbegin(), removed.cend());
-    // In the order of the selection: a cut pastes them in that order.
-    QList<Pattern*> taken;
-    for (Pattern* p : std::as_const(m_selection)) {
-        if (gone.remove(p))
-            taken.append(p);
-    }
-    return taken;
 }
 
 void VokGUI::resetForever(WaveData* wave)
@@ -157,7 +128,7 @@ void VokGUI::mergeNeighbours(WaveData* wave, int from, int to)
 
 void VokGUI::addEditData(quint64 time)
 {
-    if (m_mode != ModeEdit)
+    if (m_sel.mode != ModeEdit)
         return;
     WaveData* wave = m_waveList->waveAt(m_waveList->currentIndex().row());
     if (!wave)
@@ -170,8 +141,9 @@ void VokGUI::addEditData(quint64 time)
         return;
     finishMouseEdit();
     auto* p = new Pattern(nextValue(wave), static_cast<qint32>(time - end));
-    if (time / m_step > quint64(m_waveHBar->maximum()))
-        m_waveHBar->setMaximum(static_cast<int>(qMin<quint64>(time / m_step + 5, INT_MAX)));
+    const quint64 step = m_viewport.step;
+    if (time / step > quint64(m_waveHBar->maximum()))
+        m_waveHBar->setMaximum(static_cast<int>(qMin<quint64>(time / step + 5, INT_MAX)));
 
     // Only the last segment can take the new one in.
     const SegmentRange before(*wave, int(wave->patterns.size()) - 1, 1);
@@ -179,91 +151,91 @@ void VokGUI::addEditData(quint64 time)
     m_undoStack->push(new EditPatternCommand(wave, narrowChange(before, *wave), this));
     // A click right at the end makes a segment of no length, which no wave takes.
     if (taken)
-        m_selection.append(p);
+        m_sel.segments.append(p);
     else
         delete p;
 }
 
 void VokGUI::clearData()
 {
-    if (m_selection.isEmpty() || !m_activeWave)
+    if (m_sel.segments.isEmpty() || !m_sel.activeWave)
         return;
     finishMouseEdit();
-    const SegmentRange before = rangeOfEdit(*m_activeWave, m_selection);
-    discardSegments(takeSelectedSegments());
-    mergeEditedRange(m_activeWave, before);
+    const SegmentRange before = rangeOfEdit(*m_sel.activeWave, m_sel.segments);
+    discardSegments(m_sel.takeFrom(m_sel.activeWave));
+    mergeEditedRange(m_sel.activeWave, before);
     changeRange(-1, -1);
-    m_editDlg->LoadData(nullptr, m_selection);
-    m_undoStack->push(new EditPatternCommand(m_activeWave, narrowChange(before, *m_activeWave), this));
-    m_selection.clear();
+    m_editDlg->LoadData(nullptr, m_sel.segments);
+    m_undoStack->push(new EditPatternCommand(m_sel.activeWave, narrowChange(before, *m_sel.activeWave), this));
+    m_sel.segments.clear();
     Refresh();
 }
 
 void VokGUI::cutData()
 {
-    if (m_selection.isEmpty() || !m_activeWave)
+    if (m_sel.segments.isEmpty() || !m_sel.activeWave)
         return;
     finishMouseEdit();
-    m_fromCut = true;
+    m_sel.fromCut = true;
     dropClipboard();
-    const SegmentRange before = rangeOfEdit(*m_activeWave, m_selection);
-    m_activeWave->selected = false;
-    m_clipboard = takeSelectedSegments();
-    m_selection.clear();
+    const SegmentRange before = rangeOfEdit(*m_sel.activeWave, m_sel.segments);
+    m_sel.activeWave->selected = false;
+    m_sel.clipboard = m_sel.takeFrom(m_sel.activeWave);
+    m_sel.segments.clear();
     // The cut segments live on in the clipboard; the views must let go of them.
-    const QSet<Pattern*> cut(m_clipboard.cbegin(), m_clipboard.cend());
+    const QSet<Pattern*> cut(m_sel.clipboard.cbegin(), m_sel.clipboard.cend());
     forgetSegments([&cut](const Pattern* p) { return cut.contains(const_cast<Pattern*>(p)); });
-    mergeEditedRange(m_activeWave, before);
-    m_editDlg->LoadData(nullptr, m_selection);
-    m_waveDataDlg->LoadData(m_activeWave);
-    m_undoStack->push(new CutPatternCommand(m_activeWave, narrowChange(before, *m_activeWave), this));
+    mergeEditedRange(m_sel.activeWave, before);
+    m_editDlg->LoadData(nullptr, m_sel.segments);
+    m_waveDataDlg->LoadData(m_sel.activeWave);
+    m_undoStack->push(new CutPatternCommand(m_sel.activeWave, narrowChange(before, *m_sel.activeWave), this));
     Q_EMIT pastedataChanged(false);
     Q_EMIT editdataChanged(false);
 }
 
 void VokGUI::copyData()
 {
-    m_fromCut = false;
+    m_sel.fromCut = false;
     dropClipboard();
-    for (const Pattern* p : std::as_const(m_selection)) {
+    for (const Pattern* p : std::as_const(m_sel.segments)) {
         auto* copy = new Pattern(p->value, p->duration);
         copy->wave = p->wave;
         copy->spare = p->spare;
         copy->forever = p->forever;
-        m_clipboard.append(copy);
+        m_sel.clipboard.append(copy);
     }
-    Q_EMIT pastedataChanged(!m_selection.isEmpty());
+    Q_EMIT pastedataChanged(!m_sel.segments.isEmpty());
 }
 
 void VokGUI::pasteData()
 {
-    if (m_clipboard.isEmpty() || m_selection.isEmpty() || !m_activeWave)
+    if (m_sel.clipboard.isEmpty() || m_sel.segments.isEmpty() || !m_sel.activeWave)
         return;
-    const WaveData* source = m_clipboard.first()->wave;
-    if (!source || source->isBus != m_activeWave->isBus
-        || (source->isBus && source->busWidth != m_activeWave->busWidth))
+    const WaveData* source = m_sel.clipboard.first()->wave;
+    if (!source || source->isBus != m_sel.activeWave->isBus
+        || (source->isBus && source->busWidth != m_sel.activeWave->busWidth))
         return;
     finishMouseEdit();
 
-    Pattern* insertionPoint = m_selection.first();
-    const SegmentRange before = rangeOfEdit(*m_activeWave, m_selection);
-    for (Pattern* p : std::as_const(m_clipboard)) {
-        if (m_fromCut) {
+    Pattern* insertionPoint = m_sel.segments.first();
+    const SegmentRange before = rangeOfEdit(*m_sel.activeWave, m_sel.segments);
+    for (Pattern* p : std::as_const(m_sel.clipboard)) {
+        if (m_sel.fromCut) {
             p->wave->removeData(p);
-            m_activeWave->insertData(p, insertionPoint);
+            m_sel.activeWave->insertData(p, insertionPoint);
         } else {
-            m_activeWave->insertData(new Pattern(p->value, p->duration), insertionPoint);
+            m_sel.activeWave->insertData(new Pattern(p->value, p->duration), insertionPoint);
         }
     }
-    discardSegments(takeSelectedSegments());
-    mergeEditedRange(m_activeWave, before);
-    if (m_fromCut)
-        m_clipboard.clear();   // a cut pastes once: its segments now belong to the wave
+    discardSegments(m_sel.takeFrom(m_sel.activeWave));
+    mergeEditedRange(m_sel.activeWave, before);
+    if (m_sel.fromCut)
+        m_sel.clipboard.clear();   // a cut pastes once: its segments now belong to the wave
 
-    m_activeWave->selected = false;
-    m_selection.clear();
-    m_editDlg->LoadData(m_activeWave, m_selection);
-    m_undoStack->push(new EditPatternCommand(m_activeWave, narrowChange(before, *m_activeWave), this));
+    m_sel.activeWave->selected = false;
+    m_sel.segments.clear();
+    m_editDlg->LoadData(m_sel.activeWave, m_sel.segments);
+    m_undoStack->push(new EditPatternCommand(m_sel.activeWave, narrowChange(before, *m_sel.activeWave), this));
     Q_EMIT pastedataChanged(false);
     Q_EMIT editdataChanged(false);
     Refresh();

@@ -23,19 +23,17 @@ namespace kesu::toolvok {
 
 void VokGUI::setActiveWave(WaveData* wave)
 {
-    m_activeWave = wave;
+    m_sel.activeWave = wave;
     Q_EMIT activeWaveChanged(wave != nullptr);
     Q_EMIT busWaveSelected(wave && wave->isBus);
 }
 
 void VokGUI::setModeCursor()
 {
-    if (m_mode < 0 || m_mode > 4)
-        return;
-    if (m_mode == ModeEdit && !isZooming()) {
+    if (m_sel.mode == ModeEdit && !isZooming()) {
         m_waveView->setCursor(Qt::IBeamCursor);
         m_ruler->setCursor(Qt::IBeamCursor);
-    } else if (m_mode == ModeQuery) {
+    } else if (m_sel.mode == ModeQuery) {
         m_waveView->unsetCursor();
         m_ruler->unsetCursor();
     }
@@ -43,7 +41,7 @@ void VokGUI::setModeCursor()
 
 void VokGUI::onChangeMode(bool edit)
 {
-    m_mode = edit ? ModeEdit : ModeQuery;
+    m_sel.mode = edit ? ModeEdit : ModeQuery;
     ChangeMode();
     if (edit) {
         Q_EMIT viewmodeChanged(true);
@@ -58,31 +56,31 @@ void VokGUI::onChangeMode(bool edit)
 void VokGUI::ChangeMode()
 {
     // Entering or leaving edit mode drops the selection.
-    m_selection.clear();
-    m_editDlg->LoadData(nullptr, m_selection);
-    if (m_mode == ModeQuery)
+    m_sel.segments.clear();
+    m_editDlg->LoadData(nullptr, m_sel.segments);
+    if (m_sel.mode == ModeQuery)
         Refresh();
     setModeCursor();
 }
 
 void VokGUI::LoadEditData()
 {
-    if (m_mode == ModeEdit)
-        m_editDlg->LoadData(m_activeWave, m_selection);
+    if (m_sel.mode == ModeEdit)
+        m_editDlg->LoadData(m_sel.activeWave, m_sel.segments);
     if (m_patternDlg)
         m_patternDlg->updateButton();
 }
 
 void VokGUI::DisplayData()
 {
-    m_waveDataDlg->LoadData(m_activeWave);
+    m_waveDataDlg->LoadData(m_sel.activeWave);
     if (m_patternViewShown)
         m_patternDlg->updateButton();
 }
 
 void VokGUI::selectWave(int y)
 {
-    const int row = y / WaveView::RowHeight + m_waveView->firstVisibleRow;
+    const int row = m_viewport.rowAt(y);
     const QModelIndex index = m_waveList->itemModel()->index(row, 0);
     if (index.isValid() && !m_waveList->selectionModel()->isSelected(index))
         m_waveList->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
@@ -95,9 +93,11 @@ void VokGUI::onEditDataChanged()
         Q_EMIT pastedataChanged(false);
         return;
     }
-    Q_EMIT editdataChanged(!m_selection.isEmpty());
-    const bool paste = !m_clipboard.isEmpty() && !m_selection.isEmpty() && m_selection.first()->wave
-        && m_clipboard.first()->wave && m_selection.first()->wave->busWidth == m_clipboard.first()->wave->busWidth;
+    const QList<Pattern*>& selected = m_sel.segments;
+    const QList<Pattern*>& clipboard = m_sel.clipboard;
+    Q_EMIT editdataChanged(!selected.isEmpty());
+    const bool paste = !clipboard.isEmpty() && !selected.isEmpty() && selected.first()->wave
+        && clipboard.first()->wave && selected.first()->wave->busWidth == clipboard.first()->wave->busWidth;
     Q_EMIT pastedataChanged(paste);
 }
 
@@ -111,7 +111,7 @@ void VokGUI::changeReadonlyMode(bool readOnly)
     Q_EMIT editAvailable(!readOnly);
     if (readOnly) {
         action(ActEditMode)->setChecked(false);
-    } else if (m_mode == ModeEdit) {
+    } else if (m_sel.mode == ModeEdit) {
         onEditDataChanged();
     } else {
         Q_EMIT editdataChanged(false);
@@ -120,8 +120,8 @@ void VokGUI::changeReadonlyMode(bool readOnly)
     Q_EMIT alwaysAvailable(true);
     Q_EMIT sigZoomAreaChecked(isZooming());
     setWindowTitle(m_fullTitle);
-    m_waveDataDlg->LoadData(m_activeWave);
-    m_editDlg->LoadData(m_activeWave, m_selection);
+    m_waveDataDlg->LoadData(m_sel.activeWave);
+    m_editDlg->LoadData(m_sel.activeWave, m_sel.segments);
     m_patternDlg->updateButton();
 }
 
@@ -141,12 +141,11 @@ void VokGUI::undo()
     m_undoStack->undo();
     // Undo rewrites segments in place: a kept selection would name pulses
     // that are no longer the ones the user picked.
-    m_selection.clear();
-    if (m_activeWave)
-        m_activeWave->selected = false;
-    m_waveView->pendingPatterns.clear();
+    m_sel.segments.clear();
+    if (m_sel.activeWave)
+        m_sel.activeWave->selected = false;
     changeRange(-1, -1);
-    m_editDlg->LoadData(nullptr, m_selection);
+    m_editDlg->LoadData(nullptr, m_sel.segments);
     onEditDataChanged();
 }
 
@@ -154,11 +153,10 @@ void VokGUI::redo()
 {
     finishMouseEdit();
     m_undoStack->redo();
-    m_selection.clear();
-    if (m_activeWave)
-        m_activeWave->selected = false;
-    m_waveView->pendingPatterns.clear();
-    m_editDlg->LoadData(nullptr, m_selection);
+    m_sel.segments.clear();
+    if (m_sel.activeWave)
+        m_sel.activeWave->selected = false;
+    m_editDlg->LoadData(nullptr, m_sel.segments);
     m_waveView->update();
     onEditDataChanged();
 }

@@ -16,13 +16,12 @@ namespace kesu::toolvok {
 
 void VokGUI::forgetWave(WaveData* wave)
 {
-    if (m_activeWave == wave)
+    if (m_sel.activeWave == wave)
         setActiveWave(nullptr);
-    m_waveView->pendingWaves.removeAll(wave);
     auto ofWave = [wave](const Pattern* p) { return p->wave == wave; };
     forgetSegments(ofWave);
     // Clipboard segments remember their source wave, which paste consults.
-    if (std::any_of(m_clipboard.cbegin(), m_clipboard.cend(), ofWave)) {
+    if (std::any_of(m_sel.clipboard.cbegin(), m_sel.clipboard.cend(), ofWave)) {
         dropClipboard();
         Q_EMIT pastedataChanged(false);
     }
@@ -108,31 +107,22 @@ void VokGUI::insertWave(WaveData* wave, int index)
     if (index < 0 || index > m_data->waves.size())
         index = static_cast<int>(m_data->waves.size());
     m_data->waves.insert(index, wave);
-    if (wave->visible) {
-        int row = m_waveList->itemModel()->rowCount();
-        for (qsizetype i = index + 1; i < m_data->waves.size(); ++i) {
-            const int next = m_waveList->rowOf(m_data->waves.at(i));
-            if (next >= 0) {
-                row = next;
-                break;
-            }
-        }
-        m_waveList->insertWave(wave, row);
-    }
+    if (wave->visible)
+        m_waveList->insertWave(wave, m_waveList->rowForPlaceOf(wave));
     Refresh();
     SetDirtyBit();
 }
 
 void VokGUI::moveWave(WaveData* wave, int from, int to)
 {
-    // The wave takes the document place of the wave shown at the target row.
+    // Positions are the document's: the name list's rows depend on what is
+    // hidden and expanded at the time, the document's order does not.
     const qsizetype count = m_data->waves.size();
-    const qsizetype docFrom = m_data->waves.indexOf(wave);
-    const WaveData* target = m_waveList->waveAt(to);
-    const qsizetype docTo = target ? m_data->waves.indexOf(target) : qBound(qsizetype(0), qsizetype(to), count - 1);
+    const qsizetype now = m_data->waves.indexOf(wave);
+    if (now < 0 || to < 0 || to >= count)
+        return;
+    m_data->waves.move(now, to);
     m_waveList->moveWave(wave, from, to);
-    if (docFrom >= 0 && docTo >= 0 && docTo < count)
-        m_data->waves.move(docFrom, docTo);
     Refresh();
     SetDirtyBit();
 }
@@ -165,10 +155,10 @@ void VokGUI::hideWave()
 
 void VokGUI::dupWave()
 {
-    if (!m_activeWave)
+    if (!m_sel.activeWave)
         return;
-    const QString copyName = duplicateWaveName(*m_data, m_activeWave->name);
-    WaveData* copy = snapshotOf(m_activeWave);
+    const QString copyName = duplicateWaveName(*m_data, m_sel.activeWave->name);
+    WaveData* copy = snapshotOf(m_sel.activeWave);
     copy->name = copyName;
     m_undoStack->push(new AddWaveCommand(copy, this));
 }

@@ -99,9 +99,9 @@ VokGUI::~VokGUI()
     delete m_centralFrame;
     m_centralFrame = nullptr;
     qDeleteAll(m_connections);
-    m_selection.clear();
+    m_sel.segments.clear();
     // A cut leaves its segments to the clipboard alone; a copy made new ones.
-    qDeleteAll(m_clipboard);
+    m_sel.dropClipboard();
     delete m_data;
     delete m_printer;
 }
@@ -400,8 +400,8 @@ void VokGUI::showEvent(QShowEvent* event)
 
 void VokGUI::keyReleaseEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Escape && m_mode == ModeZoomArea) {
-        m_mode = action(ActEditMode)->isChecked() ? ModeEdit : ModeQuery;
+    if (event->key() == Qt::Key_Escape && m_sel.mode == ModeZoomArea) {
+        m_sel.mode = action(ActEditMode)->isChecked() ? ModeEdit : ModeQuery;
         setModeCursor();
         return;
     }

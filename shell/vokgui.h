@@ -2,6 +2,8 @@
 
 #include "basguitool.h"
 #include "pattern.h"
+#include "selection.h"
+#include "viewport.h"
 
 #include <QColor>
 #include <QDateTime>
@@ -47,7 +49,12 @@ class VokGUI : public BasGUITool
     Q_OBJECT
 public:
     // Interaction modes.
-    enum Mode { ModeIgnore = 1, ModeZoomArea = 2, ModeQuery = 3, ModeEdit = 4 };
+    enum Mode {
+        ModeIgnore = InteractionMode::Ignore,
+        ModeZoomArea = InteractionMode::ZoomArea,
+        ModeQuery = InteractionMode::Query,
+        ModeEdit = InteractionMode::Edit
+    };
     // Identifiers of the tool's own actions.
     enum ActionId {
         ActExport = 20, ActEditMode = 37, ActNewWave = 38, ActImportWave = 39, ActDupWave = 40,
@@ -94,18 +101,23 @@ public:
     quint64 getEndTime() const;
 
     // --- view state -------------------------------------------------------
-    quint64 startTime() const { return m_startTime; }
-    quint64 step() const { return m_step; }
-    void setStartTime(quint64 t) { m_startTime = t; }
-    int mode() const { return m_mode; }
-    void setMode(int mode) { m_mode = mode; }
+    // What the wave view, the ruler and the mouse show of the time axis.
+    const Viewport& viewport() const { return m_viewport; }
+    quint64 startTime() const { return m_viewport.startTime; }
+    quint64 step() const { return m_viewport.step; }
+    void setStartTime(quint64 t) { m_viewport.startTime = t; }
+    // Mode, active wave, selected range and segments, drag and clipboard.
+    Selection& selectionState() { return m_sel; }
+    const Selection& selectionState() const { return m_sel; }
+    int mode() const { return m_sel.mode; }
+    void setMode(int mode) { m_sel.mode = mode; }
     int busRadix() const { return m_busRadix; }
     void setBusRadix(int radix) { m_busRadix = radix; }
     bool showGuideline() const { return m_showGuideline; }
     void setShowGuideline(bool on) { m_showGuideline = on; }
-    QList<Pattern*>& selection() { return m_selection; }
-    QList<Pattern*>& clipboard() { return m_clipboard; }
-    WaveData* activeWave() const { return m_activeWave; }
+    QList<Pattern*>& selection() { return m_sel.segments; }
+    QList<Pattern*>& clipboard() { return m_sel.clipboard; }
+    WaveData* activeWave() const { return m_sel.activeWave; }
     bool isReadOnly() const { return m_readOnly; }
     bool isZooming() const;
     QAction* action(int id) const { return m_actionMap.value(id); }
@@ -162,7 +174,7 @@ public:
     void ChangeMode();
     void selectWave(int y);
     void DisplayData();
-    bool isFromCut() const { return m_fromCut; }
+    bool isFromCut() const { return m_sel.fromCut; }
     // Deletes segments that an edit or an undo took out of a wave, after
     // forgetting them wherever the selection state still refers to them.
     void discardSegments(const QList<Pattern*>& segments);
@@ -303,8 +315,6 @@ private:
     // Drops the segments for which gone holds from the selection and from the
     // wave view's drag and pick state, without deleting them.
     void forgetSegments(const std::function<bool(const Pattern*)>& gone);
-    // Takes the selected segments out of the active wave and returns them.
-    QList<Pattern*> takeSelectedSegments();
     // mergeAfterEdit over the range an edit's undo copy covers, or over
     // segments [from, to): only pairs inside can merge.
     void mergeEditedRange(WaveData* wave, const SegmentRange& before);
@@ -345,22 +355,17 @@ private:
     PatternDlg* m_patternDlg = nullptr;
     bool m_patternViewShown = false;
     QDateTime m_lastModified;
-    QList<Pattern*> m_selection;
-    QList<Pattern*> m_clipboard;
     QTimer* m_autoSaveTimer = nullptr;
     VokNavigator* m_navigator = nullptr;
-    int m_mode = ModeQuery;
     bool m_readOnly = false;
     bool m_checkingChange = false;
     bool m_modified = false;
     bool m_askingDeleted = false;
-    bool m_fromCut = false;
     bool m_shownOnce = false;
-    WaveData* m_activeWave = nullptr;
 
     // View and option state.
-    quint64 m_startTime = 0;
-    quint64 m_step = 1;
+    Viewport m_viewport;
+    Selection m_sel;
     quint64 m_viewEndTime = 0;
     int m_busRadix = 0;
     int m_autoSave = 0;

@@ -18,7 +18,7 @@ bool VokGUI::loadData(QFile& file)
     m_data->loadData(file);
     m_viewEndTime = m_data->endTime;
     // Either 1 or 2000, whatever it was before: the fit below sets the real step.
-    m_step = m_step == 0 ? 1 : 2000;
+    m_viewport.step = 2000;
     for (WaveData* wave : std::as_const(m_data->waves))
         m_waveList->addWave(wave);
     m_printFrom = 0;
@@ -57,10 +57,7 @@ quint64 VokGUI::getMaxEnd() const
 
 quint64 VokGUI::getEndTime() const
 {
-    // Single precision and truncation, as every view computation does.
-    const float end = static_cast<float>(m_startTime)
-        + static_cast<float>(m_step) * static_cast<float>(m_waveView->width()) / 20.0f;
-    return static_cast<quint64>(end);
+    return m_viewport.endTime(m_waveView->width());
 }
 
 } // namespace kesu::toolvok

@@ -52,7 +52,6 @@ void VokGUI::ClearAll()
     setActiveWave(nullptr);
     forgetSegments([](const Pattern*) { return true; });
     dropClipboard();
-    m_waveView->pendingWaves.clear();
     m_undoStack->clear();
     m_data->ClearAll();
     m_waveList->clearWaves();
@@ -64,7 +63,7 @@ void VokGUI::ClearAll()
 void VokGUI::NewFile()
 {
     ClearAll();
-    m_selection.clear();
+    m_sel.segments.clear();
     m_modified = false;
     setActiveWave(nullptr);
     hideMarker();
@@ -77,7 +76,7 @@ void VokGUI::NewFile()
 bool VokGUI::LoadFile()
 {
     ClearAll();
-    m_selection.clear();
+    m_sel.segments.clear();
     QFile file(m_fullFileName);
     if (!file.open(QIODevice::ReadOnly)) {
         showerrormsg(tr(cannotOpen) + m_fullFileName, this);

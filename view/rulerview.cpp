@@ -1,5 +1,5 @@
-// The time scale above the waves, lined up with the wave drawing at twenty
-// pixels per step.
+// The time scale above the waves, lined up with the wave drawing: both read
+// the tool window's viewport.
 #include "rulerview.h"
 
 #include "vokgui.h"
@@ -12,7 +12,7 @@
 namespace kesu::toolvok {
 
 namespace {
-constexpr int PixelsPerStep = 20;
+constexpr int PixelsPerStep = Viewport::PixelsPerStep;
 }
 
 RulerView::RulerView(VokGUI* owner, QWidget* parent) : QFrame(parent), owner_(owner)
@@ -24,9 +24,7 @@ RulerView::RulerView(VokGUI* owner, QWidget* parent) : QFrame(parent), owner_(ow
 
 quint64 RulerView::timeAt(int x) const
 {
-    // Left of the time axis is still its start.
-    const int pixels = qMax(0, x - originX);
-    return quint64(pixels / PixelsPerStep) * owner_->step() + owner_->startTime();
+    return owner_->viewport().snappedTimeAt(x - originX);
 }
 
 void RulerView::paintEvent(QPaintEvent* /*event*/)
@@ -38,11 +36,12 @@ void RulerView::paintEvent(QPaintEvent* /*event*/)
 
     const int h = height();
     const int half = h / 2;
-    const quint64 start = owner_->startTime();
-    const quint64 step = qMax<quint64>(1, owner_->step());
+    const Viewport& vp = owner_->viewport();
+    const quint64 start = vp.startTime;
+    const quint64 step = vp.step;
 
     // The time under the mouse, in the name column left of the axis.
-    const quint64 mouseTime = mouseX < 0 ? start : quint64(mouseX / PixelsPerStep) * step + start;
+    const quint64 mouseTime = vp.snappedTimeAt(mouseX);
     const QString mouseText = owner_->getTimeString(mouseTime, true);
     const QColor ink = owner_->color_names;
     painter.setPen(ink);
@@ -120,7 +119,7 @@ void RulerView::mouseMoveEvent(QMouseEvent* event)
     mouseX = qMax(0, event->position().toPoint().x() - originX);
     // Only a zoom keeps a range going; anything else marked ends here.
     if (rangeActive && owner_->isZooming())
-        rangeEnd = quint64(mouseX / PixelsPerStep) * owner_->step() + owner_->startTime();
+        rangeEnd = owner_->viewport().snappedTimeAt(mouseX);
     else
         rangeActive = false;
     update();

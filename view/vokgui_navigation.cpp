@@ -15,8 +15,6 @@
 namespace kesu::toolvok {
 
 namespace {
-constexpr quint64 MaxStep = 100000;
-
 QPalette backgroundPalette(const QColor& back)
 {
     return QPalette(back);
@@ -25,28 +23,24 @@ QPalette backgroundPalette(const QColor& back)
 
 void VokGUI::changeStep(quint64 s)
 {
-    m_step = s == 0 ? 1 : s;
+    m_viewport.setStep(s);
     m_ruler->update();
     m_waveView->update();
 }
 
 void VokGUI::zoomIn()
 {
-    if (m_step == 1)
+    if (m_viewport.step == 1)
         return;
-    const bool five = QString::number(m_step).startsWith(QLatin1Char('5'));
-    const quint64 next = five ? static_cast<quint64>(m_step / 2.5) : m_step / 2;
-    changeStep(qMax<quint64>(1, next));
+    changeStep(Viewport::zoomedIn(m_viewport.step));
     Refresh();
 }
 
 void VokGUI::zoomOut()
 {
-    if (m_step == MaxStep)
+    if (m_viewport.step == Viewport::MaxStep)
         return;
-    const bool two = QString::number(m_step).startsWith(QLatin1Char('2'));
-    const quint64 next = two ? static_cast<quint64>(m_step * 2.5) : m_step * 2;
-    changeStep(qMin(MaxStep, next));
+    changeStep(Viewport::zoomedOut(m_viewport.step));
     Refresh();
 }
 
@@ -64,63 +58,41 @@ void VokGUI::zoomRange(quint64 a, quint64 b)
 {
     const int viewWidth = qMax(1, m_waveView->width());
     if (a == b) {
-        quint64 next = m_step;
-        if (m_step != 1) {
-            const bool five = QString::number(m_step).startsWith(QLatin1Char('5'));
-            next = qMax<quint64>(1, five ? static_cast<quint64>(m_step / 2.5) : m_step / 2);
-        }
-        // 32-bit arithmetic, like the other view computations.
-        const qint64 offset = static_cast<qint32>(static_cast<quint32>(next) * static_cast<quint32>(viewWidth)) / 40;
-        const qint64 start = static_cast<qint64>(m_waveView->cursorTime) - offset;
-        m_startTime = start < 0 ? 0 : static_cast<quint64>(start);
+        const quint64 next = Viewport::zoomedIn(m_viewport.step);
+        // 32-bit arithmetic, like the other view computations; half the view
+        // is width / 2 pixels, width / 40 steps.
+        const qint64 offset = static_cast<qint32>(static_cast<quint32>(next) * static_cast<quint32>(viewWidth))
+            / (2 * Viewport::PixelsPerStep);
+        const qint64 start = static_cast<qint64>(m_waveView->cursorTime()) - offset;
+        m_viewport.startTime = start < 0 ? 0 : static_cast<quint64>(start);
         changeStep(next);
         Refresh();
         return;
     }
     // Unsigned like the range itself: a range given backwards asks for the
     // widest step.
-    const quint64 raw = (b - a) * 20 / static_cast<quint64>(viewWidth);
-    quint64 step;
-    if (raw > MaxStep) {
-        step = MaxStep;
-    } else if (raw == 0) {
-        step = 1;
-    } else {
-        // Rounded up past the leading digit, so the whole range fits with room.
-        const QString digits = QString::number(raw);
-        const int first = digits.at(0).digitValue();
-        quint64 power = 1;
-        for (int i = 1; i < digits.size(); ++i)
-            power *= 10;
-        if (first >= 5)
-            step = power * 10;
-        else if (first >= 2)
-            step = power * 5;
-        else
-            step = power * 2;
-    }
-    m_startTime = a;
-    m_step = step == 0 ? 1 : step;
+    m_viewport.startTime = a;
+    m_viewport.setStep(Viewport::fittingStep(b - a, viewWidth));
     Refresh();
 }
 
 void VokGUI::viewZoomfit()
 {
     zoomRange(0, getMaxEnd());
-    m_mode = action(ActEditMode)->isChecked() ? ModeEdit : ModeQuery;
+    m_sel.mode = action(ActEditMode)->isChecked() ? ModeEdit : ModeQuery;
     setModeCursor();
     Refresh();
 }
 
 void VokGUI::viewZoomto()
 {
-    m_mode = ModeZoomArea;
+    m_sel.mode = ModeZoomArea;
     setModeCursor();
 }
 
 void VokGUI::onZooming(bool on)
 {
-    if (!on && m_mode == ModeEdit) {
+    if (!on && m_sel.mode == ModeEdit) {
         m_waveView->setCursor(Qt::IBeamCursor);
         m_ruler->setCursor(Qt::IBeamCursor);
     } else {
@@ -172,13 +144,13 @@ void VokGUI::setBar()
     }
     const QSignalBlocker block(m_waveHBar);
     // The bar always reaches five steps beyond the latest end.
-    m_waveHBar->setMaximum(static_cast<int>(static_cast<quint32>(getMaxEnd() / m_step)) + 5);
-    m_waveHBar->setValue(static_cast<int>(m_startTime / m_step));
+    m_waveHBar->setMaximum(static_cast<int>(static_cast<quint32>(getMaxEnd() / m_viewport.step)) + 5);
+    m_waveHBar->setValue(static_cast<int>(m_viewport.startTime / m_viewport.step));
 }
 
 void VokGUI::onScrollWave_H()
 {
-    m_startTime = quint64(qMax(0, m_waveHBar->value())) * m_step;
+    m_viewport.startTime = quint64(qMax(0, m_waveHBar->value())) * m_viewport.step;
     m_waveView->update();
     m_ruler->update();
 }
@@ -187,7 +159,7 @@ void VokGUI::onScrollWave_V()
 {
     const int v = m_waveVBar->value();
     m_waveList->verticalScrollBar()->setValue(v);
-    m_waveView->firstVisibleRow = v;
+    m_viewport.firstRow = v;
     m_waveView->update();
 }
 
@@ -207,7 +179,7 @@ void VokGUI::doListVScrollChanged(int v)
     if (m_waveVBar->value() == v)
         return;
     m_waveVBar->setValue(v);
-    m_waveView->firstVisibleRow = v;
+    m_viewport.firstRow = v;
     m_waveView->update();
 }
 
@@ -221,19 +193,19 @@ void VokGUI::changeRange(double a, double b)
 {
     if (a == -1.0)
         Q_EMIT editdataChanged(false);
-    m_waveView->selectionStart = a;
-    m_waveView->selectionEnd = b;
+    m_sel.rangeStart = a;
+    m_sel.rangeEnd = b;
     m_waveView->update();
 }
 
 quint64 VokGUI::getRangeStart() const
 {
-    return static_cast<quint64>(m_waveView->selectionStart);
+    return static_cast<quint64>(m_sel.rangeStart);
 }
 
 quint64 VokGUI::getRangeEnd() const
 {
-    return static_cast<quint64>(m_waveView->selectionEnd);
+    return static_cast<quint64>(m_sel.rangeEnd);
 }
 
 void VokGUI::setRulerStartX(int x)
@@ -244,23 +216,20 @@ void VokGUI::setRulerStartX(int x)
 
 void VokGUI::placeMarker()
 {
-    m_waveView->markerTime = m_waveView->cursorTime;
-    m_waveView->update();
+    m_waveView->setMarkerTime(m_waveView->cursorTime());
     Q_EMIT markChanged(true);
 }
 
 void VokGUI::hideMarker()
 {
-    if (m_waveView->markerTime != NoTime) {
-        m_waveView->markerTime = NoTime;
-        m_waveView->update();
-    }
+    if (isMarked())
+        m_waveView->setMarkerTime(NoTime);
     Q_EMIT markChanged(false);
 }
 
 bool VokGUI::isMarked() const
 {
-    return m_waveView->markerTime != NoTime;
+    return m_waveView->markerTime() != NoTime;
 }
 
 void VokGUI::jumpTo(quint64 t)
@@ -271,13 +240,13 @@ void VokGUI::jumpTo(quint64 t)
 
 void VokGUI::JumptoNext()
 {
-    if (m_activeWave)
-        jumpTo(m_activeWave->getNextChange(m_waveView->cursorTime));
+    if (WaveData* wave = activeWave())
+        jumpTo(wave->getNextChange(m_waveView->cursorTime()));
 }
 
 void VokGUI::JumptoMarker()
 {
-    jumpTo(m_waveView->markerTime);
+    jumpTo(m_waveView->markerTime());
 }
 
 void VokGUI::JumptoZero()
@@ -287,32 +256,36 @@ void VokGUI::JumptoZero()
 
 void VokGUI::JumptoEnd()
 {
-    if (m_activeWave)
-        jumpTo(m_activeWave->getEndTime());
+    if (WaveData* wave = activeWave())
+        jumpTo(wave->getEndTime());
 }
 
 void VokGUI::JumptoLeft()
 {
-    const quint64 c = m_waveView->cursorTime;
-    jumpTo(c > m_step ? c - m_step : 0);
+    const quint64 c = m_waveView->cursorTime();
+    const quint64 step = m_viewport.step;
+    jumpTo(c > step ? c - step : 0);
 }
 
 void VokGUI::JumptoRight()
 {
-    const quint64 c = m_waveView->cursorTime;
-    jumpTo(c == NoTime ? m_step : c + m_step);
+    const quint64 c = m_waveView->cursorTime();
+    const quint64 step = m_viewport.step;
+    jumpTo(c == NoTime ? step : c + step);
 }
 
 void VokGUI::JumptoLeft10()
 {
-    const quint64 c = m_waveView->cursorTime;
-    jumpTo(c > 10 * m_step ? c - 10 * m_step : 0);
+    const quint64 c = m_waveView->cursorTime();
+    const quint64 ten = 10 * m_viewport.step;
+    jumpTo(c > ten ? c - ten : 0);
 }
 
 void VokGUI::JumptoRight10()
 {
-    const quint64 c = m_waveView->cursorTime;
-    jumpTo(c == NoTime ? 10 * m_step : c + 10 * m_step);
+    const quint64 c = m_waveView->cursorTime();
+    const quint64 ten = 10 * m_viewport.step;
+    jumpTo(c == NoTime ? ten : c + ten);
 }
 
 void VokGUI::JumptoTime()

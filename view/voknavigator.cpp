@@ -41,7 +41,7 @@ void VokNavigator::updateView(QObject*, Navigating kind, QRectF area)
             if (origin > x)
                 return start;
             const qint32 pixels = static_cast<qint32>(std::trunc(x)) - origin;
-            return start + quint64(pixels / 20) * step;
+            return start + quint64(pixels / Viewport::PixelsPerStep) * step;
         };
         owner_->zoomRange(timeAt(area.x()), timeAt(area.x() + area.width()));
     } else if (kind == ZoomOut) {
@@ -49,7 +49,7 @@ void VokNavigator::updateView(QObject*, Navigating kind, QRectF area)
         // Without a width, or without a time area, there is no span to show.
         if (area.width() <= 0 || w <= 0)
             return;
-        const double span = w * w / area.width() / 20 * double(step);
+        const double span = w * w / area.width() / Viewport::PixelsPerStep * double(step);
         const quint64 wide = span >= double(std::numeric_limits<quint64>::max())
             ? std::numeric_limits<quint64>::max() : static_cast<quint64>(span);
         const quint64 a = start > wide / 2 ? start - wide / 2 : 0;

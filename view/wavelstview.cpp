@@ -3,6 +3,8 @@
 #include "undocommands.h"
 #include "vokgui.h"
 #include "wavedata.h"
+#include "wavekind.h"
+#include "waveformdata.h"
 
 #include <QDrag>
 #include <QDragEnterEvent>
@@ -39,13 +41,26 @@ WaveLstView::WaveLstView(VokGUI* owner, QWidget* parent)
         p.setBrush(group, QPalette::Highlight, owner->color_h);
     }
     setPalette(p);
+    // Rebuilding the rows changes the current row without telling
+    // currentChanged.
+    connect(model_, &QStandardItemModel::modelReset, this, &WaveLstView::dropActiveWaveWithoutCurrentRow);
+}
+
+void WaveLstView::dropActiveWaveWithoutCurrentRow()
+{
+    if (!currentIndex().isValid() && owner_->activeWave()) {
+        owner_->setActiveWave(nullptr);
+        owner_->selection().clear();
+        owner_->onEditDataChanged();
+    }
 }
 
 QString WaveLstView::waveTitle(const WaveData* wave)
 {
+    // Indexed by the signal kinds, Input to Global.
     static const char* const kinds[] = {" I", " O", " B", " T", " G"};
     QString title = wave->name;
-    if (wave->polarity >= 0 && wave->polarity <= 4)
+    if (WaveKind::isSignal(wave->polarity))
         title += QLatin1String(kinds[wave->polarity]);
     if (wave->isBus)
         title.prepend(wave->expandFlag ? QStringLiteral("(-) ") : QStringLiteral("(+) "));
@@ -58,7 +73,7 @@ QStandardItem* WaveLstView::elementItem(const QString& element) const
     small.setPointSize(8);
     auto* row = new WaveItem(element, nullptr);
     row->setFont(small);
-    row->setSizeHint(QSize(row->sizeHint().width(), 40));
+    row->setSizeHint(QSize(row->sizeHint().width(), Viewport::RowHeight));
     row->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     return row;
 }
@@ -67,7 +82,7 @@ QList<QStandardItem*> WaveLstView::rowsFor(WaveData* wave) const
 {
     QList<QStandardItem*> rows;
     auto* item = new WaveItem(waveTitle(wave), wave);
-    item->setSizeHint(QSize(item->sizeHint().width(), 40));
+    item->setSizeHint(QSize(item->sizeHint().width(), Viewport::RowHeight));
     item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     rows.append(item);
     if (wave->isBus && wave->expandFlag) {
@@ -108,11 +123,19 @@ void WaveLstView::removeWave(WaveData* wave)
         removeWave(row);
 }
 
-void WaveLstView::moveWave(WaveData* wave, int from, int to)
+void WaveLstView::moveWave(WaveData* wave, int /*from*/, int /*to*/)
 {
-    Q_UNUSED(from);
-    removeWave(wave);
-    insertWave(wave, qBound(0, to, model_->rowCount()));
+    // The caller moved the wave in the document already; its rows follow.
+    const bool wasCurrent = waveOf(currentIndex()) == wave;
+    {
+        // Taking the current row out would make a neighbour the active wave.
+        const QSignalBlocker quiet(selectionModel());
+        removeWave(wave);
+        insertWave(wave, rowForPlaceOf(wave));
+    }
+    if (wasCurrent)
+        selectionModel()->setCurrentIndex(model_->index(rowOf(wave), 0), QItemSelectionModel::ClearAndSelect);
+    viewport()->update();
 }
 
 void WaveLstView::updateWaveTitle(WaveData* wave)
@@ -134,6 +157,17 @@ int WaveLstView::rowOf(const WaveData* wave) const
             return row;
     }
     return -1;
+}
+
+int WaveLstView::rowForPlaceOf(const WaveData* wave) const
+{
+    const QList<WaveData*>& waves = owner_->document()->waves;
+    for (qsizetype i = waves.indexOf(wave) + 1; i > 0 && i < waves.size(); ++i) {
+        const int row = rowOf(waves.at(i));
+        if (row >= 0)
+            return row;
+    }
+    return model_->rowCount();
 }
 
 WaveData* WaveLstView::waveAt(int row) const
@@ -242,7 +276,9 @@ void WaveLstView::dragMoveEvent(QDragMoveEvent* event)
         // the row itself when it is pushed.
         owner_->undoStack()->push(new moveWaveCommand(dragged, current.row(), targetRow, owner_));
         lastTargetRow = targetRow;
-        selectionModel()->setCurrentIndex(model_->index(targetRow, 0), QItemSelectionModel::ClearAndSelect);
+        const QModelIndex moved = model_->index(rowOf(dragged), 0);
+        if (moved != currentIndex())
+            selectionModel()->setCurrentIndex(moved, QItemSelectionModel::ClearAndSelect);
     }
     event->acceptProposedAction();
 }

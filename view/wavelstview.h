@@ -40,6 +40,9 @@ public:
     void updateWaveTitle(WaveData* wave);
     void clearWaves();
     int rowOf(const WaveData* wave) const;
+    // The row at which the wave's rows belong: before the rows of the next
+    // shown wave of the document.
+    int rowForPlaceOf(const WaveData* wave) const;
     WaveData* waveAt(int row) const;
     QStandardItemModel* itemModel() const { return model_; }
 
@@ -64,6 +67,8 @@ private:
     QList<QStandardItem*> rowsFor(WaveData* wave) const;
     QStandardItem* elementItem(const QString& element) const;
     WaveData* waveOf(const QModelIndex& index) const;
+    // A rebuilt list has no current row: nor has the tool an active wave.
+    void dropActiveWaveWithoutCurrentRow();
 
     QStandardItemModel* model_;
     VokGUI* owner_;

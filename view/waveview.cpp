@@ -4,6 +4,7 @@
 #include "waveview.h"
 
 #include "biginteger.h"
+#include "selection.h"
 #include "vokgui.h"
 #include "waveformdata.h"
 #include "waveview_batch.h"
@@ -48,10 +49,20 @@ WaveView::WaveView(VokGUI* owner, QWidget* parent) : QWidget(parent), owner_(own
     installEventFilter(this);
 }
 
-bool WaveView::collectsFrom(const WaveData* wave) const
+Selection& WaveView::sel() const
 {
-    return collectSelection && !selectionIsRange && !highlightOff && wave->selected && owner_->mode() == 4
-        && selectionStart != 0 && selectionEnd != 0 && rowIndex >= firstVisibleRow;
+    return owner_->selectionState();
+}
+
+const Viewport& WaveView::view() const
+{
+    return owner_->viewport();
+}
+
+void WaveView::setMarkerTime(quint64 t)
+{
+    markerTime_ = t;
+    update();
 }
 
 void WaveView::paintEvent(QPaintEvent* /*event*/)
@@ -63,12 +74,12 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
     font.setWeight(QFont::Bold);
     painter.setFont(font);
     fontSize = 8;
-    startTime = owner_->startTime();
-    step = qMax<quint64>(1, owner_->step());
+    vp_ = view();
+    const quint64 startTime = vp_.startTime;
+    const int firstVisibleRow = vp_.firstRow;
     hiddenCount = 0;
     rowIndex = 0;
     bitRowsAbove = 0;
-    rowHeight = RowHeight;
     previousValue.assign(1, static_cast<char>(0xff));
     primitives_ = 0;
 
@@ -80,7 +91,6 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
     const int viewWidth = width();
     const int viewHeight = height();
     const float rightEdge = static_cast<float>(viewWidth + 1);
-    bool belowView = false;
     for (WaveData* wave : std::as_const(owner_->document()->waves)) {
         if (!wave->visible) {
             ++hiddenCount;
@@ -92,26 +102,20 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
             rowIndex += rows;
             continue;
         }
-        rowTop = (rowIndex - firstVisibleRow) * rowHeight;
-        belowView = belowView || rowTop >= viewHeight;
-        // Below the bottom edge nothing shows; only a selection being
-        // collected still needs the wave's patterns walked.
-        if (belowView && !collectsFrom(wave)) {
-            rowIndex += rows;
-            continue;
-        }
-        paintRows_ = !belowView;
-        highY = rowTop + 10;
-        lowY = rowTop + 40;
-        midY = rowTop + 25;
+        rowTop = vp_.rowTop(rowIndex);
+        // Below the bottom edge nothing shows.
+        if (rowTop >= viewHeight)
+            break;
+        highY = rowTop + Viewport::HighLevel;
+        lowY = rowTop + Viewport::LowLevel;
+        midY = rowTop + Viewport::MidLevel;
         xCursor = 0;
         timeSum = 0;
         rangeDrawn_ = false;
 
         if (wave->offset > startTime) {
-            const float w = static_cast<float>(wave->offset - startTime) / static_cast<float>(step) * 20.0f;
-            if (paintRows_)
-                drawLeadingOffset(wave, w);
+            const float w = vp_.xOf(wave->offset);
+            drawLeadingOffset(wave, w);
             xCursor += w;
             previousValue = "0";
         }
@@ -152,35 +156,29 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
         }
         batch.flushAll();
 
-        if (paintRows_ && owner_->showGuideline())
+        if (owner_->showGuideline())
             batch.styledLine(RowLayer, QPen(Qt::black, 1, Qt::DotLine), 0, lowY + 8, viewWidth, lowY + 8);
         if (bitRows > 0 && rowIndex + 1 < firstVisibleRow)
             bitRowsAbove += firstVisibleRow - rowIndex - 1;
         rowIndex += rows;
     }
-    paintRows_ = true;
 
-    const float stepF = static_cast<float>(step);
-    if (startTime < markerTime) {
-        const float x = static_cast<float>(markerTime - startTime) / stepF * 20.0f;
+    if (startTime < markerTime_) {
+        const float x = vp_.xOf(markerTime_);
         if (x <= rightEdge)
             batch.line(RowLayer, Qt::red, 1, px(x), 0, px(x), viewHeight);
     }
     const int mode = owner_->mode();
-    if (startTime < cursorTime && (mode == 3 || mode == 4)) {
-        const float x = static_cast<float>(cursorTime - startTime) / stepF * 20.0f;
+    if (startTime < cursorTime_ && (mode == VokGUI::ModeQuery || mode == VokGUI::ModeEdit)) {
+        const float x = vp_.xOf(cursorTime_);
         if (x <= rightEdge)
             batch.line(RowLayer, Qt::black, 1, px(x), 0, px(x), viewHeight);
     }
     batch.rect(RowLayer, QPen(palette().dark().color()), Qt::NoBrush, QRect(0, 0, viewWidth - 1, viewHeight - 1));
     batch.flushAll();
     batch_ = nullptr;
-
-    if (collectSelection && snappedStart != snappedEnd) {
-        selectionStart = snappedStart;
-        selectionEnd = snappedEnd;
-    }
 }
+
 void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from, int to)
 {
     // Called on its own, outside a paint, the wave still goes through a batch.
@@ -191,8 +189,9 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
     }
     Batch& batch = *batch_;
 
+    const quint64 startTime = vp_.startTime;
+    const int firstVisibleRow = vp_.firstRow;
     const float startF = static_cast<float>(startTime);
-    const float stepF = static_cast<float>(step);
     const float rightEdge = static_cast<float>(width() + 1);
     const int viewHeight = height();
     const bool bus = wave->isBus;
@@ -200,12 +199,11 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
     const int firstBitRow = qMax(0, firstVisibleRow - rowIndex - 1);
     const bool busRowShown = rowIndex >= firstVisibleRow;
 
-    const bool selecting =
-        owner_->mode() == 4 && wave->selected && selectionStart != 0 && selectionEnd != 0;
-    const double lo = qMin(selectionStart, selectionEnd);
-    const double hi = qMax(selectionStart, selectionEnd);
-    const bool perPattern = selecting && !selectionIsRange && !highlightOff && rowIndex >= firstVisibleRow;
-    QList<Pattern*>& selected = owner_->selection();
+    const Selection& selection = sel();
+    const bool selecting = selection.isEditing() && wave->selected && selection.hasRange();
+    const double lo = selection.lo();
+    const double hi = selection.hi();
+    const bool perPattern = selecting && !selection.isRange && !selection.highlightOff && busRowShown;
 
     // The value drawn last; a pattern's own text while the walk goes on.
     const std::string* prev = &previousValue;
@@ -229,13 +227,13 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
             continue;
 
         const float x = xCursor;
-        const float w = (x == 0.0f ? timeCursor - startF : static_cast<float>(d)) / stepF * 20.0f;
+        const float w = vp_.widthOf(x == 0.0f ? timeCursor - startF : static_cast<float>(d));
         const std::string& value = p->value;
         const Kind kind = kindOf(value);
-        const bool picked = !clone && (p == selectedPattern || p == selectedPattern2);
+        const bool picked = !clone && (p == selection.picked || p == selection.picked2);
         const float left = qMin(x, x + w);
         // Letters reach up to half a font size left of their pattern.
-        if (paintRows_ && left - static_cast<float>(fontSize) <= rightEdge) {
+        if (left - static_cast<float>(fontSize) <= rightEdge) {
             const bool shapes = left <= rightEdge;
             const bool dontCare = kind == Kind::DontCare;
             const bool highZ = kind == Kind::HighZ;
@@ -263,7 +261,8 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
                     drawSpecialBox(RowLayer, dontCare, picked, shapes, x, w, highY, lowY);
                 } else if (shapes) {
                     const QColor& color = owner_->color_bus;
-                    drawBusShape(RowLayer, color, picked, x, w, w < 20.0f || picked, timeCursor - static_cast<float>(d) < startF);
+                    const bool narrow = w < Viewport::PixelsPerStepF || picked;
+                    drawBusShape(RowLayer, color, picked, x, w, narrow, timeCursor - static_cast<float>(d) < startF);
                     // No text of one or more characters fits a pattern of a
                     // font size or less, so its text is not even made.
                     if (w > static_cast<float>(fontSize)) {
@@ -288,11 +287,11 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
                     }
                 }
                 for (int j = firstBitRow; j < bitRows; ++j) {
-                    const int top = (rowIndex + j + 1 - firstVisibleRow) * rowHeight;
+                    const int top = vp_.rowTop(rowIndex + j + 1);
                     if (top >= viewHeight)
                         break;
-                    const int high = top + 10;
-                    const int low = top + 40;
+                    const int high = top + Viewport::HighLevel;
+                    const int low = top + Viewport::LowLevel;
                     if (dontCare || highZ) {
                         drawSpecialBox(bitLayer(j), dontCare, picked, shapes, x, w, high, low);
                         continue;
@@ -314,11 +313,11 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
         }
 
         if (selecting) {
-            if (selectionIsRange) {
+            if (selection.isRange) {
                 // Every pattern of the row marks the same range: once is enough.
-                if (paintRows_ && !rangeDrawn_) {
-                    const float a = static_cast<float>(lo - static_cast<double>(startTime)) / stepF * 20.0f;
-                    const float b = static_cast<float>(hi - static_cast<double>(startTime)) / stepF * 20.0f;
+                if (!rangeDrawn_) {
+                    const float a = vp_.xOfExact(lo);
+                    const float b = vp_.xOfExact(hi);
                     batch.line(SelectionLayer, Qt::black, 2, px(a), highY - 5, px(b), highY - 5);
                     batch.line(SelectionLayer, Qt::black, 2, px(a), lowY + 5, px(b), lowY + 5);
                     rangeDrawn_ = true;
@@ -326,20 +325,9 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
             } else if (perPattern) {
                 const double end = static_cast<double>(exactTime_);
                 const double start = end - static_cast<double>(d);
-                const bool overlaps = lo == hi ? start <= lo && end >= lo
-                                               : (start >= lo && start <= hi) || (end >= lo && end <= hi)
-                                                     || (start <= lo && end >= hi);
-                if (overlaps) {
-                    if (paintRows_ && left <= rightEdge) {
-                        batch.line(SelectionLayer, Qt::black, 2, px(x), highY - 5, px(x + w), highY - 5);
-                        batch.line(SelectionLayer, Qt::black, 2, px(x), lowY + 5, px(x + w), lowY + 5);
-                    }
-                    if (collectSelection) {
-                        if (selected.isEmpty())
-                            snappedStart = start + 0.5;
-                        selected.append(p);
-                        snappedEnd = end - 0.5;
-                    }
+                if (left <= rightEdge && touchesRange(start, end, lo, hi)) {
+                    batch.line(SelectionLayer, Qt::black, 2, px(x), highY - 5, px(x + w), highY - 5);
+                    batch.line(SelectionLayer, Qt::black, 2, px(x), lowY + 5, px(x + w), lowY + 5);
                 }
             }
         }

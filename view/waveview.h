@@ -1,5 +1,7 @@
 #pragma once
 
+#include "viewport.h"
+
 #include <QList>
 #include <QPoint>
 #include <QWidget>
@@ -11,18 +13,20 @@ class QPainter;
 namespace kesu::toolvok {
 
 class Pattern;
+class Selection;
 class VokGUI;
 class WaveData;
 
 // The drawing area: every visible wave as rows on the time axis, with the
-// selection, the marker and the cursor. Reads the document and the view
-// state from its owner and keeps only drawing and selection state.
+// selection, the marker and the cursor. Reads the document, the viewport and
+// the selection from its owner and keeps only the cursor, the marker and
+// what a paint or a gesture needs.
 class WaveView : public QWidget
 {
     Q_OBJECT
 public:
-    static constexpr int RowHeight = 40;
-    static constexpr int PixelsPerStep = 20;
+    static constexpr int RowHeight = Viewport::RowHeight;
+    static constexpr int PixelsPerStep = Viewport::PixelsPerStep;
 
     WaveView(VokGUI* owner, QWidget* parent);
     ~WaveView() override;
@@ -37,33 +41,11 @@ public:
     void drawWave(bool clone, QPainter& painter, WaveData* wave, int from, int to);
     static void drawCloneBlock(QPainter& painter, int x, int y, int width, int height);
 
-    // State read and written by the interaction, navigation and edit code.
-    int firstVisibleRow = 0;
-    quint64 markerTime = 0;
-    quint64 cursorTime = 0;
-    double selectionStart = 0;
-    double selectionEnd = 0;
-    double snappedStart = 0;
-    double snappedEnd = 0;
-    bool selectionIsRange = false;
-    bool highlightOff = false;
-    bool collectSelection = false;
-    Pattern* selectedPattern = nullptr;
-    Pattern* selectedPattern2 = nullptr;
-    QList<Pattern*> pendingPatterns;
-    QList<Pattern*> draggedPatterns;
-    QList<WaveData*> pendingWaves;
-
-    // Mouse interaction state (waveview_mouse.cpp).
-    int mouseX = 0;
-    bool patternCreated = false;
-    bool edgeMoved = false;
-    bool dragLeftEdge = false;
-    int pressX = 0;
-    bool stretchDrag = false;
-    QList<qint32> oldDurations;
-    QList<qint32> newDurations;
-    QPoint releasePoint;
+    // The second vertical line, set by clicks and jumps.
+    quint64 cursorTime() const { return cursorTime_; }
+    // The marker line; NoTime hides it.
+    quint64 markerTime() const { return markerTime_; }
+    void setMarkerTime(quint64 t);
 
     // Whether a press started an edge drag that its release has not ended.
     bool isDraggingEdge() const;
@@ -76,7 +58,7 @@ public:
     void cancelEdgeDrag();
     // The copy of the wave taken when the edge drag under way began (the
     // state its undo returns to); null between drags.
-    static const WaveData* dragOrigin();
+    const WaveData* dragOrigin() const;
 
     // How many primitives the last paint drew; lets tests and the benchmark
     // check that painting costs what is visible, not what exists.
@@ -91,33 +73,37 @@ protected:
 
 private:
     VokGUI* owner_;
+    Selection& sel() const;
+    const Viewport& view() const;
+
+    quint64 cursorTime_ = 0;
+    quint64 markerTime_ = 0;
+    // The last x seen by a mouse move.
+    int mouseX_ = 0;
+    // The cursor time of the press that began the current gesture.
+    quint64 pressTime_ = 0;
+    QPoint releasePoint_;
 
     // Mouse interaction helpers (waveview_mouse.cpp, waveview_interaction.cpp).
-    double exactTimeAt(int x) const;
-    quint64 snappedTimeAt(int x) const;
     WaveData* waveAtY(int y) const;
     bool startEdgeDrag(int x);
     void dragEdge(int x);
-    void forgetEdgeDrag();
-    // Repaints at once with collectSelection set, so that the paint gathers
-    // the patterns under the selection into the owner's list.
-    void collectNow();
-    // The cursor time of the press that began the current gesture.
-    quint64 pressTime_ = 0;
+    // Gathers the segments under the selected range into the selection and
+    // snaps the range to their edges.
+    void collectSelection();
 
-    // Per-paint state, set afresh at the start of every paint.
+    // Per-paint state, set afresh at the start of every paint; vp_ is the
+    // owner's viewport as it was when the paint began.
+    Viewport vp_;
     int fontSize = 8;
     std::string previousValue;
-    quint64 startTime = 0;
-    quint64 step = 1;
     int hiddenCount = 0;
     int rowIndex = 0;
     int bitRowsAbove = 0;
-    int rowHeight = RowHeight;
     int rowTop = 0;
     float timeCursor = 0;
     float xCursor = 0;
-    int levelY = 10;
+    int levelY = Viewport::HighLevel;
     int highY = 0;
     int lowY = 0;
     int midY = 0;
@@ -128,15 +114,11 @@ private:
     // one painter call instead of thousands; defined in waveview.cpp.
     class Batch;
     Batch* batch_ = nullptr;
-    // False while a row below the bottom edge is only walked to collect the
-    // selection.
-    bool paintRows_ = true;
     // The row's time in whole ticks alongside the single-precision
     // timeCursor, for the selection's edges.
     quint64 exactTime_ = 0;
     bool rangeDrawn_ = false;
 
-    bool collectsFrom(const WaveData* wave) const;
     void drawLeadingOffset(const WaveData* wave, float w);
     void drawBusShape(int layer, const QColor& color, bool dotted, float x, float w, bool narrow, bool startedLeft);
     void drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high, int low);

@@ -1,30 +1,25 @@
 // The wave view's cursor, jumps and the selection that follows the document:
-// the time of a pixel, the wave of a row, and gathering the selected patterns.
+// the wave of a row, and gathering the selected patterns.
 #include "waveview.h"
 
+#include "selection.h"
 #include "vokgui.h"
 #include "wavedata.h"
 #include "waveformdata.h"
 
-#include <QImage>
-
 namespace kesu::toolvok {
 
-double WaveView::exactTimeAt(int x) const
+namespace {
+// The rows a shown wave takes: one, and one per bit of an expanded bus.
+int rowsOf(const WaveData* wave)
 {
-    return static_cast<double>(x) / PixelsPerStep * static_cast<double>(qMax<quint64>(1, owner_->step()))
-        + static_cast<double>(owner_->startTime());
+    return 1 + (wave->isBus && wave->expandFlag ? qMax(0, wave->busWidth) : 0);
 }
-
-quint64 WaveView::snappedTimeAt(int x) const
-{
-    // Left of the wave area is still the start of the view.
-    return quint64(qMax(0, x) / PixelsPerStep) * qMax<quint64>(1, owner_->step()) + owner_->startTime();
-}
+} // namespace
 
 WaveData* WaveView::waveAtY(int y) const
 {
-    const int row = y / RowHeight + firstVisibleRow;
+    const int row = view().rowAt(y);
     int first = 0;
     for (WaveData* wave : std::as_const(owner_->document()->waves)) {
         // A hidden wave has no row, as in the picture and the name list.
@@ -32,24 +27,36 @@ WaveData* WaveView::waveAtY(int y) const
             continue;
         if (first == row)
             return wave;
-        first += 1 + (wave->isBus && wave->expandFlag ? qMax(0, wave->busWidth) : 0);
+        first += rowsOf(wave);
         if (first > row)
             return nullptr;   // a bit row of an expanded bus
     }
     return nullptr;
 }
 
-void WaveView::collectNow()
+void WaveView::collectSelection()
 {
-    owner_->selection().clear();
-    collectSelection = true;
-    // The patterns are gathered by a paint that must happen now, whether or
-    // not the window can show one at this moment: paint into a scratch pixel
-    // (everything is clipped away, the walk over the waves is the same), and
-    // let the screen catch up with an ordinary update.
-    QImage scratch(1, 1, QImage::Format_RGB32);
-    render(&scratch, QPoint(), QRegion(0, 0, 1, 1));
-    collectSelection = false;
+    Selection& s = sel();
+    SegmentPick all;
+    if (s.isEditing() && !s.isRange && !s.highlightOff && s.hasRange()) {
+        int row = 0;
+        for (const WaveData* wave : std::as_const(owner_->document()->waves)) {
+            if (!wave->visible)
+                continue;
+            // A wave scrolled out above the view is not picked from.
+            if (wave->selected && row >= view().firstRow) {
+                const SegmentPick pick = pickSegments(*wave, s.rangeStart, s.rangeEnd);
+                if (!pick.segments.isEmpty()) {
+                    if (all.segments.isEmpty())
+                        all.snappedStart = pick.snappedStart;
+                    all.snappedEnd = pick.snappedEnd;
+                    all.segments += pick.segments;
+                }
+            }
+            row += rowsOf(wave);
+        }
+    }
+    s.adopt(all);
     update();
 }
 
@@ -59,49 +66,47 @@ void WaveView::Jumpto(quint64 t)
     if (!wave)
         return;
     t = qMin(t, wave->getEndTime());
-    cursorTime = t;
-    const quint64 step = owner_->step();
-    const quint64 span = quint64(width() / PixelsPerStep) * step;
-    const quint64 start = owner_->startTime();
-    if (t > start + span || t < start) {
+    cursorTime_ = t;
+    const Viewport& vp = view();
+    const quint64 span = vp.span(width());
+    if (t > vp.startTime + span || t < vp.startTime) {
         const quint64 half = span / 2;
-        owner_->setStartTime(t > half ? (t - half) / step * step : 0);
+        owner_->setStartTime(t > half ? (t - half) / vp.step * vp.step : 0);
     }
 }
 
 void WaveView::reselect()
 {
-    const int x = releasePoint.x();
-    const int y = releasePoint.y();
-    cursorTime = snappedTimeAt(x);
+    const int x = releasePoint_.x();
+    const int y = releasePoint_.y();
+    const Viewport& vp = view();
+    Selection& s = sel();
+    cursorTime_ = vp.snappedTimeAt(x);
     // The row is an index into the document's waves as they stand, without
     // the press's counting of hidden waves and bit rows.
-    const int row = y / RowHeight + firstVisibleRow;
+    const int row = vp.rowAt(y);
     const QList<WaveData*>& waves = owner_->document()->waves;
-    const QList<Pattern*>& selected = owner_->selection();
-    const double lo = qMin(selectionStart, selectionEnd);
-    const double hi = qMax(selectionStart, selectionEnd);
-    const double t = static_cast<double>(cursorTime);
+    const double t = static_cast<double>(cursorTime_);
     if (row >= 0 && row < waves.size() && !waves.at(row)->selected) {
         waves.at(row)->selected = true;
         owner_->selectWave(y);
-        selectionIsRange = true;
-        selectionStart = selectionEnd = exactTimeAt(x);
-    } else if (selected.size() == 1 && t >= lo && t <= hi) {
+        s.isRange = true;
+        s.rangeStart = s.rangeEnd = vp.exactTimeAt(x);
+    } else if (s.segments.size() == 1 && t >= s.lo() && t <= s.hi()) {
         // Still inside the one selected pattern: the selection stands.
-        if (t >= selectionStart + selected.first()->duration)
+        if (t >= s.rangeStart + s.segments.first()->duration)
             return;
-        selectionEnd = exactTimeAt(x);
+        s.rangeEnd = vp.exactTimeAt(x);
     } else {
         owner_->selectWave(y);
-        selectionStart = selectionEnd = exactTimeAt(x);
+        s.rangeStart = s.rangeEnd = vp.exactTimeAt(x);
     }
-    if (highlightOff) {
-        highlightOff = false;
-        selectedPattern = selectedPattern2 = nullptr;
+    if (s.highlightOff) {
+        s.highlightOff = false;
+        s.picked = s.picked2 = nullptr;
         owner_->SetDirtyBit();
     }
-    collectNow();
+    collectSelection();
     owner_->LoadEditData();
     update();
     owner_->onEditDataChanged();

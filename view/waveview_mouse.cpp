@@ -1,13 +1,13 @@
 // The wave view's mouse handlers: picking a wave and a time range, dragging a
 // pattern edge, and the cursor time that the ruler shows.
 //
-// An edge drag changes the live wave at every mouse move, so that the picture
-// follows the mouse, and becomes one undo step only at the release: the copy
-// of the wave taken at the press is the command's "before" state.
+// The drag's state lives in the tool window's Selection, which keyboard edits
+// and undo consult too.
 #include "waveview.h"
 
 #include "biginteger.h"
 #include "rulerview.h"
+#include "selection.h"
 #include "undocommands.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -23,20 +23,6 @@
 namespace kesu::toolvok {
 
 namespace {
-
-// The active wave as it was when the edge drag under way began; null outside
-// a drag. One mouse is dragged at a time, so the whole module shares it.
-WaveData* oldwave = nullptr;
-// The view whose drag the copy belongs to, so that a view going away frees
-// only its own.
-const WaveView* oldwaveOwner = nullptr;
-
-void dropOldwave()
-{
-    delete oldwave;
-    oldwave = nullptr;
-    oldwaveOwner = nullptr;
-}
 
 // Which repetition of the forever tail a time falls in; the head before the
 // tail goes with the tail's first showing, which is the real patterns too.
@@ -75,40 +61,37 @@ std::string valueBelow(const std::string& v, int width)
 
 } // namespace
 
-WaveView::~WaveView()
-{
-    if (oldwaveOwner == this)
-        dropOldwave();
-}
+WaveView::~WaveView() = default;
 
-const WaveData* WaveView::dragOrigin()
+const WaveData* WaveView::dragOrigin() const
 {
-    return oldwave;
+    return sel().drag.origin.get();
 }
 
 bool WaveView::isDraggingEdge() const
 {
-    return oldwave && oldwaveOwner == this;
+    return sel().drag.active();
 }
 
 bool WaveView::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == this && event->type() == QEvent::MouseButtonPress) {
+        Selection& s = sel();
         const auto* mouse = static_cast<const QMouseEvent*>(event);
         if (mouse->modifiers() == Qt::ShiftModifier) {
             if (!isDraggingEdge()) {
-                const WaveData* wave = owner_->activeWave();
+                const WaveData* wave = s.activeWave;
                 // Right of the wave's end there is no pattern to stretch.
-                if (wave && selectionStart >= static_cast<double>(wave->getEndTime())) {
-                    stretchDrag = false;
-                    highlightOff = false;
-                    selectionIsRange = false;
+                if (wave && s.rangeStart >= static_cast<double>(wave->getEndTime())) {
+                    s.drag.stretch = false;
+                    s.highlightOff = false;
+                    s.isRange = false;
                 } else {
-                    stretchDrag = true;
+                    s.drag.stretch = true;
                 }
             }
         } else {
-            stretchDrag = false;
+            s.drag.stretch = false;
         }
     }
     return QWidget::eventFilter(watched, event);
@@ -130,23 +113,22 @@ void WaveView::mousePressEvent(QMouseEvent* event)
 
     const int x = event->position().toPoint().x();
     const int y = event->position().toPoint().y();
-    WaveformData* doc = owner_->document();
-    for (WaveData* wave : std::as_const(doc->waves))
+    const Viewport& vp = view();
+    Selection& s = sel();
+    for (WaveData* wave : std::as_const(owner_->document()->waves))
         wave->selected = false;
-    snappedStart = snappedEnd = 0;
-    const quint64 step = qMax<quint64>(1, owner_->step());
-    cursorTime = static_cast<quint64>(qMax(0, x)) * step / PixelsPerStep + owner_->startTime();
-    pressTime_ = cursorTime;
+    cursorTime_ = vp.pressTimeAt(x);
+    pressTime_ = cursorTime_;
 
     RulerView* ruler = owner_->rulerView();
     auto markRuler = [&]() {
         ruler->rangeActive = true;
-        ruler->rangeStart = ruler->rangeEnd = snappedTimeAt(x);
+        ruler->rangeStart = ruler->rangeEnd = vp.snappedTimeAt(x);
         ruler->update();
     };
 
     if (mode == VokGUI::ModeEdit) {
-        if (!owner_->activeWave())
+        if (!s.activeWave)
             owner_->selectWave(y);
         bool range = true;
         WaveData* hit = waveAtY(y);
@@ -157,8 +139,8 @@ void WaveView::mousePressEvent(QMouseEvent* event)
         if (range) {
             // Picking the row may reset the selection times: set them after.
             owner_->selectWave(y);
-            selectionIsRange = true;
-            selectionStart = selectionEnd = exactTimeAt(x);
+            s.isRange = true;
+            s.rangeStart = s.rangeEnd = vp.exactTimeAt(x);
             markRuler();
         }
     } else {
@@ -172,29 +154,29 @@ void WaveView::mousePressEvent(QMouseEvent* event)
 
 bool WaveView::startEdgeDrag(int x)
 {
-    WaveData* wave = owner_->activeWave();
-    const QList<Pattern*>& selected = owner_->selection();
-    if (!wave || selected.size() != 1)
+    Selection& s = sel();
+    WaveData* wave = s.activeWave;
+    if (!wave || s.segments.size() != 1)
         return false;
-    const double lo = qMin(selectionStart, selectionEnd);
-    const double hi = qMax(selectionStart, selectionEnd);
-    const double t = static_cast<double>(cursorTime);
-    if (t < lo || t > hi || !(lo < static_cast<double>(wave->getEndTime())))
+    const double lo = s.lo();
+    const double t = static_cast<double>(cursorTime_);
+    if (t < lo || t > s.hi() || !(lo < static_cast<double>(wave->getEndTime())))
         return false;
-    Pattern* p = selected.first();
+    Pattern* p = s.segments.first();
     const qsizetype k = wave->patterns.indexOf(p);
     if (k < 0)
         return false;
 
+    EdgeDrag& drag = s.drag;
     WaveData* before = nullptr;
     Pattern* left = nullptr;
     Pattern* right = nullptr;
-    patternCreated = false;
-    if (stretchDrag) {
-        dragLeftEdge = false;
+    drag.created = false;
+    if (drag.stretch) {
+        drag.leftEdge = false;
         left = p;
     } else if (t < lo + p->duration / 2.0) {
-        dragLeftEdge = true;
+        drag.leftEdge = true;
         right = p;
         if (k > 0) {
             left = wave->patterns.at(k - 1);
@@ -204,34 +186,32 @@ bool WaveView::startEdgeDrag(int x)
             before = snapshotOf(wave);
             left = new Pattern(valueBelow(p->value, wave->isBus ? wave->busWidth : 1), 1);
             wave->insertData(left, p);
-            patternCreated = true;
+            drag.created = true;
         }
     } else {
-        dragLeftEdge = false;
+        drag.leftEdge = false;
         left = p;
         right = k + 1 < wave->patterns.size() ? wave->patterns.at(k + 1) : nullptr;
     }
 
-    pressX = x;
-    edgeMoved = false;
-    draggedPatterns.clear();
-    oldDurations.clear();
-    newDurations.clear();
+    drag.pressX = x;
+    drag.moved = false;
+    drag.patterns.clear();
+    drag.oldDurations.clear();
+    drag.newDurations.clear();
     for (Pattern* q : {left, right}) {
         if (q) {
-            draggedPatterns.append(q);
-            oldDurations.append(q->duration);
+            drag.patterns.append(q);
+            drag.oldDurations.append(q->duration);
         }
     }
-    selectedPattern = left;
-    selectedPattern2 = right;
-    highlightOff = true;
+    s.picked = left;
+    s.picked2 = right;
+    s.highlightOff = true;
     // The dragged selection stays this wave's, so that the release gathers it
     // again rather than reading the release as a click past the wave's end.
     wave->selected = true;
-    dropOldwave();
-    oldwave = before ? before : snapshotOf(wave);
-    oldwaveOwner = this;
+    drag.origin.reset(before ? before : snapshotOf(wave));
     return true;
 }
 
@@ -239,11 +219,12 @@ void WaveView::mouseMoveEvent(QMouseEvent* event)
 {
     const int x = event->position().toPoint().x();
     const int mode = owner_->mode();
-    mouseX = x;
+    Selection& s = sel();
+    mouseX_ = x;
     owner_->changePointX(qMax(0, x));
 
-    if (mode == VokGUI::ModeEdit && selectionIsRange) {
-        selectionEnd = exactTimeAt(x);
+    if (mode == VokGUI::ModeEdit && s.isRange) {
+        s.rangeEnd = view().exactTimeAt(x);
         update();
     }
     if (isDraggingEdge()) {
@@ -257,24 +238,25 @@ void WaveView::mouseMoveEvent(QMouseEvent* event)
 
     RulerView* ruler = owner_->rulerView();
     if (ruler->rangeActive && owner_->isZooming())
-        ruler->rangeEnd = snappedTimeAt(x);
+        ruler->rangeEnd = view().snappedTimeAt(x);
     ruler->update();
     QWidget::mouseMoveEvent(event);
 }
 
 void WaveView::dragEdge(int x)
 {
+    Selection& s = sel();
+    EdgeDrag& drag = s.drag;
     // An edit or an undo under the drag may have taken a dragged pattern out
     // of its wave: the drag then has nothing left to move.
-    if (draggedPatterns.size() != oldDurations.size() || !selectedPattern
-        || draggedPatterns.first() != selectedPattern)
+    if (drag.patterns.size() != drag.oldDurations.size() || !s.picked || drag.patterns.first() != s.picked)
         return;
-    Pattern* left = selectedPattern;
-    Pattern* right = selectedPattern2;
-    const qint64 step = static_cast<qint64>(qMax<quint64>(1, owner_->step()));
+    Pattern* left = s.picked;
+    Pattern* right = s.picked2;
+    const qint64 step = static_cast<qint64>(view().step);
     constexpr qint64 Longest = std::numeric_limits<qint32>::max();
 
-    qint64 delta = static_cast<qint64>((x - pressX) / PixelsPerStep) * step;
+    qint64 delta = static_cast<qint64>((x - drag.pressX) / PixelsPerStep) * step;
     // Neither pattern may fall below one unit, nor grow past what a duration
     // holds.
     qint64 most = Longest - left->duration;
@@ -294,54 +276,45 @@ void WaveView::dragEdge(int x)
     if (delta == 0)
         return;
 
-    pressX = cut ? pressX + static_cast<int>(delta * PixelsPerStep / step) : x;
+    drag.pressX = cut ? drag.pressX + static_cast<int>(delta * PixelsPerStep / step) : x;
     left->duration = static_cast<qint32>(left->duration + delta);
     if (right)
         right->duration = static_cast<qint32>(right->duration - delta);
-    edgeMoved = true;
+    drag.moved = true;
 
     // The selection keeps covering the picked pattern, with the same
-    // half-unit insets as the snapping of the paint.
-    const Pattern* picked = dragLeftEdge && right ? right : left;
+    // half-unit insets as the snapping of a pick.
+    const Pattern* picked = drag.leftEdge && right ? right : left;
     if (const WaveData* wave = picked->wave) {
         const double start = static_cast<double>(wave->getPatternStart(picked));
-        selectionStart = start + 0.5;
-        selectionEnd = start + picked->duration - 0.5;
+        s.rangeStart = start + 0.5;
+        s.rangeEnd = start + picked->duration - 0.5;
     }
-    qDebug() << "edit time end:" << selectionEnd;
+    qDebug() << "edit time end:" << s.rangeEnd;
     update();
 }
 
 void WaveView::finishEdgeDrag()
 {
-    newDurations.clear();
-    for (const Pattern* p : std::as_const(draggedPatterns))
-        newDurations.append(p->duration);
+    Selection& s = sel();
+    EdgeDrag& drag = s.drag;
+    drag.newDurations.clear();
+    for (const Pattern* p : std::as_const(drag.patterns))
+        drag.newDurations.append(p->duration);
     // A pattern made at the press changed the wave even when nothing moved
     // after it: that too is undone in one step.
-    if ((edgeMoved || patternCreated) && oldwave) {
-        if (WaveData* wave = owner_->document()->findWavebyName(oldwave->name))
-            owner_->undoStack()->push(new EditPatternCommand(wave, oldwave, owner_));
+    if ((drag.moved || drag.created) && drag.origin) {
+        if (WaveData* wave = owner_->document()->findWavebyName(drag.origin->name))
+            owner_->undoStack()->push(new EditPatternCommand(wave, drag.origin.get(), owner_));
     }
-    forgetEdgeDrag();
+    s.endDrag();
     owner_->SetDirtyBit();
 }
 
 void WaveView::cancelEdgeDrag()
 {
     if (isDraggingEdge())
-        forgetEdgeDrag();
-}
-
-void WaveView::forgetEdgeDrag()
-{
-    edgeMoved = false;
-    patternCreated = false;
-    dropOldwave();
-    highlightOff = false;
-    stretchDrag = false;
-    selectedPattern = selectedPattern2 = nullptr;
-    draggedPatterns.clear();
+        sel().endDrag();
 }
 
 void WaveView::mouseReleaseEvent(QMouseEvent* event)
@@ -356,8 +329,10 @@ void WaveView::mouseReleaseEvent(QMouseEvent* event)
     }
 
     const QPoint pos = event->position().toPoint();
-    releasePoint = pos;
-    cursorTime = pos.x() <= 0 ? 0 : snappedTimeAt(pos.x());
+    const Viewport& vp = view();
+    Selection& s = sel();
+    releasePoint_ = pos;
+    cursorTime_ = pos.x() <= 0 ? 0 : vp.snappedTimeAt(pos.x());
     // A drag ends at its release whatever the mode became meanwhile: its
     // change is on the wave already and must reach the undo stack.
     if (isDraggingEdge())
@@ -369,14 +344,14 @@ void WaveView::mouseReleaseEvent(QMouseEvent* event)
         ruler->rangeActive = false;
         ruler->update();
     } else {
-        if (selectionIsRange) {
-            selectionIsRange = false;
-            selectionEnd = exactTimeAt(pos.x());
-            WaveData* wave = owner_->activeWave();
-            if (wave && spansRepetitions(*wave, pressTime_, cursorTime)) {
+        if (s.isRange) {
+            s.isRange = false;
+            s.rangeEnd = vp.exactTimeAt(pos.x());
+            WaveData* wave = s.activeWave;
+            if (wave && spansRepetitions(*wave, pressTime_, cursorTime_)) {
                 wave->selected = false;
                 // Nothing stays selected that the picture no longer shows.
-                owner_->selection().clear();
+                s.segments.clear();
                 owner_->LoadEditData();
                 owner_->onEditDataChanged();
                 owner_->Refresh();
@@ -384,12 +359,12 @@ void WaveView::mouseReleaseEvent(QMouseEvent* event)
                 return;
             }
         }
-        collectNow();
-        if (owner_->selection().isEmpty()) {
+        collectSelection();
+        if (s.segments.isEmpty()) {
             // Nothing under the selection: a click right of the wave's end
             // extends the wave up to it.
-            selectionEnd = qMax(0.0, exactTimeAt(pos.x()));
-            owner_->addEditData(static_cast<quint64>(selectionEnd));
+            s.rangeEnd = qMax(0.0, vp.exactTimeAt(pos.x()));
+            owner_->addEditData(static_cast<quint64>(s.rangeEnd));
             update();
         }
         owner_->LoadEditData();

@@ -9,6 +9,11 @@
 
 namespace kesu::toolvok {
 
+namespace {
+// The slant of a bus hexagon's ends, in pixels.
+constexpr float Bevel = 5.0f;
+} // namespace
+
 void WaveView::drawCloneBlock(QPainter& painter, int x, int y, int width, int height)
 {
     static const QBrush clone(Qt::gray, Qt::Dense6Pattern);
@@ -28,20 +33,20 @@ void WaveView::drawLeadingOffset(const WaveData* wave, float w)
         return;
     }
     // Before its offset a bus reads as 0.
-    if (rowIndex >= firstVisibleRow) {
-        const bool narrow = w < 20.0f;
-        drawBusShape(RowLayer, owner_->color_bus, false, x, w, narrow, startTime != 0);
+    if (rowIndex >= vp_.firstRow) {
+        const bool narrow = w < Viewport::PixelsPerStepF;
+        drawBusShape(RowLayer, owner_->color_bus, false, x, w, narrow, vp_.startTime != 0);
         if (!narrow)
             batch.letter(RowLayer, owner_->color_bus, px(x + w / 2.0f - static_cast<float>(fontSize / 2)), lowY - 8,
                          Batch::LetterZero);
     }
     if (!wave->expandFlag)
         return;
-    for (int j = qMax(0, firstVisibleRow - rowIndex - 1); j < wave->busWidth; ++j) {
-        const int top = (rowIndex + j + 1 - firstVisibleRow) * rowHeight;
-        if (top >= height())
+    for (int j = qMax(0, vp_.firstRow - rowIndex - 1); j < wave->busWidth; ++j) {
+        const int low = vp_.rowTop(rowIndex + j + 1) + Viewport::LowLevel;
+        if (low - Viewport::LowLevel >= height())
             break;
-        batch.line(bitLayer(j), Qt::black, 1, px(x), top + 40, px(x + w), top + 40);
+        batch.line(bitLayer(j), Qt::black, 1, px(x), low, px(x + w), low);
     }
 }
 
@@ -70,16 +75,16 @@ void WaveView::drawBusShape(int layer, const QColor& color, bool dotted, float x
         return;
     }
     if (startedLeft) {
-        line(x, highY, x + w - 5.0f, highY);
-        line(x, lowY, x + w - 5.0f, lowY);
+        line(x, highY, x + w - Bevel, highY);
+        line(x, lowY, x + w - Bevel, lowY);
     } else {
-        line(x, midY, x + 5.0f, highY);
-        line(x, midY, x + 5.0f, lowY);
-        line(x + 5.0f, highY, x + w - 5.0f, highY);
-        line(x + 5.0f, lowY, x + w - 5.0f, lowY);
+        line(x, midY, x + Bevel, highY);
+        line(x, midY, x + Bevel, lowY);
+        line(x + Bevel, highY, x + w - Bevel, highY);
+        line(x + Bevel, lowY, x + w - Bevel, lowY);
     }
-    line(x + w, midY, x + w - 5.0f, highY);
-    line(x + w, midY, x + w - 5.0f, lowY);
+    line(x + w, midY, x + w - Bevel, highY);
+    line(x + w, midY, x + w - Bevel, lowY);
 }
 
 void WaveView::drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high,

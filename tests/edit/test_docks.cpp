@@ -9,7 +9,7 @@
 #include "biginteger.h"
 #include "wavesummary.h"
 
-#include "edittestutil.h"
+#include "guifixture.h"
 #include "modalanswerer.h"
 #include "sandboxedtestmain.h"
 
@@ -22,7 +22,7 @@
 #include <QUndoStack>
 
 using namespace kesu::toolvok;
-using namespace edittest;
+using namespace guitest;
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include "newwavedlg.h"
 #include "settimedlg.h"
 
-#include "edittestutil.h"
+#include "guifixture.h"
 #include "modalanswerer.h"
 #include "sandboxedtestmain.h"
 
@@ -13,7 +13,7 @@
 #include <QUndoStack>
 
 using namespace kesu::toolvok;
-using namespace edittest;
+using namespace guitest;
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include "undocommands.h"
 #include "wavedata.h"
 #include "waveformdata.h"
+#include "wavekind.h"
 #include "wavelstview.h"
 
 #include <QAction>
@@ -18,7 +19,6 @@
 #include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <QUndoStack>
-#include <QTextStream>
 #include <QtTest>
 
 #include <algorithm>
@@ -32,25 +32,31 @@ using namespace toolfixture;
 
 namespace {
 
-// Every field the saved text shows, and visibility; cheap enough for every step.
-QByteArray summary(const VokGUI& gui)
+// The saved text, and which waves are hidden (which it does not show).
+QByteArray summary(VokGUI& gui)
 {
-    const WaveformData* doc = gui.document();
-    QByteArray out;
-    QTextStream s(&out);
-    s << doc->masterClockMult << ' ' << doc->smallestUnit << ' ' << doc->autoAssign << ' ' << doc->decimals << ' '
-      << doc->endTime << '\n';
-    for (const WaveData* w : doc->waves) {
-        s << w->name << (w->visible ? "" : " hidden") << " {" << w->group << ' ' << w->polarity << ' ' << w->waveType
-          << ' ' << w->offset << ' ' << w->formatValue << ' ' << w->formatRatio << ' ' << w->isPattern << ' '
-          << w->isBus << ' ' << w->busWidth << ' ' << w->foreverIndex << (w->indexConsistent() ? "" : " stale index")
-          << "} =";
-        for (const Pattern* p : w->patterns)
-            s << (p->forever ? " (" : " ") << p->value.c_str() << ' ' << p->duration;
-        s << '\n';
+    QByteArray hidden;
+    for (const WaveData* w : gui.document()->waves)
+        hidden += (w->visible ? "" : w->name.toUtf8() + ' ') + (w->indexConsistent() ? "" : "stale index ");
+    return savedText(gui) + "hidden: " + hidden;
+}
+
+// Whether the name list shows the document's shown waves in its order, each
+// expanded bus followed by its element rows, as the drawing shows them.
+bool listMatchesDocument(const VokGUI& gui)
+{
+    int row = 0;
+    for (const WaveData* w : gui.document()->waves) {
+        if (!w->visible)
+            continue;
+        if (gui.waveList()->waveAt(row++) != w)
+            return false;
+        for (int i = 0; w->isBus && w->expandFlag && i < w->elements.size(); ++i) {
+            if (gui.waveList()->itemModel()->item(row++)->text() != w->elements.at(i))
+                return false;
+        }
     }
-    s.flush();
-    return out;
+    return row == gui.waveList()->itemModel()->rowCount();
 }
 
 class RandomEditor
@@ -67,7 +73,7 @@ public:
     QString step(int& pushes)
     {
         // Cumulative weights out of 100, one per case below.
-        static const int upTo[] = {12, 22, 30, 40, 54, 58, 63, 68, 78, 86, 93, 100};
+        static const int upTo[] = {12, 22, 30, 40, 54, 58, 63, 68, 78, 84, 90, 96, 100};
         for (;;) {
             const int pick = int(rng_.bounded(100));
             const int op = int(std::upper_bound(std::begin(upTo), std::end(upTo), pick) - std::begin(upTo));
@@ -194,7 +200,7 @@ private:
             return QStringLiteral("forever %1 from %2").arg(wave->name).arg(index);
         }
         case 10: {   // never to a named pattern, which renames the wave for good
-            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == 5)
+            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == WaveKind::Pattern)
                 return {};
             const int old = wave->polarity;
             int type = int(rng_.bounded(4));
@@ -203,8 +209,17 @@ private:
             gui_.undoStack()->push(new NodeParaCommand(wave, old, static_cast<int>(wave->offset), &gui_));
             return QStringLiteral("type of %1 from %2 to %3").arg(wave->name).arg(old).arg(type);
         }
-        default: {   // offsets stay far below 2^31
-            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == 5)
+        default: {   // a double click on a bus row, which expands or collapses it
+            int row = 0;
+            if (!(wave = pickRow(&row)) || !wave->isBus)
+                return {};
+            pushes = 0;
+            wave->expandFlag = !wave->expandFlag;
+            gui_.waveList()->expandBus(gui_.waveList()->itemModel()->index(row, 0));
+            return (wave->expandFlag ? QStringLiteral("expand ") : QStringLiteral("collapse ")) + wave->name;
+        }
+        case 11: {   // offsets stay far below 2^31
+            if (!(wave = pickRow()) || wave->isPattern || wave->polarity == WaveKind::Pattern)
                 return {};
             const quint64 offset = rng_.bounded(1000);
             const int old = static_cast<int>(wave->offset);
@@ -260,7 +275,6 @@ private Q_SLOTS:
         gui.action(VokGUI::ActEditMode)->setChecked(true);
         QUndoStack* stack = gui.undoStack();
         const QString replay = QStringLiteral("%1, seed %2 (replay: VOK_RANDOMEDITS_SEED=%2)").arg(file).arg(seed);
-
         // states[i]: the document with i commands on the stack; made[i]: the
         // operation that pushed command i.
         const QByteArray original = savedText(gui);
@@ -282,18 +296,19 @@ private Q_SLOTS:
         const int pushes = stack->count();
         const QByteArray edited = savedText(gui);
         QVERIFY(original != edited);
-
         // Twice: a command undone and redone must undo as well as the first time.
         for (int round = 1; round <= 2; ++round) {
             for (int i = pushes; i > 0; --i) {
                 gui.undo();
                 QVERIFY2(summary(gui) == states.at(i - 1), qPrintable(QStringLiteral("undo of ") + made.at(i)));
+                QVERIFY2(listMatchesDocument(gui), qPrintable(QStringLiteral("names after undo of ") + made.at(i)));
             }
             QVERIFY(!stack->canUndo());
             QCOMPARE(savedText(gui), original);
             for (int i = 1; i <= pushes; ++i) {
                 gui.redo();
                 QVERIFY2(summary(gui) == states.at(i), qPrintable(QStringLiteral("redo of ") + made.at(i)));
+                QVERIFY2(listMatchesDocument(gui), qPrintable(QStringLiteral("names after redo of ") + made.at(i)));
             }
             QVERIFY(!stack->canRedo());
             QCOMPARE(savedText(gui), edited);

@@ -1,300 +1,209 @@
-#include "undocommands.h"
-#include "vokgui.h"
-#include "wavedata.h"
-#include "waveformdata.h"
-#include "wavelstview.h"
-#include "waveview.h"
+// The name list as the mouse drives it: titles, expanding buses, picking the
+// active wave, and moving waves by dragging rows, with undo.
+#include "guifixture.h"
+#include "sandboxedtestmain.h"
 
 #include <QDrag>
-#include <QDragEnterEvent>
-#include <QDragMoveEvent>
-#include <QDropEvent>
 #include <QMimeData>
 #include <QScrollBar>
-#include <QSignalSpy>
-#include <QStandardItemModel>
-#include <QTemporaryDir>
 #include <QTimer>
-#include <QUndoStack>
-#include <QtTest>
 
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
-
-#include <memory>
-
-using namespace kesu::toolvok;
+using namespace guitest;
 
 namespace {
-const char* const Document = "%MASTERCLOCKMULT = 1;\n"
-                             "%SMALLESTUNIT = 9;\n"
-                             "%AUTOASSIGN = 0;\n"
-                             "%DECIMALS = 0;\n"
-                             "%ENDTIME = 1000;\n"
-                             "a { A I Default NRZ 0 1 50 } = 0 100 1 100 0 800;\n"
-                             "b { A O Default NRZ 0 1 50 } = 1 1000;\n"
-                             "bus[2:0] { A I Default NRZ 0 1 50 } = 0 500 7 500;\n"
-                             "c { A B Default NRZ 0 1 50 } = 0 1000;\n";
-
-constexpr int RowHeight = 40;
-
+const QByteArray Document = wdl({"a { A I Default NRZ 0 1 50 } = 0 100 1 100 0 800;",
+                                 "b { A O Default NRZ 0 1 50 } = 1 1000;",
+                                 "bus[2:0] { A I Default NRZ 0 1 50 } = 0 500 7 500;",
+                                 "c { A B Default NRZ 0 1 50 } = 0 1000;"});
 } // namespace
 
 class TestNameList : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir dir_;
-    std::unique_ptr<VokGUI> gui_;
-    WaveLstView* list_ = nullptr;
+    std::unique_ptr<Window> w_;
     QMimeData mime_;
-
-    WaveformData* doc() const { return gui_->document(); }
-    WaveData* wave(const char* name) const { return doc()->findWavebyName(QLatin1String(name)); }
 
     QStringList titles() const
     {
         QStringList t;
-        for (int row = 0; row < list_->itemModel()->rowCount(); ++row)
-            t.append(list_->itemModel()->item(row)->text());
+        for (int row = 0; row < w_->list()->itemModel()->rowCount(); ++row)
+            t.append(w_->list()->itemModel()->item(row)->text());
         return t;
     }
-
-    QStringList order() const
-    {
-        QStringList names;
-        for (const WaveData* w : doc()->waves)
-            names.append(w->name);
-        return names;
-    }
-
-    static QPoint rowPoint(int row) { return QPoint(40, row * RowHeight + RowHeight / 2); }
-
+    static QPoint at(int row) { return QPoint(40, rowY(row)); }
+    // A press starts the row drag; the offscreen platform has no drag to
+    // end it, so a watchdog cancels it.
     void press(int row, Qt::KeyboardModifiers mods = Qt::NoModifier)
     {
-        QTimer watchdog;
-        watchdog.setSingleShot(true);
-        connect(&watchdog, &QTimer::timeout, [] { QDrag::cancel(); });
-        watchdog.start(2000);
-        QTest::mousePress(list_->viewport(), Qt::LeftButton, mods, rowPoint(row));
-        QTest::mouseRelease(list_->viewport(), Qt::LeftButton, mods, rowPoint(row));
+        QTimer::singleShot(2000, [] { QDrag::cancel(); });
+        QTest::mousePress(w_->list()->viewport(), Qt::LeftButton, mods, at(row));
+        QTest::mouseRelease(w_->list()->viewport(), Qt::LeftButton, mods, at(row));
     }
-
-    void doubleClick(int row)
+    template <typename Event>
+    bool sendDrag(int row)
     {
-        QTimer watchdog;
-        watchdog.setSingleShot(true);
-        connect(&watchdog, &QTimer::timeout, [] { QDrag::cancel(); });
-        watchdog.start(2000);
-        QTest::mouseDClick(list_->viewport(), Qt::LeftButton, Qt::NoModifier, rowPoint(row));
-    }
-
-    bool enter(QPoint pos)
-    {
-        QDragEnterEvent event(pos, Qt::MoveAction | Qt::CopyAction, &mime_, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(list_->viewport(), &event);
-        return event.isAccepted() && event.dropAction() == Qt::MoveAction;
-    }
-
-    bool dragOver(QPoint pos)
-    {
-        QDragMoveEvent move(pos, Qt::MoveAction, &mime_, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(list_->viewport(), &move);
-        return move.isAccepted();
-    }
-
-    bool drop(QPoint pos)
-    {
-        QDropEvent event(pos, Qt::MoveAction, &mime_, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(list_->viewport(), &event);
+        Event event(at(row), Qt::MoveAction, &mime_, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(w_->list()->viewport(), &event);
         return event.isAccepted();
     }
-
-    int currentRow() const { return list_->currentIndex().row(); }
+    // Drags the row's wave over the rows in turn, as the mouse crosses them.
+    QList<bool> dragRow(int from, const QList<int>& over)
+    {
+        press(from);
+        QList<bool> accepted{sendDrag<QDragEnterEvent>(from)};
+        for (int row : over)
+            accepted << sendDrag<QDragMoveEvent>(row);
+        accepted << sendDrag<QDropEvent>(over.isEmpty() ? from : over.last());
+        return accepted;
+    }
+    int currentRow() const { return w_->list()->currentIndex().row(); }
 
 private Q_SLOTS:
     void init()
     {
-        QVERIFY(dir_.isValid());
-        const QString path = dir_.filePath(QStringLiteral("names.wdl"));
-        QVERIFY(toolfixture::writeFile(path, Document));
-        gui_ = toolfixture::openShown(path, QSize(1000, 600));
-        QVERIFY(gui_);
-        list_ = gui_->waveList();
-        QCOMPARE(order(), (QStringList{"a", "b", "bus[2:0]", "c"}));
+        w_ = std::make_unique<Window>(Document, QSize(1000, 600));
+        QVERIFY(w_->ok());
     }
+    void cleanup() { w_.reset(); }
 
-    void cleanup()
+    void busTitlesAndExpansion()
     {
-        gui_.reset();
-        list_ = nullptr;
-    }
-
-    void busTitleFollowsExpansion()
-    {
-        WaveData* bus = wave("bus[2:0]");
+        WaveData* bus = w_->wave(QStringLiteral("bus[2:0]"));
         bus->name = QStringLiteral("D");
-        list_->updateWaveTitle(bus);
+        w_->list()->updateWaveTitle(bus);
         QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) D I", "c B"}));
-
-        doubleClick(2);
-        QVERIFY(bus->expandFlag);
+        w_->doubleClickRow(2);
         QCOMPARE(titles(), (QStringList{"a I", "b O", "(-) D I", "bus[2]", "bus[1]", "bus[0]", "c B"}));
-        for (int row = 3; row <= 5; ++row) {
-            QCOMPARE(list_->waveAt(row), nullptr);
-        }
-        QCOMPARE(list_->waveAt(6), wave("c"));
-
-        doubleClick(2);
-        QVERIFY(!bus->expandFlag);
+        QCOMPARE(w_->listRows(), (QStringList{"a", "b", "D", "-", "-", "-", "c"}));
+        w_->doubleClickRow(2);
         QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) D I", "c B"}));
+        // One row per element, however many there are.
+        bus->elements << QStringLiteral("x") << QStringLiteral("y");
+        w_->doubleClickRow(2);
+        QCOMPARE(w_->listRows(), (QStringList{"a", "b", "D", "-", "-", "-", "-", "-", "c"}));
+        w_->doubleClickRow(2);
+        QCOMPARE(w_->listRows(), (QStringList{"a", "b", "D", "c"}));
         // Double clicks elsewhere expand nothing.
-        doubleClick(0);
-        doubleClick(3);
-        QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) D I", "c B"}));
-    }
-
-    void collapsingRemovesOneRowPerElement()
-    {
-        WaveData* bus = wave("bus[2:0]");
-        bus->elements = {QStringLiteral("x"), QStringLiteral("y"), QStringLiteral("z"), QStringLiteral("w"),
-                         QStringLiteral("v")};
-        doubleClick(2);
-        QCOMPARE(list_->itemModel()->rowCount(), 4 + 5);
-        QCOMPARE(list_->waveAt(8), wave("c"));
-        doubleClick(2);
-        QCOMPARE(list_->itemModel()->rowCount(), 4);
-        QCOMPARE(list_->waveAt(3), wave("c"));
+        w_->doubleClickRow(0);
+        w_->doubleClickRow(3);
+        QCOMPARE(titles().size(), 4);
     }
 
     void layoutUpdatesTheToolBars()
     {
-        WaveData* bus = wave("bus[2:0]");
+        WaveData* bus = w_->wave(QStringLiteral("bus[2:0]"));
         for (int i = 0; i < 40; ++i)
             bus->elements.append(QStringLiteral("e%1").arg(i));
-        QCOMPARE(gui_->waveVBar()->maximum(), 0);
+        QCOMPARE(w_->gui->waveVBar()->maximum(), 0);
         bus->expandFlag = true;
-        list_->expandBus(list_->itemModel()->index(2, 0));   // no Refresh: only the layout
-        QTRY_VERIFY(list_->verticalScrollBar()->maximum() > 0);
-        QCOMPARE(gui_->waveVBar()->maximum(), list_->verticalScrollBar()->maximum());
-        QCOMPARE(gui_->waveVBar()->pageStep(), list_->verticalScrollBar()->pageStep());
+        w_->list()->expandBus(w_->list()->itemModel()->index(2, 0));   // no Refresh: only the layout
+        QTRY_VERIFY(w_->list()->verticalScrollBar()->maximum() > 0);
+        QCOMPARE(w_->gui->waveVBar()->maximum(), w_->list()->verticalScrollBar()->maximum());
+        QCOMPARE(w_->gui->waveVBar()->pageStep(), w_->list()->verticalScrollBar()->pageStep());
     }
 
     void pickingARowMakesItsWaveActive()
     {
-        WaveData* a = wave("a");
-        WaveData* b = wave("b");
+        WaveData* a = w_->wave(QStringLiteral("a"));
+        WaveData* b = w_->wave(QStringLiteral("b"));
         press(0);
-        QCOMPARE(gui_->activeWave(), a);
-        QVERIFY(a->selected);
-
-        gui_->selection().append(a->patterns.first());
+        QCOMPARE(w_->gui->activeWave(), a);
+        w_->gui->selection().append(a->patterns.first());
         press(1);
-        QCOMPARE(currentRow(), 1);
-        QCOMPARE(gui_->activeWave(), b);
-        QVERIFY(b->selected);
-        QVERIFY(!a->selected);
-        QVERIFY(gui_->selection().isEmpty());
-        QCOMPARE(gui_->undoStack()->count(), 0);
-    }
-
-    void elementRowsAndEmptySpaceHaveNoWave()
-    {
-        WaveData* bus = wave("bus[2:0]");
-        doubleClick(2);
-        press(2);
-        QCOMPARE(gui_->activeWave(), bus);
-        QVERIFY(bus->selected);
+        QCOMPARE(w_->gui->activeWave(), b);
+        QVERIFY(b->selected && !a->selected);
+        QVERIFY(w_->gui->selection().isEmpty());
+        // An element row and the space below the rows have no wave.
+        w_->doubleClickRow(2);
         press(4);
         QCOMPARE(currentRow(), 4);
-        QCOMPARE(gui_->activeWave(), nullptr);
-        QVERIFY(!bus->selected);
-
-        // Below the last row: no current row at all.
-        press(1);
-        gui_->selection().append(wave("b")->patterns.first());
+        QCOMPARE(w_->gui->activeWave(), nullptr);
         press(20);
-        QVERIFY(!list_->currentIndex().isValid());
-        QCOMPARE(gui_->activeWave(), nullptr);
+        QVERIFY(!w_->list()->currentIndex().isValid());
+        QCOMPARE(w_->steps(), 0);
     }
 
     void modifiersAndReadOnlyStartNoMove()
     {
-        press(0);
-        QVERIFY(enter(rowPoint(0)));
-        QVERIFY(drop(rowPoint(0)));
-        QVERIFY(!list_->moving);
-        // With a modifier the press is the list's own: it picks, moves nothing.
         press(1, Qt::ControlModifier);
-        QVERIFY(!list_->moving);
-        gui_->changeReadonlyMode(true);
+        QVERIFY(!w_->list()->moving);
+        w_->gui->changeReadonlyMode(true);
         press(2);
-        QCOMPARE(gui_->activeWave(), wave("bus[2:0]"));
-        QVERIFY(!list_->moving);
-        gui_->changeReadonlyMode(false);
+        QCOMPARE(w_->gui->activeWave(), w_->wave(QStringLiteral("bus[2:0]")));
+        QVERIFY(!w_->list()->moving);
+        w_->gui->changeReadonlyMode(false);
         press(2);
-        QVERIFY(list_->moving);
+        QVERIFY(w_->list()->moving);
+        QVERIFY(sendDrag<QDragEnterEvent>(2) && sendDrag<QDropEvent>(2));
+        QVERIFY(!w_->list()->moving);
     }
 
+    void dragMovesOneStepPerRow_data()
+    {
+        QTest::addColumn<int>("expand");   // a bus row double-clicked first, or -1
+        QTest::addColumn<int>("from");
+        QTest::addColumn<QList<int>>("over");
+        QTest::addColumn<QList<bool>>("accepted");
+        QTest::addColumn<QStringList>("order");
+        const QList<bool> all{true, true, true, true};
+        const QStringList unmoved{"a", "b", "bus[2:0]", "c"};
+        QTest::newRow("down") << -1 << 0 << QList<int>{1, 3} << all << QStringList{"b", "bus[2:0]", "c", "a"};
+        QTest::newRow("up, a collapsed bus") << -1 << 2 << QList<int>{0, 0} << all
+                                             << QStringList{"bus[2:0]", "a", "b", "c"};
+        // Element rows, the space below and expanded buses are no targets,
+        // and an expanded bus cannot be dragged.
+        QTest::newRow("onto an element") << 2 << 0 << QList<int>{4, 9} << QList<bool>{true, false, false, true}
+                                         << unmoved;
+        QTest::newRow("onto an expanded bus") << 2 << 0 << QList<int>{2, 1} << QList<bool>{true, false, true, true}
+                                              << QStringList{"b", "a", "bus[2:0]", "c"};
+        QTest::newRow("an expanded bus") << 2 << 2 << QList<int>{6, 0} << QList<bool>{true, false, false, true}
+                                         << unmoved;
+    }
     void dragMovesOneStepPerRow()
     {
-        WaveData* a = wave("a");
-        press(0);
-        QVERIFY(list_->moving);
-        QVERIFY(enter(rowPoint(0)));
-
-        QVERIFY(dragOver(rowPoint(1)));
-        QCOMPARE(order(), (QStringList{"b", "a", "bus[2:0]", "c"}));
-
-        QVERIFY(dragOver(rowPoint(3)));
-        QCOMPARE(order(), (QStringList{"b", "bus[2:0]", "c", "a"}));
-        QCOMPARE(titles(), (QStringList{"b O", "(+) bus[2:0] I", "c B", "a I"}));
-        QCOMPARE(currentRow(), 3);
-        QCOMPARE(gui_->undoStack()->count(), 2);
-        QCOMPARE(gui_->activeWave(), a);
-        QVERIFY(a->selected);
-        QVERIFY(drop(rowPoint(3)));
-
-        gui_->undo();
-        QCOMPARE(order(), (QStringList{"b", "a", "bus[2:0]", "c"}));
-        gui_->undo();
-        QCOMPARE(order(), (QStringList{"a", "b", "bus[2:0]", "c"}));
-
-        // Upwards as well, and a collapsed bus may be dragged.
-        press(2);
-        QVERIFY(enter(rowPoint(2)));
-        QVERIFY(dragOver(rowPoint(0)));
-        QCOMPARE(order(), (QStringList{"bus[2:0]", "a", "b", "c"}));
-        QCOMPARE(currentRow(), 0);
-        QCOMPARE(gui_->activeWave(), wave("bus[2:0]"));
+        QFETCH(int, expand);
+        QFETCH(int, from);
+        QFETCH(QList<int>, over);
+        QFETCH(QStringList, order);
+        if (expand >= 0)
+            w_->doubleClickRow(expand);
+        WaveData* dragged = w_->list()->waveAt(from);
+        QTEST(dragRow(from, over), "accepted");
+        QCOMPARE(w_->docOrder(), order);
+        QCOMPARE(w_->listRows(), w_->drawnRows());
+        if (order != QStringList{"a", "b", "bus[2:0]", "c"}) {
+            QCOMPARE(w_->gui->activeWave(), dragged);
+            QCOMPARE(w_->list()->waveAt(currentRow()), dragged);
+        }
+        // One step per row crossed, each undone on its own.
+        while (w_->gui->undoStack()->canUndo()) {
+            w_->gui->undo();
+            QCOMPARE(w_->listRows(), w_->drawnRows());
+        }
+        QCOMPARE(w_->docOrder(), (QStringList{"a", "b", "bus[2:0]", "c"}));
     }
 
-    void refusedDrops()
+    void undoneMovesFollowTheDocumentWhateverWasExpanded()
     {
-        doubleClick(2);   // the bus is expanded: rows a, b, bus, three elements, c
-        QCOMPARE(list_->itemModel()->rowCount(), 7);
-        press(0);
-        QVERIFY(enter(rowPoint(0)));
-        // An element row is no target.
-        QVERIFY(!dragOver(rowPoint(4)));
-        // Neither is the space below the rows.
-        QVERIFY(!dragOver(rowPoint(9)));
-        // Nor an expanded bus.
-        QVERIFY(!dragOver(rowPoint(2)));
-        QCOMPARE(gui_->undoStack()->count(), 0);
-
-        // An expanded bus cannot be dragged either.
-        press(2);
-        QVERIFY(enter(rowPoint(2)));
-        QVERIFY(!dragOver(rowPoint(6)));
-
-        // Collapsed again, it moves.
-        doubleClick(2);
-        press(2);
-        QVERIFY(enter(rowPoint(2)));
-        QVERIFY(dragOver(rowPoint(3)));
-        QCOMPARE(order(), (QStringList{"a", "b", "c", "bus[2:0]"}));
-        QCOMPARE(gui_->undoStack()->count(), 1);
+        // c dragged above the bus and b, the bus expanded, both moves undone.
+        dragRow(3, {2, 1});
+        w_->doubleClickRow(3);
+        QCOMPARE(titles(), (QStringList{"a I", "c B", "b O", "(-) bus[2:0] I", "bus[2]", "bus[1]", "bus[0]"}));
+        w_->gui->undo();
+        w_->gui->undo();
+        QCOMPARE(titles(), (QStringList{"a I", "b O", "(-) bus[2:0] I", "bus[2]", "bus[1]", "bus[0]", "c B"}));
+        w_->gui->redo();
+        QCOMPARE(w_->listRows(), w_->drawnRows());
+        w_->gui->undo();
+        // Collapsing takes the bus's own rows, and a click on the drawing
+        // picks the wave drawn there.
+        w_->doubleClickRow(2);
+        QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) bus[2:0] I", "c B"}));
+        w_->editMode(true);
+        w_->click(30, rowY(3));
+        QCOMPARE(w_->gui->activeWave(), w_->wave(QStringLiteral("c")));
+        QCOMPARE(w_->gui->selection(), QList<Pattern*>{w_->wave(QStringLiteral("c"))->patterns.first()});
     }
 };
 

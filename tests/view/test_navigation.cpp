@@ -1,33 +1,19 @@
-#include "rulerview.h"
-#include "voknavigator.h"
-#include "vokgui.h"
-#include "wavedata.h"
-#include "waveformdata.h"
-#include "wavelstview.h"
-#include "waveview.h"
+// Zoom, scroll, jumps and the marker through the actions, the mouse in the
+// zoom-area mode and the wheel.
+#include "guifixture.h"
+#include "sandboxedtestmain.h"
 
 #include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
-#include <QElapsedTimer>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPointer>
 #include <QRubberBand>
 #include <QScrollBar>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QWheelEvent>
-#include <QtTest>
 
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
+using namespace guitest;
 
-#include <functional>
-#include <memory>
-
-using namespace kesu::toolvok;
 
 namespace {
 // "a" changes at 100 and 200 and ends at 1000; "long" ends at 100000; thirty
@@ -49,12 +35,11 @@ class TestNavigation : public QObject
 {
     Q_OBJECT
 
-    QTemporaryDir dir_;
-    std::unique_ptr<VokGUI> gui_;
+    std::unique_ptr<Window> w_;
+    VokGUI* gui_ = nullptr;
     WaveView* view_ = nullptr;
     RulerView* ruler_ = nullptr;
 
-    WaveData* wave(const char* name) const { return gui_->document()->findWavebyName(QLatin1String(name)); }
     int viewWidth() const { return view_->width(); }
 
     void setView(quint64 start, quint64 step)
@@ -63,16 +48,21 @@ class TestNavigation : public QObject
         gui_->changeStep(step);
     }
 
-    // The width of a range whose raw step (range x 20 / view width) is r.
-    quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
-
-    void mouse(QEvent::Type type, Qt::MouseButton button, QPoint pos)
+    // Puts the cursor at t with a click in query mode: a release takes the
+    // time of its pixel on whole steps, the start time at pixel 1.
+    quint64 setCursor(quint64 t)
     {
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
-        QMouseEvent event(type, QPointF(pos), view_->mapToGlobal(QPointF(pos)), button, held, Qt::NoModifier);
-        QCoreApplication::sendEvent(view_, &event);
+        const quint64 start = gui_->startTime();
+        gui_->setStartTime(t);
+        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(1, 10));
+        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(1, 10));
+        gui_->setStartTime(start);
+        return view_->cursorTime();
     }
 
+    // The width of a range whose raw step (range x 20 / view width) is r.
+    quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
+    void mouse(QEvent::Type type, Qt::MouseButton button, QPoint pos) { w_->send(type, pos.x(), pos.y(), button); }
     void wheel(QWidget* target, QPoint angle, Qt::KeyboardModifiers mods)
     {
         const QPointF pos(target->width() / 2, target->height() / 2);
@@ -82,7 +72,6 @@ class TestNavigation : public QObject
     }
 
     QRubberBand* band() const { return view_->findChild<QRubberBand*>(); }
-
     // Runs Jump to Time, typing each text into the time dialog in turn
     // ("cancel" cancels it) and pressing Ok on message boxes; returns what showed.
     QStringList jumpToTime(QStringList typed)
@@ -120,90 +109,73 @@ class TestNavigation : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(dir_.isValid());
-        const QString path = dir_.filePath(QStringLiteral("nav.wdl"));
-        QVERIFY(toolfixture::writeFile(path, document()));
-        gui_ = toolfixture::openShown(path, QSize(1000, 600));
-        QVERIFY(gui_);
-        view_ = gui_->waveView();
+        w_ = std::make_unique<Window>(document(), QSize(1000, 600));
+        gui_ = w_->gui.get();
+        view_ = w_->view();
         ruler_ = gui_->rulerView();
-        QCOMPARE(gui_->document()->waves.size(), 32);
         // The cases below pick ranges for views between these widths.
         QVERIFY2(viewWidth() > 400 && viewWidth() <= 1000, qPrintable(QString::number(viewWidth())));
-        QVERIFY(ruler_->originX > 0);
     }
 
     void init()
     {
         gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(false);
-        gui_->setActiveWave(wave("a"));
-        view_->cursorTime = 0;
-        view_->markerTime = NoTime;
+        gui_->setActiveWave(w_->wave(QStringLiteral("a")));
+        setCursor(0);
+        view_->setMarkerTime(NoTime);
         setView(0, 1);
         gui_->Refresh();
     }
 
-    void cleanupTestCase() { gui_.reset(); }
+    void cleanupTestCase() { w_.reset(); }
 
     void zoomWalksTheOneTwoFiveSequence()
     {
         const QList<quint64> sequence{1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000,
                                       100000};
         setView(700, 1);
-        for (bool out : {true, false}) {
+        for (const char* action : {"zoom out", "zoom in"}) {
             QList<quint64> walk{gui_->step()};
             for (int i = 0; i < 20; ++i) {
-                out ? gui_->zoomOut() : gui_->zoomIn();
+                gui_->sharedAction(QLatin1String(action))->trigger();
                 if (gui_->step() != walk.last())
                     walk.append(gui_->step());
             }
-            if (!out)
+            if (action[5] == 'i')
                 std::reverse(walk.begin(), walk.end());
             QCOMPARE(walk, sequence);
             QCOMPARE(gui_->startTime(), quint64(700));
         }
-    }
-
-    void zoomLimitsAndOddSteps()
-    {
-        // {step, zoom out?, step after}: capped at both ends, odd steps double or drop to 1.
-        const struct { quint64 step; bool out; quint64 after; } cases[] = {
-            {1, false, 1}, {100000, true, 100000}, {3, true, 6}, {3, false, 1}, {80000, true, 100000},
-        };
-        for (const auto& c : cases) {
-            setView(0, c.step);
-            c.out ? gui_->zoomOut() : gui_->zoomIn();
-            QCOMPARE(gui_->step(), c.after);
-        }
+        // Odd steps (from a fit) double out or drop to 1 in.
+        setView(0, 3);
+        gui_->zoomOut();
+        QCOMPARE(gui_->step(), quint64(6));
+        setView(0, 3);
+        gui_->zoomIn();
+        QCOMPARE(gui_->step(), quint64(1));
         gui_->changeStep(0);
         QCOMPARE(gui_->step(), quint64(1));
-
-        // The shared actions do the same.
-        setView(0, 10);
-        gui_->sharedAction(QStringLiteral("zoom in"))->trigger();
-        QCOMPARE(gui_->step(), quint64(5));
-        gui_->sharedAction(QStringLiteral("zoom out"))->trigger();
-        QCOMPARE(gui_->step(), quint64(10));
     }
 
+    void zoomRangeRoundsUpPastTheLeadingDigit_data()
+    {
+        QTest::addColumn<quint64>("raw");
+        QTest::addColumn<quint64>("step");
+        for (auto [raw, step] : QList<QPair<quint64, quint64>>{{20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2},
+                                                                {4, 5}, {150, 200}, {99999, 100000},
+                                                                {5000000, 100000}})
+            QTest::addRow("%llu", raw) << raw << step;
+    }
     void zoomRangeRoundsUpPastTheLeadingDigit()
     {
-        const struct { quint64 raw, step; } cases[] = {
-            {20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2}, {4, 5}, {5, 10}, {99, 100}, {150, 200},
-            {99999, 100000}, {100001, 100000}, {5000000, 100000},
-        };
-        for (const auto& c : cases) {
-            setView(0, 7);
-            const quint64 a = 1234;
-            gui_->zoomRange(a, a + qMax<quint64>(1, rangeFor(c.raw)));
-            QVERIFY2(gui_->step() == c.step, qPrintable(QStringLiteral("raw %1 gave %2").arg(c.raw).arg(gui_->step())));
-            QCOMPARE(gui_->startTime(), a);
-        }
+        QFETCH(quint64, raw);
+        setView(0, 7);
+        gui_->zoomRange(1234, 1234 + qMax<quint64>(1, rangeFor(raw)));
+        QTEST(gui_->step(), "step");
+        QCOMPARE(gui_->startTime(), quint64(1234));
         // The tool's bar follows: its value is the start in steps.
-        QCOMPARE(gui_->waveHBar()->value(), int(1234 / 100000));
-        gui_->zoomRange(5000, 5000 + rangeFor(20));
-        QCOMPARE(gui_->waveHBar()->value(), 5000 / 50);
-        QCOMPARE(gui_->waveHBar()->maximum(), 100000 / 50 + 5);
+        QCOMPARE(gui_->waveHBar()->value(), int(1234 / gui_->step()));
+        QCOMPARE(gui_->waveHBar()->maximum(), int(100000 / gui_->step() + 5));
     }
 
     void zoomRangeOfOnePointRecentresOnTheCursor()
@@ -215,7 +187,7 @@ private Q_SLOTS:
         };
         for (const auto& c : cases) {
             setView(300, c.step);
-            view_->cursorTime = c.cursor;
+            setCursor(c.cursor);
             gui_->zoomRange(77, 77);
             QCOMPARE(gui_->step(), c.after);
             QCOMPARE(gui_->startTime(), c.start);
@@ -237,74 +209,61 @@ private Q_SLOTS:
         gui_->action(VokGUI::ActEditMode)->setChecked(false);
     }
 
-    void draggingAnAreaZoomsIntoIt()
+    void zoomArea_data()
     {
-        QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
-        zoomArea->setChecked(true);
-        QVERIFY(gui_->isZooming());
-
-        setView(10000, 1000);
-        const quint64 cursor = view_->cursorTime = 777;
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(300, 70));
-        mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(250, 110));
-        mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(100, 30));
-        QVERIFY(band());
-        QVERIFY(band()->isVisible());
-        QCOMPARE(band()->geometry(), QRect(QPoint(100, 30), QPoint(300, 70)));
-        // Nothing happens before the release.
-        QCOMPARE(gui_->step(), quint64(1000));
-        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(100, 30));
-        QVERIFY(!band() || !band()->isVisible());
-
+        QTest::addColumn<quint64>("start");
+        QTest::addColumn<quint64>("step");
+        QTest::addColumn<bool>("right");
+        QTest::addColumn<int>("fromX");
+        QTest::addColumn<int>("toX");
+        QTest::addColumn<quint64>("startAfter");
+        QTest::addColumn<quint64>("stepAfter");
         // Pixels 100 and 300 are steps 5 and 15: [15000, 25000], so the raw
         // step is 200000 / width, between 200 and 499.
-        QCOMPARE(gui_->startTime(), quint64(15000));
-        QCOMPARE(gui_->step(), quint64(500));
-        // The press went to the navigator, not to the view.
-        QCOMPARE(view_->cursorTime, cursor);
-
-        // A click without extent zooms in one step, keeping the start.
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(40, 10));
-        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(40, 50));
-        QCOMPARE(gui_->step(), quint64(200));
-        QCOMPARE(gui_->startTime(), quint64(15000));
-    }
-
-    void rightDraggingZoomsOutAroundTheStart()
-    {
-        gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(true);
-        setView(60000, 10);
+        QTest::newRow("left drag") << quint64(10000) << quint64(1000) << false << 300 << 100 << quint64(15000)
+                                   << quint64(500);
+        QTest::newRow("left click") << quint64(15000) << quint64(500) << false << 40 << 40 << quint64(15000)
+                                    << quint64(200);
+        // Out around the old start, not the area: a band of a quarter of the
+        // time area shows about four views of step 10, a raw step of about 40.
         const int timeArea = ruler_->width() - ruler_->originX;
-        const int bandWidth = timeArea / 4;
-        mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200 + bandWidth, 40));
-        mouse(QEvent::MouseMove, Qt::RightButton, QPoint(200, 80));
-        QVERIFY(band() && band()->isVisible());
-        mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200, 80));
-
-        const auto span = static_cast<quint64>(double(timeArea) * timeArea / bandWidth / 20 * 10.0);
-        // Centred on the old start, not on the area; the span is about four
-        // views of step 10, so the raw step is about 40.
-        QCOMPARE(gui_->startTime(), 60000 - span / 2);
-        QCOMPARE(gui_->step(), quint64(50));
-
-        // Near time 0 the range starts at 0.
-        setView(100, 10);
-        mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200, 40));
-        mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200 + bandWidth, 40));
-        QCOMPARE(gui_->startTime(), quint64(0));
-        QCOMPARE(gui_->step(), quint64(50));
-
-        // A right click zooms out one step.
-        mouse(QEvent::MouseButtonPress, Qt::RightButton, QPoint(200, 40));
-        mouse(QEvent::MouseButtonRelease, Qt::RightButton, QPoint(200, 40));
-        QCOMPARE(gui_->step(), quint64(100));
+        const auto span = static_cast<quint64>(double(timeArea) * timeArea / (timeArea / 4) / 20 * 10.0);
+        QTest::newRow("right drag") << quint64(60000) << quint64(10) << true << 200 + timeArea / 4 << 200
+                                    << 60000 - span / 2 << quint64(50);
+        QTest::newRow("right drag near 0") << quint64(100) << quint64(10) << true << 200 << 200 + timeArea / 4
+                                           << quint64(0) << quint64(50);
+        QTest::newRow("right click") << quint64(0) << quint64(50) << true << 200 << 200 << quint64(0) << quint64(100);
+    }
+    void zoomArea()
+    {
+        QFETCH(quint64, start);
+        QFETCH(quint64, step);
+        QFETCH(bool, right);
+        QFETCH(int, fromX);
+        QFETCH(int, toX);
+        setView(start, step);
+        const quint64 cursor = setCursor(777);
+        gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(true);
+        QVERIFY(gui_->isZooming());
+        const Qt::MouseButton button = right ? Qt::RightButton : Qt::LeftButton;
+        mouse(QEvent::MouseButtonPress, button, QPoint(fromX, 70));
+        mouse(QEvent::MouseMove, button, QPoint(toX, 30));
+        if (fromX != toX)
+            QCOMPARE(band()->geometry(), QRect(QPoint(qMin(fromX, toX), 30), QPoint(qMax(fromX, toX), 70)));
+        QCOMPARE(gui_->step(), step);   // nothing before the release
+        mouse(QEvent::MouseButtonRelease, button, QPoint(toX, 30));
+        QVERIFY(!band() || !band()->isVisible());
+        QTEST(gui_->startTime(), "startAfter");
+        QTEST(gui_->step(), "stepAfter");
+        // The press went to the navigator, not to the view.
+        QCOMPARE(view_->cursorTime(), cursor);
     }
 
     void leavingZoomMode()
     {
         QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
         zoomArea->setChecked(true);
-        QSignalSpy quit(gui_.get(), &VokGUI::sigQuitZooming);
+        QSignalSpy quit(gui_, &VokGUI::sigQuitZooming);
         mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(100, 10));
         mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(200, 10));
         QVERIFY(band() && band()->isVisible());
@@ -313,7 +272,6 @@ private Q_SLOTS:
         QVERIFY(!gui_->isZooming());
         QVERIFY(!zoomArea->isChecked());
         QVERIFY(!band() || !band()->isVisible());
-
         // Unchecking the action ends the mode and drops a band being dragged.
         zoomArea->setChecked(true);
         setView(0, 10);
@@ -327,151 +285,110 @@ private Q_SLOTS:
         QCOMPARE(gui_->startTime(), quint64(0));
     }
 
-    void ctrlWheelZoomsOneStepPerNotch()
-    {
-        for (QWidget* target : {static_cast<QWidget*>(view_), gui_->waveList()->viewport()}) {
-            setView(400, 100);
-            wheel(target, QPoint(0, 120), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(50));
-            wheel(target, QPoint(0, -360), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(500));
-            wheel(target, QPoint(0, 120), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(200));
-            // Half notches add up.
-            wheel(target, QPoint(0, 60), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(200));
-            wheel(target, QPoint(0, 60), Qt::ControlModifier);
-            QCOMPARE(gui_->step(), quint64(100));
-            QCOMPARE(gui_->startTime(), quint64(400));
-        }
-    }
-
-    void wheelScrollsRowsAndShiftWheelScrollsTime()
+    void wheels()
     {
         QScrollBar* rows = gui_->waveVBar();
-        QScrollBar* time = gui_->waveHBar();
         const int lines = QApplication::wheelScrollLines();
-        QVERIFY(rows->maximum() > 2 * lines);
+        QVERIFY(rows->maximum() > 3 * lines);
         for (QWidget* target : {static_cast<QWidget*>(view_), gui_->waveList()->viewport()}) {
+            // Ctrl: one zoom step per notch; half notches add up.
+            setView(400, 100);
+            const QList<QPair<int, quint64>> zooms{{120, 50}, {-360, 500}, {120, 200}, {60, 200}, {60, 100}};
+            for (auto [delta, after] : zooms) {
+                wheel(target, QPoint(0, delta), Qt::ControlModifier);
+                QCOMPARE(gui_->step(), after);
+            }
+            QCOMPARE(gui_->startTime(), quint64(400));
+            // Plain: rows; Shift or sideways: the time axis, in steps.
             rows->setValue(0);
-            setView(0, 100);
             gui_->Refresh();
-            wheel(target, QPoint(0, -120), Qt::NoModifier);
-            QCOMPARE(rows->value(), lines);
-            wheel(target, QPoint(0, -240), Qt::NoModifier);
-            QCOMPARE(rows->value(), 3 * lines);
-            wheel(target, QPoint(0, 120), Qt::NoModifier);
-            QCOMPARE(view_->firstVisibleRow, 2 * lines);
-            wheel(target, QPoint(0, 1200), Qt::NoModifier);
-            QCOMPARE(view_->firstVisibleRow, 0);
-
-            // Shift: the time axis, in steps.
-            wheel(target, QPoint(0, -120), Qt::ShiftModifier);
-            QCOMPARE(time->value(), lines);
-            QCOMPARE(gui_->startTime(), quint64(lines * 100));
-            // A sideways wheel does the same without Shift.
-            wheel(target, QPoint(-240, 0), Qt::NoModifier);
-            QCOMPARE(gui_->startTime(), quint64(3 * lines * 100));
-            wheel(target, QPoint(0, 120), Qt::ShiftModifier);
-            QCOMPARE(gui_->startTime(), quint64(2 * lines * 100));
-            wheel(target, QPoint(0, 12000), Qt::ShiftModifier);
-            QCOMPARE(gui_->startTime(), quint64(0));
-            QCOMPARE(view_->firstVisibleRow, 0);
+            const struct { QPoint angle; Qt::KeyboardModifiers mods; int row; quint64 start; } scrolls[] = {
+                {{0, -120}, Qt::NoModifier, lines, 400}, {{0, -240}, Qt::NoModifier, 3 * lines, 400},
+                {{0, 120}, Qt::NoModifier, 2 * lines, 400}, {{0, 1200}, Qt::NoModifier, 0, 400},
+                {{0, -120}, Qt::ShiftModifier, 0, 400 + quint64(lines) * 100},
+                {{-240, 0}, Qt::NoModifier, 0, 400 + quint64(lines) * 300},
+                {{0, 12000}, Qt::ShiftModifier, 0, 0},
+            };
+            for (const auto& s : scrolls) {
+                wheel(target, s.angle, s.mods);
+                QCOMPARE(gui_->viewport().firstRow, s.row);
+                QCOMPARE(gui_->startTime(), s.start);
+            }
         }
     }
 
-    void stepJumpsFromTheEdges()
+    void jumps_data()
     {
-        setView(0, 10);
-        view_->cursorTime = 10;
-        gui_->JumptoLeft();
-        QCOMPARE(view_->cursorTime, quint64(0));
-        view_->cursorTime = 17;
-        gui_->JumptoLeft();
-        QCOMPARE(view_->cursorTime, quint64(7));
-
-        view_->cursorTime = 100;
-        gui_->JumptoLeft10();
-        QCOMPARE(view_->cursorTime, quint64(0));
-        view_->cursorTime = 150;
-        gui_->JumptoLeft10();
-        QCOMPARE(view_->cursorTime, quint64(50));
-
-        view_->cursorTime = NoTime;
-        gui_->JumptoRight();
-        QCOMPARE(view_->cursorTime, quint64(10));
-        gui_->JumptoRight();
-        QCOMPARE(view_->cursorTime, quint64(20));
-        gui_->JumptoRight10();
-        QCOMPARE(view_->cursorTime, quint64(120));
-
-        // The actions reach the same jumps.
-        gui_->action(VokGUI::ActTickLeft)->trigger();
-        QCOMPARE(view_->cursorTime, quint64(110));
-        gui_->action(VokGUI::ActJumpZero)->trigger();
-        QCOMPARE(view_->cursorTime, quint64(0));
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<quint64>("cursor");
+        QTest::addColumn<int>("action");
+        QTest::addColumn<quint64>("landed");
+        // The view shows step 10; "a" changes at 100 and 200 and ends at 1000.
+        QTest::newRow("left to 0") << "a" << quint64(10) << int(VokGUI::ActTickLeft) << quint64(0);
+        QTest::newRow("left") << "a" << quint64(17) << int(VokGUI::ActTickLeft) << quint64(7);
+        QTest::newRow("10 left to 0") << "a" << quint64(100) << int(VokGUI::ActLeft10) << quint64(0);
+        QTest::newRow("10 left") << "a" << quint64(150) << int(VokGUI::ActLeft10) << quint64(50);
+        QTest::newRow("right from none") << "a" << NoTime << int(VokGUI::ActTickRight) << quint64(10);
+        QTest::newRow("right") << "a" << quint64(10) << int(VokGUI::ActTickRight) << quint64(20);
+        QTest::newRow("10 right from none") << "a" << NoTime << int(VokGUI::ActRight10) << quint64(100);
+        QTest::newRow("10 right") << "a" << quint64(20) << int(VokGUI::ActRight10) << quint64(120);
+        QTest::newRow("right stops at the end") << "a" << quint64(995) << int(VokGUI::ActTickRight) << quint64(1000);
+        QTest::newRow("zero") << "a" << quint64(120) << int(VokGUI::ActJumpZero) << quint64(0);
+        QTest::newRow("next change") << "a" << quint64(0) << int(VokGUI::ActNextChange) << quint64(100);
+        QTest::newRow("next change again") << "a" << quint64(100) << int(VokGUI::ActNextChange) << quint64(200);
+        QTest::newRow("end") << "a" << quint64(0) << int(VokGUI::ActJumpEnd) << quint64(1000);
+        QTest::newRow("far end") << "long" << quint64(0) << int(VokGUI::ActJumpEnd) << quint64(100000);
+        QTest::newRow("next without a wave") << "" << quint64(150) << int(VokGUI::ActNextChange) << quint64(150);
+        QTest::newRow("end without a wave") << "" << quint64(150) << int(VokGUI::ActJumpEnd) << quint64(150);
     }
-
-    void jumpsAlongTheActiveWave()
+    void jumps()
     {
+        QFETCH(QString, wave);
+        QFETCH(quint64, cursor);
+        QFETCH(int, action);
+        QFETCH(quint64, landed);
         setView(0, 10);
-        view_->cursorTime = 0;
-        gui_->JumptoNext();
-        QCOMPARE(view_->cursorTime, quint64(100));
-        gui_->JumptoNext();
-        QCOMPARE(view_->cursorTime, quint64(200));
-        gui_->JumptoEnd();
-        QCOMPARE(view_->cursorTime, quint64(1000));
-        gui_->JumptoZero();
-        QCOMPARE(view_->cursorTime, quint64(0));
-
-        // Far jumps bring the cursor into view.
-        gui_->setActiveWave(wave("long"));
-        gui_->JumptoEnd();
-        QCOMPARE(view_->cursorTime, quint64(100000));
-        QVERIFY(gui_->startTime() <= 100000);
-        QVERIFY(gui_->startTime() + quint64(viewWidth() / 20) * 10 >= 100000);
-
-        // Without an active wave, Next and End do nothing.
-        gui_->setActiveWave(nullptr);
-        view_->cursorTime = 150;
-        const quint64 start = gui_->startTime();
-        gui_->JumptoNext();
-        gui_->JumptoEnd();
-        QCOMPARE(view_->cursorTime, quint64(150));
-        QCOMPARE(gui_->startTime(), start);
+        gui_->setActiveWave(gui_->document()->findWavebyName(wave));
+        QCOMPARE(setCursor(cursor), cursor);
+        gui_->action(action)->trigger();
+        QCOMPARE(view_->cursorTime(), landed);
+        // A jump brings the cursor into view; no jump leaves the view alone.
+        if (landed == cursor)
+            QCOMPARE(gui_->startTime(), quint64(0));
+        QVERIFY(gui_->startTime() <= landed);
+        QVERIFY(gui_->startTime() + quint64(viewWidth() / 20) * 10 >= landed);
     }
 
     void theMarker()
     {
+        QSignalSpy marked(gui_, &VokGUI::markChanged);
         QVERIFY(!gui_->isMarked());
-        view_->cursorTime = 420;
-        gui_->placeMarker();
-        QCOMPARE(view_->markerTime, quint64(420));
+        setCursor(420);
+        gui_->action(VokGUI::ActPlaceMarker)->trigger();
+        QCOMPARE(view_->markerTime(), quint64(420));
         QVERIFY(gui_->isMarked());
-
-        view_->cursorTime = 10;
-        gui_->JumptoMarker();
-        QCOMPARE(view_->cursorTime, quint64(420));
-
-        gui_->hideMarker();
-        QCOMPARE(view_->markerTime, NoTime);
+        setCursor(10);
+        gui_->action(VokGUI::ActJumpMarker)->trigger();
+        QCOMPARE(view_->cursorTime(), quint64(420));
+        gui_->action(VokGUI::ActHideMarker)->trigger();
+        QCOMPARE(view_->markerTime(), NoTime);
         QVERIFY(!gui_->isMarked());
+        QCOMPARE(marked.count(), 2);
     }
 
     void jumpToTypedTime()
     {
-        view_->cursorTime = 5;
+        setCursor(5);
         QCOMPARE(jumpToTime({"150"}), QStringList{"Jump to Time"});
-        QCOMPARE(view_->cursorTime, quint64(150));
+        QCOMPARE(view_->cursorTime(), quint64(150));
         // Units convert: the document's unit is ns.
         jumpToTime({"0.3us"});
-        QCOMPARE(view_->cursorTime, quint64(300));
+        QCOMPARE(view_->cursorTime(), quint64(300));
         QCOMPARE(jumpToTime({"abc"}), (QStringList{"Jump to Time", "Waveform Editor|Invalid time."}));
         // An empty answer and a cancel do nothing, and show nothing more.
         QCOMPARE(jumpToTime({""}).size(), 1);
         QCOMPARE(jumpToTime({"cancel"}).size(), 1);
-        QCOMPARE(view_->cursorTime, quint64(300));
+        QCOMPARE(view_->cursorTime(), quint64(300));
     }
 };
 

@@ -1,4 +1,6 @@
-#include "rulerview.h"
+// The wave drawing, pixel by pixel: levels, shapes, rows, the selection,
+// the marker and the cursor, and what painting costs.
+#include "selection.h"
 #include "vokgui.h"
 #include "waveformdata.h"
 #include "waveview.h"
@@ -7,6 +9,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
@@ -20,7 +23,6 @@ const QColor Back(255, 255, 255);
 const QColor Signal(0, 0, 255);
 const QColor Bus(0, 128, 0);
 const QColor DontCare(200, 0, 100);
-const QColor Ink(0, 0, 128);
 const QColor Gray(Qt::gray);
 const QColor Red(Qt::red);
 const QColor Black(Qt::black);
@@ -31,6 +33,19 @@ constexpr int Height = 200;
 QColor at(const QImage& image, int x, int y)
 {
     return QColor(image.pixel(x, y));
+}
+
+struct Px
+{
+    int x, y;
+    QColor color;
+};
+
+// Whether each listed pixel has its colour.
+void expect(const QImage& image, std::initializer_list<Px> points)
+{
+    for (const Px& p : points)
+        QVERIFY2(at(image, p.x, p.y) == p.color, qPrintable(QStringLiteral("pixel %1, %2").arg(p.x).arg(p.y)));
 }
 
 // How many pixels of the rectangle [x0, x1] x [y0, y1] have exactly the colour.
@@ -51,7 +66,6 @@ class TestWaveDrawing : public QObject
 
     std::unique_ptr<VokGUI> gui_;
     WaveView* view_ = nullptr;
-    RulerView* ruler_ = nullptr;
 
     WaveformData* doc() const { return gui_->document(); }
 
@@ -104,15 +118,6 @@ class TestWaveDrawing : public QObject
         return image;
     }
 
-    QImage paintRuler()
-    {
-        ruler_->originX = 100;
-        QImage image(ruler_->size(), QImage::Format_RGB32);
-        image.fill(Qt::magenta);
-        ruler_->render(&image);
-        return image;
-    }
-
     void send(QWidget* target, QEvent::Type type, Qt::MouseButton button, QPoint pos)
     {
         const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
@@ -120,17 +125,11 @@ class TestWaveDrawing : public QObject
         QCoreApplication::sendEvent(target, &event);
     }
 
-    void collect(WaveData* wave, double a, double b, int mode = VokGUI::ModeEdit)
+    // Scrolls the wave view down to a row, as the tool's scroll bar does.
+    void scrollTo(int row)
     {
-        wave->selected = true;
-        gui_->setMode(mode);
-        gui_->selection().clear();
-        view_->selectionStart = a;
-        view_->selectionEnd = b;
-        view_->snappedStart = view_->snappedEnd = 0;
-        view_->collectSelection = true;
-        paint();
-        view_->collectSelection = false;
+        gui_->waveVBar()->setMaximum(qMax(row, gui_->waveVBar()->maximum()));
+        gui_->waveVBar()->setValue(row);
     }
 
 private Q_SLOTS:
@@ -140,14 +139,9 @@ private Q_SLOTS:
         gui_ = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
         gui_->initialize();
         view_ = gui_->waveView();
-        ruler_ = gui_->rulerView();
-        QVERIFY(view_ && ruler_);
         // The first render lays the hidden window out; sizes set after it stay.
         QImage settle(8, 8, QImage::Format_RGB32);
         gui_->render(&settle);
-        ruler_->resize(600, 50);
-        ruler_->render(&settle);
-        QCOMPARE(ruler_->size(), QSize(600, 50));
     }
 
     void init()
@@ -158,23 +152,17 @@ private Q_SLOTS:
         gui_->color_signal = Signal;
         gui_->color_bus = Bus;
         gui_->color_x = DontCare;
-        gui_->color_names = Ink;
         gui_->setShowGuideline(false);
         gui_->setBusRadix(3);
         gui_->setMode(VokGUI::ModeQuery);
         view_->setPalette(QPalette(Back));
-        ruler_->setPalette(QPalette(Back));
-        view_->firstVisibleRow = 0;
-        view_->markerTime = view_->cursorTime = 0;
-        view_->selectionStart = view_->selectionEnd = 0;
-        view_->snappedStart = view_->snappedEnd = 0;
-        view_->selectionIsRange = view_->highlightOff = view_->collectSelection = false;
-        view_->selectedPattern = view_->selectedPattern2 = nullptr;
+        scrollTo(0);
+        view_->setMarkerTime(NoTime);
+        gui_->changeRange(0, 0);
+        Selection& s = gui_->selectionState();
+        s.isRange = s.highlightOff = false;
+        s.picked = s.picked2 = nullptr;
         view_->setProperty("directPaint", false);
-        ruler_->originX = 100;
-        ruler_->mouseX = 400;
-        ruler_->rangeActive = false;
-        ruler_->rangeStart = ruler_->rangeEnd = 0;
         setView(0, 1);
     }
 
@@ -184,69 +172,93 @@ private Q_SLOTS:
         gui_.reset();
     }
 
-    void levelsAndEdges()
+    void scenes_data()
     {
-        addWave("0:2 1:3 0:2");    // row 0
-        addWave("1:2 -1:2 0:2");   // row 1: no edge after a don't care...
-        addWave("1:2 -2:2 0:2");   // row 2: ...nor after high impedance
-        addWave("1:2 1:0 1:2");    // row 3: an empty pattern draws nothing
-        addWave("1:2", 3);         // row 4: low up to the offset
-        const QImage img = paint(Width, 240);
-        QCOMPARE(at(img, 20, 40), Signal);    // low: row top + 40
-        QCOMPARE(at(img, 70, 10), Signal);    // high: row top + 10
-        QCOMPARE(at(img, 40, 25), Signal);    // rising edge
-        QCOMPARE(at(img, 100, 25), Signal);   // falling edge
-        QCOMPARE(at(img, 120, 40), Signal);
-        QCOMPARE(at(img, 150, 40), Back);     // nothing after the end
-
-        QCOMPARE(at(img, 100, 80), Signal);
-        QCOMPARE(at(img, 100, 120), Signal);
-        QCOMPARE(at(img, 60, 130), Signal);
-        QCOMPARE(count(img, Signal, 38, 131, 42, 159), 0);
-
-        QCOMPARE(at(img, 30, 200), Signal);
-        QCOMPARE(at(img, 60, 185), Signal);   // edge from the offset's 0
-        QCOMPARE(at(img, 80, 170), Signal);
-        QCOMPARE(at(img, 110, 170), Back);
+        // Waves separated by "|": segments as addWave takes them, then
+        // "@offset" and "/bus width"; "+" in front expands a bus, "~" hides
+        // the wave. Expected: "C@x,y" a pixel of colour C, "C>x0,y0,x1,y1"
+        // some of the rectangle in C, "C!x0,y0,x1,y1" none of it. Colours:
+        // S signal, B bus, K black, D don't care, G gray, W background.
+        QTest::addColumn<QString>("scene");
+        QTest::addColumn<quint64>("start");
+        QTest::addColumn<quint64>("step");
+        QTest::addColumn<int>("radix");
+        QTest::addColumn<QString>("expected");
+        // Low at row top + 40, high at + 10, edges between; none after a
+        // don't care or high impedance, none for an empty pattern; low up to
+        // an offset.
+        QTest::newRow("levels") << "0:2 1:3 0:2 | 1:2 -1:2 0:2 | 1:2 -2:2 0:2 | 1:2 1:0 1:2 | 1:2@3" << quint64(0)
+                                << quint64(1) << 3
+                                << "S@20,40 S@70,10 S@40,25 S@100,25 S@120,40 W@150,40 S@100,80 S@100,120 S@60,130 "
+                                   "S!38,131,42,159 S@30,200 S@60,185 S@80,170 W@110,170";
+        QTest::newRow("don't care and high impedance")
+            << "1:2 -1:2 0:2 -2:2" << quint64(0) << quint64(1) << 3
+            << "D>40,10,47,39 D>40,32,47,39 D!30,0,39,198 D!80,0,398,198 D!40,40,79,45 G@120,10 G@159,10 "
+               "G@120,39 G@159,39 W@125,20 G>136,22,144,32 G!160,0,398,198";
+        QTest::newRow("hidden takes no row") << "~1:5 | 0:5" << quint64(0) << quint64(1) << 3
+                                             << "S@50,40 W@50,10 S!1,41,398,198";
+        // 10 pixels a unit: a hexagon over 0..60, a diamond 60..70, 20 pixels
+        // a hexagon again, each with its text where it fits.
+        QTest::newRow("bus") << "A5:6 1F:1 3:2/8" << quint64(0) << quint64(2) << 3
+                             << "B@30,10 B@30,40 B@60,25 B@65,10 B@65,40 B@76,10 B@84,10 B>10,15,50,35 B>76,20,84,33";
+        // Binary "10100101" is 64 pixels of text: too wide for 60.
+        QTest::newRow("bus text too wide") << "A5:6 1F:1 3:2/8" << quint64(0) << quint64(2) << 0
+                                           << "B@30,10 B!10,15,50,35";
+        // Begun left of the view: the edges run from the left side, no bevel.
+        QTest::newRow("bus begun left") << "A5:6 1F:1 3:2/8" << quint64(1) << quint64(2) << 3 << "B@2,10 B@2,40";
+        // Bit row 0 shows bit 1 (0 then 1), bit row 1 bit 0 (1 then 0); don't
+        // care in the bus row and in both bit rows; the next wave below them.
+        QTest::newRow("bit rows") << "+1:2 2:2 -1:1 3:1/2 | 1:5" << quint64(0) << quint64(1) << 3
+                                  << "B@20,10 K@20,80 K@60,50 K@40,65 K@20,90 K@60,120 K@40,105 D>80,10,87,39 "
+                                     "D>80,50,87,79 D>80,90,87,119 D!100,0,398,198 S@50,130";
+        // The forever tail repeats to the right edge over clone blocks,
+        // however far the view scrolls.
+        QTest::newRow("forever") << "0:1 (1:1 0:1" << quint64(0) << quint64(1) << 3
+                                 << "S@30,10 S@50,40 G!1,10,59,39 G>60,10,99,39 G>360,10,398,39 S@390,10 S@370,40";
+        QTest::newRow("forever far") << "0:1 (1:1 0:1" << quint64(1000001) << quint64(1) << 3 << "S@10,10 S@30,40";
     }
-
-    void dontCareAndHighZBoxes()
+    void scenes()
     {
-        addWave("1:2 -1:2 0:2 -2:2");
-        const QImage img = paint();
-        // Don't care: hatched over x 40..79, y 10..39, one hatch pixel in
-        // eight on every line, nothing outside.
-        for (int y = 10; y <= 39; ++y)
-            QCOMPARE(count(img, DontCare, 40, y, 47, y), 1);
-        QCOMPARE(count(img, DontCare, 30, 0, 39, Height - 2), 0);
-        QCOMPARE(count(img, DontCare, 80, 0, Width - 2, Height - 2), 0);
-        QCOMPARE(count(img, DontCare, 40, 40, 79, 45), 0);
-
-        // High impedance: outlined in gray over x 120..159, with a "Z".
-        for (int x = 120; x <= 159; ++x) {
-            QCOMPARE(at(img, x, 10), Gray);
-            QCOMPARE(at(img, x, 39), Gray);
+        QFETCH(QString, scene);
+        QFETCH(quint64, start);
+        QFETCH(quint64, step);
+        QFETCH(int, radix);
+        QFETCH(QString, expected);
+        for (QString wave : scene.split(QLatin1Char('|'))) {
+            wave = wave.trimmed();
+            const bool expanded = wave.startsWith(QLatin1Char('+'));
+            const bool hidden = wave.startsWith(QLatin1Char('~'));
+            const QString width = wave.section(QLatin1Char('/'), 1);
+            wave = wave.section(QLatin1Char('/'), 0, 0).mid(expanded || hidden ? 1 : 0);
+            WaveData* w = addWave(wave.section(QLatin1Char('@'), 0, 0), wave.section(QLatin1Char('@'), 1).toULongLong(),
+                                  width.toInt());
+            w->expandFlag = expanded;
+            w->visible = !hidden;
         }
-        QCOMPARE(at(img, 125, 20), Back);
-        QVERIFY(count(img, Gray, 136, 22, 144, 32) > 0);
-        QCOMPARE(count(img, Gray, 160, 0, Width - 2, Height - 2), 0);
+        gui_->setBusRadix(radix);
+        setView(start, step);
+        const QImage img = paint(Width, 240);
+        const QMap<QChar, QColor> colors{{'S', Signal}, {'B', Bus}, {'K', Black}, {'D', DontCare}, {'G', Gray},
+                                         {'W', Back}};
+        for (const QString& check : expected.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            const QColor color = colors.value(check.at(0));
+            QList<int> n;
+            for (const QString& number : check.mid(2).split(QLatin1Char(',')))
+                n << number.toInt();
+            if (check.at(1) == QLatin1Char('@'))
+                QVERIFY2(at(img, n[0], n[1]) == color, qPrintable(check));
+            else
+                QVERIFY2((count(img, color, n[0], n[1], n[2], n[3]) > 0) == (check.at(1) == QLatin1Char('>')),
+                         qPrintable(check));
+        }
     }
 
-    void rowsOfShownWavesWithGuideLines()
+    void guideLinesAndScrolling()
     {
-        WaveData* hidden = addWave("1:5");
+        addWave("1:5");
         addWave("0:5");
-        hidden->visible = false;   // takes no row
-        QImage img = paint();
-        QCOMPARE(at(img, 50, 40), Signal);
-        QCOMPARE(at(img, 50, 10), Back);
-        QCOMPARE(count(img, Signal, 1, 41, Width - 2, Height - 2), 0);
-
-        hidden->visible = true;
         gui_->setShowGuideline(true);
-        img = paint();
-        QCOMPARE(at(img, 50, 10), Signal);
-        QCOMPARE(at(img, 50, 80), Signal);
+        QImage img = paint();
         // A dotted line 8 below each row's low level.
         for (int y : {48, 88}) {
             QVERIFY(count(img, Black, 1, y, Width - 2, y) > 100);
@@ -254,86 +266,13 @@ private Q_SLOTS:
                 QVERIFY(!(at(img, x, y) == Black && at(img, x + 1, y) == Black));
         }
         QCOMPARE(count(img, Black, 1, 120, Width - 2, Height - 2), 0);
-
-        view_->firstVisibleRow = 1;   // the first wave scrolled out above
-        img = paint();
-        QCOMPARE(at(img, 50, 40), Signal);
-        QCOMPARE(at(img, 50, 10), Back);
-    }
-
-    void busShapesAndText()
-    {
-        setView(0, 2);   // 10 pixels per time unit
-        addWave("A5:6 1F:1 3:2", 0, 8);
-        QImage img = paint();
-        QCOMPARE(at(img, 30, 10), Bus);      // hexagon over 0..60
-        QCOMPARE(at(img, 30, 40), Bus);
-        QCOMPARE(at(img, 60, 25), Bus);      // where hexagon and diamond meet
-        QCOMPARE(at(img, 65, 10), Bus);      // the diamond's tips, 60..70
-        QCOMPARE(at(img, 65, 40), Bus);
-        QCOMPARE(at(img, 76, 10), Bus);      // 20 pixels: a hexagon again,
-        QCOMPARE(at(img, 84, 10), Bus);      // its top edge over 75..85
-        QVERIFY(count(img, Bus, 10, 15, 50, 35) > 0);   // "A5"
-        QVERIFY(count(img, Bus, 76, 20, 84, 33) > 0);   // "3"
-
-        // Binary "10100101" is 64 pixels of text: too wide for 60.
-        gui_->setBusRadix(0);
-        img = paint();
-        QCOMPARE(count(img, Bus, 10, 15, 50, 35), 0);
-        QCOMPARE(at(img, 30, 10), Bus);
-
-        // Begun left of the view: the edges run from the left side, no bevel.
-        gui_->setBusRadix(3);
-        setView(1, 2);
-        img = paint();
-        QCOMPARE(at(img, 2, 10), Bus);
-        QCOMPARE(at(img, 2, 40), Bus);
-    }
-
-    void expandedBusBitRows()
-    {
-        WaveData* bus = addWave("1:2 2:2 -1:1 3:1", 0, 2);
-        bus->expandFlag = true;
-        addWave("1:5");   // below the bus and its two bit rows
-        QImage img = paint();
-        QCOMPARE(at(img, 20, 10), Bus);
-        // Bit row 0 shows bit 1: 0 then 1.
-        QCOMPARE(at(img, 20, 80), Black);
-        QCOMPARE(at(img, 60, 50), Black);
-        QCOMPARE(at(img, 40, 65), Black);
-        // Bit row 1 shows bit 0: 1 then 0.
-        QCOMPARE(at(img, 20, 90), Black);
-        QCOMPARE(at(img, 60, 120), Black);
-        QCOMPARE(at(img, 40, 105), Black);
-        // Don't care in the bus row and in both bit rows.
-        for (int top : {0, 40, 80})
-            QVERIFY(count(img, DontCare, 80, top + 10, 87, top + 39) > 0);
-        QCOMPARE(count(img, DontCare, 100, 0, Width - 2, Height - 2), 0);
-        QCOMPARE(at(img, 50, 130), Signal);   // the next wave in row 3
-    }
-
-    void foreverTailRepeatsToTheRightEdge()
-    {
-        addWave("0:1 (1:1 0:1");
-        QImage img = paint();
-        QCOMPARE(at(img, 30, 10), Signal);
-        QCOMPARE(at(img, 50, 40), Signal);
-        QCOMPARE(count(img, Gray, 1, 10, 59, 39), 0);   // the written part
-        QVERIFY(count(img, Gray, 60, 10, 99, 39) > 0);  // repeated over clone blocks
-        QVERIFY(count(img, Gray, 360, 10, 398, 39) > 0);
-        QCOMPARE(at(img, 390, 10), Signal);   // high over [60 + 40m, 80 + 40m]
-        QCOMPARE(at(img, 370, 40), Signal);
-
-        // However far the view scrolls.
-        setView(1000001, 1);
-        img = paint();
-        QCOMPARE(at(img, 10, 10), Signal);
-        QCOMPARE(at(img, 30, 40), Signal);
+        scrollTo(1);   // the first wave scrolled out above
+        expect(paint(), {{50, 40, Signal}, {50, 10, Back}});
     }
 
     void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
     {
-        view_->markerTime = 5;
+        view_->setMarkerTime(5);
         QImage img = paint();
         QCOMPARE(at(img, 100, 150), Red);
         QCOMPARE(count(img, Red, 0, 0, Width - 1, Height - 1), Height - 2);
@@ -341,68 +280,37 @@ private Q_SLOTS:
         QCOMPARE(at(paint(), 20, 150), Red);
         setView(5, 1);
         QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
-        view_->markerTime = NoTime;   // hidden
+        view_->setMarkerTime(NoTime);   // hidden
         setView(0, 1);
         QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
-
-        view_->cursorTime = 7;
+        send(view_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(140, 10));
+        send(view_, QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(140, 10));
+        QCOMPARE(view_->cursorTime(), quint64(7));
         for (int mode : {1, 2, 3, 4}) {
             gui_->setMode(mode);
             QCOMPARE(at(paint(), 140, 150), mode >= 3 ? Black : Back);
         }
     }
 
-    void selectionCollectsAndSnaps()
-    {
-        WaveData* wave = addWave("0:1 1:2 0:2 1:1");   // [0,1] [1,3] [3,5] [5,6]
-        collect(wave, 4.2, 1.3);
-        QCOMPARE(gui_->selection(), (QList<Pattern*>{wave->patterns.at(1), wave->patterns.at(2)}));
-        QCOMPARE(view_->selectionStart, 1.5);
-        QCOMPARE(view_->selectionEnd, 4.5);
-
-        // Nothing is collected outside edit mode, with the highlight off or
-        // for a free range; the selection times stay.
-        for (int variant = 0; variant < 3; ++variant) {
-            view_->highlightOff = variant == 1;
-            view_->selectionIsRange = variant == 2;
-            if (variant == 0)
-                collect(wave, 1.3, 4.2, VokGUI::ModeQuery);
-            else
-                collect(wave, 1.3, 4.2);
-            QVERIFY(gui_->selection().isEmpty());
-            QCOMPARE(view_->selectionStart, 1.3);
-        }
-        view_->highlightOff = view_->selectionIsRange = false;
-        wave->selected = false;
-
-        // Right of the right edge (the view shows 20 time units)...
-        WaveData* right = addWave("0:100 1:5 0:5 1:5");
-        collect(right, 101, 109);
-        QCOMPARE(gui_->selection(), (QList<Pattern*>{right->patterns.at(1), right->patterns.at(2)}));
-        QCOMPARE(view_->selectionStart, 100.5);
-        QCOMPARE(view_->selectionEnd, 109.5);
-    }
-
     void selectionIsMarkedAboveAndBelowTheRow()
     {
         WaveData* wave = addWave("0:1 1:2 0:2 1:1");
-        collect(wave, 1.3, 4.2);
+        wave->selected = true;
+        gui_->setMode(VokGUI::ModeEdit);
+        // Per segment: the two it touches, [1,5], x 20..100. Two-pixel lines
+        // at y 5 and 45 cover the pixel row above too.
+        gui_->changeRange(1.3, 4.2);
         const QImage img = paint();
-        // Two-pixel lines over [1,5], x 20..100, at y 5 and 45 (each covers the
-        // pixel row above its y as well).
-        for (int y : {4, 5, 44, 45}) {
-            QCOMPARE(at(img, 60, y), Black);
-            QCOMPARE(at(img, 10, y), Back);
-            QCOMPARE(at(img, 110, y), Back);
-        }
+        for (int y : {4, 5, 44, 45})
+            expect(img, {{60, y, Black}, {10, y, Back}, {110, y, Back}});
         // A free range is marked from its own times.
-        view_->selectionIsRange = true;
-        view_->selectionStart = 2;
-        view_->selectionEnd = 3;
+        gui_->selectionState().isRange = true;
+        gui_->changeRange(2, 3);
         const QImage range = paint();
-        QCOMPARE(at(range, 50, 5), Black);
-        QCOMPARE(at(range, 30, 5), Back);
-        QCOMPARE(at(range, 70, 5), Back);
+        expect(range, {{50, 5, Black}, {30, 5, Back}, {70, 5, Back}});
+        // Outside edit mode nothing is marked.
+        gui_->setMode(VokGUI::ModeQuery);
+        QCOMPARE(at(paint(), 50, 5), Back);
     }
 
     void paintingCostsWhatIsVisible()
@@ -416,7 +324,6 @@ private Q_SLOTS:
         addToggling(100025);
         paint();
         QCOMPARE(view_->lastPaintPrimitives(), few);
-
         // Thousands of segments per pixel cost about the pixels.
         init();
         addToggling(200000);
@@ -457,99 +364,23 @@ private Q_SLOTS:
         WaveData* selected = addWave(mixed, 0);
         selected->selected = true;
         gui_->setShowGuideline(true);
-        view_->markerTime = 30;
-        view_->cursorTime = 40;
-        view_->selectedPattern = selected->patterns.at(5);
-        view_->selectedPattern2 = bus->patterns.at(9);
+        view_->setMarkerTime(30);
+        gui_->selectionState().picked = selected->patterns.at(5);
+        gui_->selectionState().picked2 = bus->patterns.at(9);
         gui_->setMode(VokGUI::ModeEdit);
-        view_->selectionStart = 20;
-        view_->selectionEnd = 700;
-        view_->firstVisibleRow = 1;
+        gui_->changeRange(20, 700);
+        scrollTo(1);
         view_->resize(Width, 500);
         if (step == 0)
             gui_->zoomRange(0, gui_->getMaxEnd());
         else
             setView(start, step);
-
         const QImage gathered = paint(Width, 500);
         const int gatheredCount = view_->lastPaintPrimitives();
         view_->setProperty("directPaint", true);
         const QImage direct = paint(Width, 500);
         QVERIFY(gathered == direct);
         QVERIFY(gatheredCount <= view_->lastPaintPrimitives());
-    }
-
-    void rulerTicksFromTheStart_data()
-    {
-        QTest::addColumn<quint64>("start");
-        QTest::addColumn<int>("minors");
-        QTest::addColumn<quint64>("labelStart");
-        QTest::newRow("on the grid") << quint64(100) << 0 << quint64(0);
-        QTest::newRow("start 10") << quint64(10) << 9 << quint64(0);
-        QTest::newRow("start 15") << quint64(15) << 9 << quint64(5);
-        QTest::newRow("start 55") << quint64(55) << 5 << quint64(5);
-        QTest::newRow("start 1230") << quint64(1230) << 7 << quint64(1200);
-    }
-    void rulerTicksFromTheStart()
-    {
-        QFETCH(quint64, start);
-        QFETCH(int, minors);
-        QFETCH(quint64, labelStart);
-        setView(start, 10);
-        const QImage img = paintRuler();
-        // Height 50, half 25: minor ticks from y 40, major ticks from y 35.
-        for (int i = 0; i < minors; ++i) {
-            const int x = 100 + 20 * i;
-            QCOMPARE(at(img, x, 45), Ink);
-            QCOMPARE(at(img, x, 37), Back);
-            QCOMPARE(at(img, x + 10, 45), Back);
-        }
-        const int major = 100 + 20 * minors;
-        QCOMPARE(at(img, major, 37), Ink);
-        QCOMPARE(at(img, major + 200, 37), Ink);
-        QCOMPARE(at(img, major + 20, 37), Back);
-
-        // Its label equals the label of the same time elsewhere.
-        setView(labelStart, 10);
-        const QImage reference = paintRuler();
-        QCOMPARE(at(reference, 300, 37), Ink);
-        const QImage label = img.copy(major - 20, 0, 40, 34);
-        QVERIFY(count(label, Back, 0, 0, 39, 33) < 40 * 34 - 20);
-        QCOMPARE(label, reference.copy(300 - 20, 0, 40, 34));
-        QVERIFY(label != reference.copy(100 - 20, 0, 40, 34));
-    }
-
-    void rulerMarksARange()
-    {
-        setView(0, 10);
-        ruler_->rangeActive = true;
-        ruler_->rangeStart = 50;
-        ruler_->rangeEnd = 20;
-        QImage img = paintRuler();
-        for (int x : {150, 170, 190})
-            QCOMPARE(at(img, x, 45), Black);
-        QCOMPARE(at(img, 140, 45), Back);   // inside the white outline
-        QCOMPARE(at(img, 210, 45), Back);
-        ruler_->rangeEnd = 50;
-        img = paintRuler();
-        QCOMPARE(count(img, Black, 100, 36, 599, 48), 0);
-    }
-
-    void rulerMouse()
-    {
-        setView(1000, 10);
-
-        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(40, 10));
-        QCOMPARE(ruler_->mouseX, 0);
-        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(175, 10));
-        QCOMPARE(ruler_->mouseX, 75);
-
-        // Outside zoom mode a range ends at the first move.
-        send(ruler_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(150, 10));
-        QVERIFY(ruler_->rangeActive);
-        QCOMPARE(ruler_->rangeStart, quint64(1020));
-        send(ruler_, QEvent::MouseMove, Qt::NoButton, QPoint(210, 10));
-        QVERIFY(!ruler_->rangeActive);
     }
 };
 

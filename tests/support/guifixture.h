@@ -1,0 +1,263 @@
+#pragma once
+
+// A tool window on a document as the user has it: written to a file, opened,
+// shown at a fixed size with the wave view at time 0 and one time unit per
+// step (20 pixels), and driven with the mouse on the wave view.
+#include "rulerview.h"
+#include "vokgui.h"
+#include "wavedata.h"
+#include "waveformdata.h"
+#include "wavelstview.h"
+#include "waveview.h"
+
+#include "toolfixture.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QMouseEvent>
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QTemporaryDir>
+#include <QUndoStack>
+#include <QtTest>
+
+#include <memory>
+#include <vector>
+
+namespace guitest {
+
+using namespace kesu::toolvok;
+
+inline const QByteArray kHeader = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 0;\n"
+                                  "%DECIMALS = 0;\n%ENDTIME = 400;\n";
+
+// The writer's layout: header plus one line per wave.
+inline QByteArray wdl(const QList<QByteArray>& waves)
+{
+    return kHeader + (waves.isEmpty() ? QByteArray() : waves.join('\n') + '\n');
+}
+
+// The y of the middle of a row, and the x of a time at one unit per step.
+constexpr int rowY(int row)
+{
+    return row * Viewport::RowHeight + Viewport::RowHeight / 2;
+}
+constexpr int timeX(double t)
+{
+    return int(t * Viewport::PixelsPerStep);
+}
+
+// "value:duration" per segment.
+inline QString segments(const WaveData* w)
+{
+    QStringList items;
+    for (const Pattern* p : w->patterns)
+        items << QStringLiteral("%1:%2").arg(QString::fromStdString(p->value)).arg(p->duration);
+    return items.join(QLatin1Char(' '));
+}
+
+// The arguments of every emission of a one-bool signal, taken off the spy.
+inline QList<bool> emitted(QSignalSpy& spy)
+{
+    QList<bool> values;
+    for (const QList<QVariant>& args : std::as_const(spy))
+        values << args.at(0).toBool();
+    spy.clear();
+    return values;
+}
+
+// Spies on several one-bool signals of the tool window at once.
+class Spies
+{
+public:
+    template <typename... Signals>
+    explicit Spies(VokGUI* gui, Signals... signals)
+    {
+        (spies_.push_back(std::make_unique<QSignalSpy>(gui, signals)), ...);
+    }
+    // The emissions since the last look, one list per signal.
+    QList<QList<bool>> take()
+    {
+        QList<QList<bool>> all;
+        for (const auto& spy : spies_)
+            all << emitted(*spy);
+        return all;
+    }
+
+private:
+    std::vector<std::unique_ptr<QSignalSpy>> spies_;
+};
+
+class Window
+{
+    QTemporaryDir dir_;
+
+public:
+    explicit Window(const QByteArray& text, QSize size = QSize(1400, 700))
+    {
+        const QString path = dir_.filePath(QStringLiteral("doc.wdl"));
+        if (!toolfixture::writeFile(path, text))
+            qWarning("could not write %s", qPrintable(path));
+        gui = toolfixture::openShown(path, size);
+        if (!gui)
+            return;
+        gui->setStartTime(0);
+        gui->changeStep(1);
+        gui->doListVScrollChanged(0);
+    }
+
+    bool ok() const { return gui && gui->waveView()->width() >= 400; }
+    VokGUI* operator->() const { return gui.get(); }
+    WaveView* view() const { return gui->waveView(); }
+    WaveLstView* list() const { return gui->waveList(); }
+    Selection& sel() const { return gui->selectionState(); }
+
+    QByteArray saved() const { return toolfixture::savedText(*gui); }
+    // The saved line of one wave.
+    QByteArray line(const QString& name) const
+    {
+        for (const QByteArray& l : saved().split('\n')) {
+            if (l.startsWith(name.toUtf8() + " {"))
+                return l;
+        }
+        return {};
+    }
+    WaveData* wave(const QString& name) const { return gui->document()->findWavebyName(name); }
+    QStringList docOrder() const
+    {
+        QStringList names;
+        for (const WaveData* w : gui->document()->waves)
+            names << w->name;
+        return names;
+    }
+    // The name list's rows by wave name ("-" for element rows).
+    QStringList listRows() const
+    {
+        QStringList names;
+        for (int row = 0; row < list()->itemModel()->rowCount(); ++row) {
+            const WaveData* w = list()->waveAt(row);
+            names << (w ? w->name : QStringLiteral("-"));
+        }
+        return names;
+    }
+    // The rows the document's shown waves take in the drawing, as listRows.
+    QStringList drawnRows() const
+    {
+        QStringList names;
+        for (const WaveData* w : gui->document()->waves) {
+            if (!w->visible)
+                continue;
+            names << w->name;
+            for (int i = 0; w->isBus && w->expandFlag && i < w->elements.size(); ++i)
+                names << QStringLiteral("-");
+        }
+        return names;
+    }
+
+    void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
+    int steps() const { return gui->undoStack()->count(); }
+
+    // Edit operations work on what a drag selected; this selects the segments
+    // of a wave as such a drag leaves them.
+    void select(const QString& name, const QList<int>& indexes) const
+    {
+        WaveData* w = wave(name);
+        list()->setCurrentIndex(list()->itemModel()->index(list()->rowOf(w), 0));
+        gui->selection().clear();
+        for (int i : indexes)
+            gui->selection().append(w->patterns.at(i));
+        w->selected = true;
+    }
+
+    void send(QEvent::Type type, int x, int y, Qt::MouseButton button = Qt::LeftButton,
+              Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        if (type == QEvent::MouseButtonPress)
+            held |= button;
+        else if (type == QEvent::MouseButtonRelease)
+            held &= ~Qt::MouseButtons(button);
+        const QPointF pos(x, y);
+        QMouseEvent event(type, pos, view()->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : button,
+                          held, modifiers);
+        QApplication::sendEvent(view(), &event);
+    }
+    void press(int x, int y, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        send(QEvent::MouseButtonPress, x, y, Qt::LeftButton, modifiers);
+    }
+    void move(int x, int y) { send(QEvent::MouseMove, x, y); }
+    void release(int x, int y, Qt::MouseButton button = Qt::LeftButton)
+    {
+        send(QEvent::MouseButtonRelease, x, y, button);
+    }
+    void click(int x, int y)
+    {
+        press(x, y);
+        release(x, y);
+    }
+    void drag(int fromX, int toX, int y)
+    {
+        press(fromX, y);
+        move(toX, y);
+        release(toX, y);
+    }
+
+    // A double click on a row of the name list (a bus expands or collapses).
+    void doubleClickRow(int row) const
+    {
+        const QPointF pos(20, rowY(row));
+        QMouseEvent event(QEvent::MouseButtonDblClick, pos, list()->viewport()->mapToGlobal(pos), Qt::LeftButton,
+                          Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(list()->viewport(), &event);
+    }
+
+    Qt::MouseButtons held;
+    std::unique_ptr<VokGUI> gui;
+};
+
+// The same document in a tool window that is never shown: for the docks and
+// dialogs, which need no drawn wave view.
+class Tool
+{
+    QTemporaryDir dir_;
+    QString project_;
+
+public:
+    explicit Tool(const QByteArray& text)
+    {
+        const QString path = dir_.filePath(QStringLiteral("doc.wdl"));
+        if (!toolfixture::writeFile(path, text))
+            qWarning("could not write %s", qPrintable(path));
+        gui = std::make_unique<VokGUI>(nullptr, QStringList{path}, project_, true);
+        gui->initialize();
+    }
+
+    VokGUI* operator->() const { return gui.get(); }
+    QByteArray saved() const { return toolfixture::savedText(*gui); }
+    WaveData* wave(const QString& name) const { return gui->document()->findWavebyName(name); }
+    void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
+    QStringList docOrder() const
+    {
+        QStringList names;
+        for (const WaveData* w : gui->document()->waves)
+            names << w->name;
+        return names;
+    }
+
+    // The wave becomes active and current, its segments at indexes selected.
+    void select(const QString& name, const QList<int>& indexes) const
+    {
+        WaveData* w = wave(name);
+        gui->setActiveWave(w);
+        WaveLstView* list = gui->waveList();
+        list->setCurrentIndex(list->itemModel()->index(list->rowOf(w), 0));
+        gui->selection().clear();
+        for (int i : indexes)
+            gui->selection().append(w->patterns.at(i));
+        w->selected = true;
+    }
+
+    std::unique_ptr<VokGUI> gui;
+};
+
+} // namespace guitest
