@@ -12,10 +12,9 @@ namespace {
 void writeDelay(quint64 ticks, OutputStream& out)
 {
     // Unsized numbers are only sure to hold 32 bits.
-    out << '#';
-    if (ticks > 0x7fffffffU)
-        out << "64'd";
-    out.number(ticks) << ';';
+    const bool wide = ticks > 0x7fffffffU;
+    out << (wide ? "#(64'd" : "#");
+    out.number(ticks) << (wide ? ");" : ";");
 }
 
 class VerilogWave
