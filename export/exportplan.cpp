@@ -1,12 +1,13 @@
 #include "exportplan.h"
 
 #include "busname.h"
-#include "timetext.h"
 #include "waveformdata.h"
 
 #include <QHash>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <limits>
 
 namespace kesu::toolvok {
@@ -18,15 +19,19 @@ const char* languageName(Language language)
     return language == Language::Vhdl ? "VHDL" : language == Language::Verilog ? "Verilog" : "VCD";
 }
 
+// -1 for a character that is no hexadecimal digit.
 int hexDigit(char c)
 {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    if (c >= 'a' && c <= 'f')
-        return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F')
-        return c - 'A' + 10;
-    return -1;
+    static const auto table = [] {
+        std::array<signed char, 256> digits{};
+        digits.fill(-1);
+        for (int d = 0; d < 10; ++d)
+            digits['0' + d] = qint8(d);
+        for (int d = 0; d < 6; ++d)
+            digits['a' + d] = digits['A' + d] = qint8(10 + d);
+        return digits;
+    }();
+    return table[static_cast<unsigned char>(c)];
 }
 
 // The bus of the wave as a vector: its name without the brackets and its
@@ -58,6 +63,15 @@ bool describeSignal(const WaveData& wave, Language language, ExportSignal& signa
         return false;
     }
     return true;
+}
+
+// The wave's end: its offset and every duration.
+quint64 endOf(const WaveData& wave)
+{
+    quint64 end = wave.offset;
+    for (const Pattern* p : wave.patterns)
+        end += quint64(qint64(p->duration));
+    return end;
 }
 
 bool checkSegments(const WaveData& wave, ExportSignal& signal, QString& error)
@@ -93,7 +107,11 @@ bool checkTimeBase(const WaveformData& document, Language language, ExportPlan& 
                     .arg(document.smallestUnit).arg(document.decimals);
         return false;
     }
-    plan.endTime = qMax(document.endTime, TimeText::maxEnd(document));
+    // Summed here: the waves' own look-ups would build a start-time index
+    // of every segment only to read its last entry.
+    plan.endTime = document.endTime;
+    for (const WaveData* wave : document.waves)
+        plan.endTime = qMax(plan.endTime, endOf(*wave));
     using Wide = unsigned __int128;
     Wide femtoseconds = plan.endTime;
     for (int e = plan.tickExponent; e < 15; ++e)
@@ -116,27 +134,34 @@ bool valueBits(const std::string& value, bool bus, int width, bool upperCase, ch
         return true;
     }
     if (!bus) {
-        if (value != "0" && value != "1")
+        if (value.size() != 1 || (value[0] != '0' && value[0] != '1'))
             return false;
         out[0] = value[0];
         return true;
     }
+    static const char nibbles[16][4] = {{'0','0','0','0'}, {'0','0','0','1'}, {'0','0','1','0'}, {'0','0','1','1'},
+        {'0','1','0','0'}, {'0','1','0','1'}, {'0','1','1','0'}, {'0','1','1','1'}, {'1','0','0','0'},
+        {'1','0','0','1'}, {'1','0','1','0'}, {'1','0','1','1'}, {'1','1','0','0'}, {'1','1','0','1'},
+        {'1','1','1','0'}, {'1','1','1','1'}};
     if (value.empty())
         return false;
-    std::fill(out, out + width, '0');
-    int bit = width - 1;
+    int end = width;   // the digits are laid down from the right
     for (auto digit = value.rbegin(); digit != value.rend(); ++digit) {
         const int v = hexDigit(*digit);
         if (v < 0)
             return false;
-        for (int b = 0; b < 4; ++b, --bit) {
-            const bool set = v >> b & 1;
-            if (bit >= 0)
-                out[bit] = set ? '1' : '0';
-            else if (set)
+        if (end >= 4) {
+            std::memcpy(out + end - 4, nibbles[v], 4);
+            end -= 4;
+        } else {
+            // The top digit: only its low bits fit; set bits above the width do not.
+            if (v >> end != 0)
                 return false;
+            std::memcpy(out, nibbles[v] + 4 - end, size_t(end));
+            end = 0;
         }
     }
+    std::fill(out, out + end, '0');
     return true;
 }
 

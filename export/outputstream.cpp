@@ -6,24 +6,31 @@
 
 namespace kesu::toolvok {
 
-OutputStream::OutputStream(QIODevice& device) : device_(device)
-{
-    buffer_.reserve(Piece + 4096);
-}
+OutputStream::OutputStream(QIODevice& device) : device_(device), buffer_(new char[Piece]) {}
 
 OutputStream& OutputStream::number(quint64 n)
 {
     char digits[24];
     const auto end = std::to_chars(digits, digits + sizeof digits, n).ptr;
-    return *this << std::string_view(digits, size_t(end - digits));
+    return put(digits, size_t(end - digits));
 }
 
 bool OutputStream::flush()
 {
-    if (ok_ && !buffer_.empty())
-        ok_ = device_.write(buffer_.data(), qint64(buffer_.size())) == qint64(buffer_.size());
-    buffer_.clear();
+    if (ok_ && used_ > 0)
+        ok_ = device_.write(buffer_.get(), qint64(used_)) == qint64(used_);
+    used_ = 0;
     return ok_;
+}
+
+bool OutputStream::spill(const char* text, size_t size)
+{
+    flush();
+    if (size <= Piece)
+        return true;
+    if (ok_)
+        ok_ = device_.write(text, qint64(size)) == qint64(size);
+    return false;
 }
 
 } // namespace kesu::toolvok

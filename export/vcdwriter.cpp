@@ -8,7 +8,8 @@
 
 #include <gmp.h>
 
-#include <queue>
+#include <algorithm>
+#include <functional>
 
 namespace kesu::toolvok {
 
@@ -110,6 +111,124 @@ private:
     std::string text_;
 };
 
+// One wave's changes: its course with what was last written of it.
+class WaveChanges
+{
+public:
+    WaveChanges(const ExportSignal& signal, quint64 endTime) : signal_(signal), course_(signal, endTime) {}
+
+    // The value at time 0, with the code and a line end.
+    void initial(ValueText& valueText, const std::string& code, std::string& text)
+    {
+        written_ = course_.value();
+        shown_ = valueText(signal_, written_);
+        text.append(shown_).append(code).push_back('\n');
+        course_.step();
+    }
+
+    // The time of the next segment, or NoTime.
+    quint64 next(quint64 endTime) const { return course_.done() || course_.time() >= endTime ? NoTime : course_.time(); }
+
+    // Appends to text the lines of the changes before `until`; calls
+    // changed(time, from, size) for each.
+    template<typename Changed>
+    void changesBefore(quint64 until, ValueText& valueText, const std::string& code, std::string& text, Changed changed)
+    {
+        for (; !course_.done() && course_.time() < until; course_.step()) {
+            const std::string* value = course_.value();
+            // Equal text is an equal value; other text may still be ("0A", "A").
+            if (value == written_ || (value && written_ && *value == *written_))
+                continue;
+            // Other text is another value on a single signal, but for don't
+            // care before the offset, which is unknown too.
+            const bool otherSpelling = signal_.wave->isBus || !value || !written_;
+            written_ = value;
+            const std::string& shown = valueText(signal_, value);
+            if (otherSpelling && shown == shown_)
+                continue;
+            shown_ = shown;
+            const size_t from = text.size();
+            text.append(shown).append(code).push_back('\n');
+            changed(course_.time(), from, text.size() - from);
+        }
+    }
+
+private:
+    const ExportSignal& signal_;
+    Course course_;
+    const std::string* written_ = nullptr;   // the value text behind shown_
+    std::string shown_;
+};
+
+// Changes are taken a time window at a time, wave after wave (which keeps
+// each wave's segments in the cache, where a merge in time order would
+// jump between waves at every change), and put in time order by counting.
+// The window adapts so that it holds about a million changes at most.
+class Windows
+{
+public:
+    void write(std::vector<WaveChanges>& waves, const std::vector<std::string>& codes, quint64 endTime,
+               ValueText& valueText, OutputStream& out)
+    {
+        quint64 width = 1024;
+        for (;;) {
+            quint64 start = NoTime;
+            for (const WaveChanges& wave : waves)
+                start = std::min(start, wave.next(endTime));
+            if (start == NoTime)
+                return;
+            const quint64 until = std::min(endTime, start + std::min(width, endTime - start));
+            events_.clear();
+            text_.clear();
+            for (size_t i = 0; i < waves.size(); ++i) {
+                waves[i].changesBefore(until, valueText, codes[i], text_, [&](quint64 time, size_t from, size_t size) {
+                    events_.push_back({quint32(time - start), quint32(from), quint32(size)});
+                });
+            }
+            writeInOrder(start, size_t(until - start), out);
+            if (events_.size() < (1 << 18) && width < MaxWidth)
+                width *= 2;
+            else if (events_.size() > (1 << 20) && width > 1)
+                width /= 2;
+        }
+    }
+
+private:
+    struct Event {
+        quint32 at;     // from the window's start
+        quint32 from;   // its line in text_
+        quint32 size;
+    };
+    static constexpr quint64 MaxWidth = 1 << 16;
+
+    // A stable counting sort: changes at one time stay in wave order.
+    void writeInOrder(quint64 start, size_t width, OutputStream& out)
+    {
+        counts_.assign(width + 1, 0);
+        for (const Event& e : events_)
+            ++counts_[e.at + 1];
+        for (size_t t = 1; t <= width; ++t)
+            counts_[t] += counts_[t - 1];
+        sorted_.resize(events_.size());
+        for (const Event& e : events_)
+            sorted_[counts_[e.at]++] = e;
+        quint32 stamped = ~quint32(0);
+        for (const Event& e : sorted_) {
+            if (e.at != stamped) {
+                out << '#';
+                out.number(start + e.at) << '\n';
+                stamped = e.at;
+            }
+            out.put(text_.data() + e.from, e.size);
+        }
+    }
+
+    std::vector<Event> events_;
+    std::vector<Event> sorted_;
+    std::vector<quint32> counts_;
+    std::string text_;
+};
+
 } // namespace
 
 void writeVcd(const ExportPlan& plan, OutputStream& out)
@@ -120,8 +239,8 @@ void writeVcd(const ExportPlan& plan, OutputStream& out)
         << " $end\n$scope module " << plan.design << " $end\n";
     const size_t count = plan.signals.size();
     std::vector<std::string> codes(count);
-    std::vector<Course> courses;
-    courses.reserve(count);
+    std::vector<WaveChanges> waves;
+    waves.reserve(count);
     for (size_t i = 0; i < count; ++i) {
         const ExportSignal& signal = plan.signals[i];
         codes[i] = codeOf(i);
@@ -129,42 +248,17 @@ void writeVcd(const ExportPlan& plan, OutputStream& out)
         if (signal.vector)
             out << " [" << std::to_string(signal.left) << ':' << std::to_string(signal.right) << ']';
         out << " $end\n";
-        courses.emplace_back(signal, plan.endTime);
+        waves.emplace_back(signal, plan.endTime);
     }
     out << "$upscope $end\n$enddefinitions $end\n#0\n$dumpvars\n";
-
     ValueText valueText;
-    std::vector<std::string> shown(count);
-    using Entry = std::pair<quint64, size_t>;   // the time of a wave's next change, and the wave
-    std::priority_queue<Entry, std::vector<Entry>, std::greater<Entry>> pending;
-    for (size_t i = 0; i < count; ++i) {
-        shown[i] = valueText(plan.signals[i], courses[i].value());
-        out << shown[i] << codes[i] << '\n';
-        courses[i].step();
-        if (!courses[i].done())
-            pending.push({courses[i].time(), i});
-    }
-    out << "$end\n";
-    std::string changes;
-    while (!pending.empty()) {
-        const quint64 time = pending.top().first;
-        changes.clear();
-        while (!pending.empty() && pending.top().first == time) {
-            const size_t i = pending.top().second;
-            pending.pop();
-            const std::string& text = valueText(plan.signals[i], courses[i].value());
-            if (text != shown[i]) {
-                shown[i] = text;
-                changes.append(text).append(codes[i]).push_back('\n');
-            }
-            courses[i].step();
-            if (!courses[i].done())
-                pending.push({courses[i].time(), i});
-        }
-        if (!changes.empty() && time < plan.endTime)
-            out << '#' << std::to_string(time) << '\n' << changes;
-    }
-    out << '#' << std::to_string(plan.endTime) << '\n';
+    std::string initial;
+    for (size_t i = 0; i < count; ++i)
+        waves[i].initial(valueText, codes[i], initial);
+    out << initial << "$end\n";
+    Windows().write(waves, codes, plan.endTime, valueText, out);
+    out << '#';
+    out.number(plan.endTime) << '\n';
 }
 
 } // namespace kesu::toolvok

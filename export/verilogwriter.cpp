@@ -17,22 +17,26 @@ void writeDelay(quint64 ticks, OutputStream& out)
     out.number(ticks) << (wide ? ");" : ";");
 }
 
+// Each segment is one line: the assignment, made in place in line_, and
+// the delay.
 class VerilogWave
 {
 public:
-    VerilogWave(const ExportSignal& signal, OutputStream& out)
-        : signal_(signal), out_(out), literal_(size_t(signal.width), ' ')
+    VerilogWave(const ExportSignal& signal, OutputStream& out) : signal_(signal), out_(out)
     {
-        prefix_ = signal.id + " = " + QByteArray::number(signal.width) + "'b";
+        line_ = "      " + signal.id.toStdString() + " = " + std::to_string(signal.width) + "'b";
+        literalAt_ = line_.size();
+        line_ += std::string(size_t(signal.width), ' ') + "; ";
     }
 
-    void assign(const std::string& value, const char* indent)
+    // indent: 4 or 6 blanks.
+    void assign(const std::string& value, int indent)
     {
-        valueBits(value, signal_.wave->isBus, signal_.width, false, literal_.data());
-        out_ << indent << prefix_ << literal_ << "; ";
+        valueBits(value, signal_.wave->isBus, signal_.width, false, line_.data() + literalAt_);
+        out_.put(line_.data() + 6 - indent, line_.size() - 6 + size_t(indent));
     }
 
-    void segments(int from, int to, const char* indent)
+    void segments(int from, int to, int indent)
     {
         for (int i = from; i < to; ++i) {
             const Pattern* p = signal_.wave->patterns.at(i);
@@ -47,8 +51,8 @@ public:
 private:
     const ExportSignal& signal_;
     OutputStream& out_;
-    std::string literal_;
-    QByteArray prefix_;
+    std::string line_;
+    size_t literalAt_ = 0;
 };
 
 void writeWave(const ExportSignal& signal, OutputStream& out)
@@ -57,16 +61,16 @@ void writeWave(const ExportSignal& signal, OutputStream& out)
     VerilogWave writer(signal, out);
     out << "\n  // " << wave.name.toLatin1() << "\n  initial begin\n";
     if (wave.offset > 0 || wave.patterns.isEmpty()) {
-        writer.assign(Values::DontCare, "    ");
+        writer.assign(Values::DontCare, 4);
         if (wave.offset > 0)
             writeDelay(wave.offset, out);
         out << '\n';
     }
     const int count = int(wave.patterns.size());
-    writer.segments(0, signal.tailStart < 0 ? count : signal.tailStart, "    ");
+    writer.segments(0, signal.tailStart < 0 ? count : signal.tailStart, 4);
     if (signal.tailStart >= 0) {
         out << "    forever begin\n";
-        writer.segments(signal.tailStart, count, "      ");
+        writer.segments(signal.tailStart, count, 6);
         out << "    end\n";
     }
     out << "  end\n";

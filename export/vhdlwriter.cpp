@@ -5,50 +5,62 @@
 
 #include "waveformdata.h"
 
-#include <unordered_map>
+#include <vector>
 
 namespace kesu::toolvok {
 
 namespace {
 
-// Segment durations repeat a great deal; their text is kept once made.
+// Segment durations repeat a great deal: the text of short waits is made
+// once.
 class WaitTexts
 {
 public:
-    explicit WaitTexts(int exponent) : exponent_(exponent) {}
+    explicit WaitTexts(int exponent) : exponent_(exponent), texts_(4096) {}
     const std::string& operator()(quint64 ticks)
     {
-        auto found = texts_.find(ticks);
-        if (found == texts_.end())
-            found = texts_.emplace(ticks, " wait for " + vhdlTime(ticks, exponent_) + ";\n").first;
-        return found->second;
+        if (ticks >= texts_.size()) {
+            other_ = text(ticks);
+            return other_;
+        }
+        std::string& known = texts_[size_t(ticks)];
+        if (known.empty())
+            known = text(ticks);
+        return known;
     }
 
 private:
+    std::string text(quint64 ticks) const { return " wait for " + vhdlTime(ticks, exponent_) + ";\n"; }
+
     int exponent_;
-    std::unordered_map<quint64, std::string> texts_;
+    std::vector<std::string> texts_;
+    std::string other_;
 };
 
+// Each segment is one line: the assignment, made in place in line_, and
+// the wait.
 class VhdlWave
 {
 public:
     VhdlWave(const ExportSignal& signal, int exponent, OutputStream& out)
-        : signal_(signal), out_(out), waits_(exponent), literal_(size_t(signal.width), ' ')
+        : signal_(signal), out_(out), waits_(exponent)
     {
         const char quote = signal.vector ? '"' : '\'';
-        assign_ = signal.id + " <= " + quote;
-        close_ = std::string(1, quote) + ';';
+        line_ = "      " + signal.id.toStdString() + " <= " + quote;
+        literalAt_ = line_.size();
+        line_ += std::string(size_t(signal.width), ' ') + quote + ';';
     }
 
-    void assign(const std::string& value, const char* indent)
+    // indent: 4 or 6 blanks.
+    void assign(const std::string& value, int indent)
     {
-        valueBits(value, signal_.wave->isBus, signal_.width, true, literal_.data());
-        out_ << indent << assign_ << literal_ << close_;
+        valueBits(value, signal_.wave->isBus, signal_.width, true, line_.data() + literalAt_);
+        out_.put(line_.data() + 6 - indent, line_.size() - 6 + size_t(indent));
     }
 
     void wait(quint64 ticks) { out_ << waits_(ticks); }
 
-    void segments(int from, int to, const char* indent)
+    void segments(int from, int to, int indent)
     {
         for (int i = from; i < to; ++i) {
             const Pattern* p = signal_.wave->patterns.at(i);
@@ -63,9 +75,8 @@ private:
     const ExportSignal& signal_;
     OutputStream& out_;
     WaitTexts waits_;
-    std::string literal_;
-    QByteArray assign_;
-    std::string close_;
+    std::string line_;
+    size_t literalAt_ = 0;
 };
 
 } // namespace
@@ -84,18 +95,18 @@ void writeVhdlStimulus(const ExportPlan& plan, const ExportSignal& signal, Outpu
     VhdlWave writer(signal, plan.tickExponent, out);
     out << "\n  -- " << wave.name.toLatin1() << "\n  process\n  begin\n";
     if (wave.offset > 0 || wave.patterns.isEmpty()) {
-        writer.assign(Values::DontCare, "    ");
+        writer.assign(Values::DontCare, 4);
         if (wave.offset > 0)
             writer.wait(wave.offset);
         else
             out << '\n';
     }
     const int count = int(wave.patterns.size());
-    writer.segments(0, signal.tailStart < 0 ? count : signal.tailStart, "    ");
+    writer.segments(0, signal.tailStart < 0 ? count : signal.tailStart, 4);
     if (signal.tailStart >= 0) {
         // The last round may run past the end time: nothing looks there.
         out << "    while now < " << vhdlTime(plan.endTime, plan.tickExponent) << " loop\n";
-        writer.segments(signal.tailStart, count, "      ");
+        writer.segments(signal.tailStart, count, 6);
         out << "    end loop;\n";
     }
     out << "    wait;\n  end process;\n";
