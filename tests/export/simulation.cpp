@@ -28,26 +28,25 @@ int exportFile(const char* option, const QString& input, const QString& output)
 
 namespace {
 
+// "100ps" or "1 fs" in femtoseconds.
 quint64 femtosecondsPer(const QByteArray& timescale)
 {
-    const QByteArray text = timescale.simplified().replace(" ", "");
-    static const char* const units[] = {"fs", "ps", "ns", "us", "ms", "s"};
-    quint64 scale = 1;
-    for (const char* unit : units) {
-        if (text.endsWith(unit) && (text.size() == qsizetype(strlen(unit)) || text.at(text.size() - qsizetype(strlen(unit)) - 1) <= '9'))
-            return text.chopped(qsizetype(strlen(unit))).toULongLong() * scale;
+    static const QStringList units{"fs", "ps", "ns", "us", "ms", "s"};
+    const QRegularExpressionMatch match =
+        QRegularExpression(QStringLiteral("^([0-9]+)([a-z]+)$")).match(QString::fromLatin1(timescale).remove(' '));
+    quint64 scale = match.captured(1).toULongLong();
+    for (qsizetype i = units.indexOf(match.captured(2)); i > 0; --i)
         scale *= 1000;
-    }
-    return 0;
+    return scale;
 }
 
-// Names as both simulators and our own VCD spell them: escapes, blanks,
-// case and a vector's range left out.
-QByteArray nameKey(QByteArray name, int width)
+// Names as both simulators and our own VCD spell them, vector ranges
+// included: escapes, blanks and case left out, and the range of one bit,
+// which iverilog leaves out.
+QByteArray nameKey(const QByteArray& name)
 {
-    static const QRegularExpression range(QStringLiteral("\\[-?[0-9]+:-?[0-9]+\\]$"));
-    Q_UNUSED(width);
-    return QString::fromLatin1(name.toLower().replace("\\", "").replace(" ", "")).remove(range).toLatin1();
+    static const QRegularExpression oneBit(QStringLiteral("\\[(-?[0-9]+):\\1\\]$"));
+    return QString::fromLatin1(name.toLower()).remove('\\').remove(' ').remove(oneBit).toLatin1();
 }
 
 QByteArray fullWidth(QByteArray value, int width)
@@ -92,7 +91,7 @@ Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime)
             QByteArray name;
             for (i += 4; words.at(i) != "$end"; ++i)
                 name += words.at(i);
-            vars.insert(code, {nameKey(name, width), width});
+            vars.insert(code, {nameKey(name), width});
         } else if (w == "$comment" || w == "$version" || w == "$date") {
             while (words.at(i) != "$end")
                 ++i;
