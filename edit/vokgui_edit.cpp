@@ -192,7 +192,6 @@ void VokGUI::importWave() {}
 void VokGUI::showWave() {}
 void VokGUI::removeWave() {}
 void VokGUI::editTimeUnit() {}
-void VokGUI::fileExport() {}
 void VokGUI::filePageSetup() {}
 void VokGUI::filePrintPreview() {}
 void VokGUI::filePrint() {}
