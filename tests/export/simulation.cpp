@@ -2,6 +2,7 @@
 
 #include "exportwaveforms.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -17,6 +18,21 @@ Run runProgram(const QString& dir, const QString& program, const QStringList& ar
         run.code = process.exitCode();
     run.output = process.readAll();
     return run;
+}
+
+QString runGhdl(const QString& dir, const QString& std, const QStringList& files, const QString& top,
+                const QStringList& runOptions, Run& run)
+{
+    const QStringList options{"--std=" + std, "--workdir=work" + std};
+    if (!QDir(dir).mkpath("work" + std))
+        return QStringLiteral("no work folder");
+    for (const QStringList& step : {QStringList{"-a"} + options + files, QStringList{"-e"} + options + QStringList{top},
+                                    QStringList{"-r"} + options + QStringList{top} + runOptions}) {
+        run = runProgram(dir, QStringLiteral("ghdl"), step);
+        if (run.code != 0)
+            return step.join(' ') + '\n' + QString::fromLocal8Bit(run.output);
+    }
+    return {};
 }
 
 int exportFile(const char* option, const QString& input, const QString& output)

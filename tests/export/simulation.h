@@ -14,6 +14,10 @@ struct Run {
     QByteArray output;     // stdout and stderr together
 };
 Run runProgram(const QString& dir, const QString& program, const QStringList& args);
+// Analyses, elaborates and runs top with ghdl in the standard (93c, 08); the
+// failing step and its output, or empty. run: the last step's.
+QString runGhdl(const QString& dir, const QString& std, const QStringList& files, const QString& top,
+                const QStringList& runOptions, Run& run);
 
 // ExportWaveforms in this process, as the Export dialog calls it.
 int exportFile(const char* option, const QString& input, const QString& output);

@@ -1,10 +1,10 @@
 // What goes wrong is said in one line, with a non-zero status, and an
-// existing output file is left as it was: through ExportWaveforms as the
-// Export dialog calls it and through `wdl export`.
+// existing output file is left as it was: through `wdl export` and through
+// ExportWaveforms itself, as the Export dialog calls it.
 #include "exportwaveforms.h"
+#include "simulation.h"
 
-#include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,23 +14,15 @@
 
 namespace {
 
-const char* const kept = "kept as it was\n";
+const QByteArray kept = "kept as it was\n";
 
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
-}
-
-// Runs ExportWaveforms with stderr caught in a file.
-int exportCatching(QStringList args, QByteArray& err, const QString& errPath)
+// ExportWaveforms with stderr caught in a file.
+int exportCatching(const QStringList& args, const QString& errPath, QByteArray& err)
 {
     std::vector<QByteArray> bytes;
     std::vector<char*> argv;
     for (const QString& arg : args)
-        bytes.push_back(arg.toLocal8Bit());
-    for (QByteArray& b : bytes)
-        argv.push_back(b.data());
+        argv.push_back(bytes.emplace_back(arg.toLocal8Bit()).data());
     std::fflush(stderr);
     const int saved = dup(2);
     FILE* sink = std::fopen(errPath.toLocal8Bit().constData(), "w");
@@ -40,7 +32,7 @@ int exportCatching(QStringList args, QByteArray& err, const QString& errPath)
     dup2(saved, 2);
     close(saved);
     std::fclose(sink);
-    err = readAll(errPath);
+    err = readFile(errPath);
     return code;
 }
 
@@ -51,14 +43,31 @@ class TestExportErrors : public QObject
     Q_OBJECT
 
     QTemporaryDir tmp_;
-    QString path(const char* name) const { return tmp_.filePath(QLatin1String(name)); }
 
-    void cases()
+private Q_SLOTS:
+    void initTestCase()
     {
-        QTest::addColumn<QStringList>("args");   // the wdl export arguments; "@" stands for the folder
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("message");    // a part of stderr; of stdout when code is 0
+        const QByteArray head = "%SMALLESTUNIT = 9;\n%ENDTIME = 100;\n";
+        const std::pair<const char*, QByteArray> docs[] = {
+            {"case", "clk { A I Default NRZ 0 1 50 } = 1 5;\nCLK { A I Default NRZ 0 1 50 } = 0 5;\n"},
+            {"bus", "d[3:0] { A I Default NRZ 0 1 50 } = 1 5;\nd { A I Default NRZ 0 1 50 } = 0 5;\n"},
+            {"uut", "UUT { A I Default NRZ 0 1 50 } = 1 5;\n"},
+            {"value", "d[3:0] { A I Default NRZ 0 1 50 } = 1 5 1F 5;\n"},
+            {"tick", "%SMALLESTUNIT = 12;\n%DECIMALS = 4;\n"},
+            {"long", "%SMALLESTUNIT = 3;\n%ENDTIME = 10000000000;\n"},
+            {"negative", "n[-1:2] { A I Default NRZ 0 1 50 } = 1 5;\n"},
+        };
+        for (const auto& [name, text] : docs)
+            QVERIFY(writeFile(tmp_.filePath(QLatin1String(name) + QStringLiteral(".wdl")), head + text));
+    }
+
+    void errors_data()
+    {
+        QTest::addColumn<QStringList>("args");   // wdl export's, or ExportWaveforms' when they begin with "-"
+        QTest::addColumn<int>("code");           // of wdl; ExportWaveforms returns 1 for both 1 and 2
+        QTest::addColumn<QString>("message");    // a part of stderr, of stdout when code is 0; "@" is the folder
         const QString good = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
+        const QString doc = QStringLiteral("@/%1.wdl");
         QTest::newRow("tf") << QStringList{"tf", good, "-out=@/out"} << 0 << "";
         QTest::newRow("-vcd") << QStringList{"-vcd", good, "-out=@/out"} << 0 << "";
         QTest::newRow("list") << QStringList{"--list"} << 0 << "tb\t-vhdl94\tVHDL test bench\n";
@@ -70,7 +79,6 @@ class TestExportErrors : public QObject
         QTest::newRow("input is a folder") << QStringList{"tb", "@", "-out=@/out"} << 1 << "cannot read @: it is a folder";
         QTest::newRow("no such output folder") << QStringList{"tf", good, "-out=@/none/out"} << 1 << "cannot write @/none/out";
         QTest::newRow("output is a folder") << QStringList{"vcd", good, "-out=@"} << 1 << "cannot write @";
-        const QString doc = QStringLiteral("@/%1.wdl");
         QTest::newRow("VHDL ignores case") << QStringList{"vht", doc.arg("case"), "-out=@/out"} << 1
                                            << "waves \"clk\" and \"CLK\" would both be CLK in VHDL";
         QTest::newRow("a bus and a signal") << QStringList{"tf", doc.arg("bus"), "-out=@/out"} << 1
@@ -85,94 +93,58 @@ class TestExportErrors : public QObject
                                             << "the end time, 10000000000 ticks, is beyond the time range of VHDL";
         QTest::newRow("negative bit") << QStringList{"tb", doc.arg("negative"), "-out=@/out"} << 1
                                       << "wave \"n[-1:2]\" has a negative bit number";
-    }
-
-    void check(int code, int expectedCode, const QByteArray& err, const QString& message, const QStringList& args)
-    {
-        QCOMPARE(code, expectedCode);
-        const QStringList outs = args.filter(QStringLiteral("-out="));
-        const QString out = outs.isEmpty() ? QString() : outs.first().mid(5);
-        if (code == 1) {
-            QVERIFY2(err.startsWith("export: ") && err.count('\n') == 1 && err.contains(message.toLocal8Bit()), err.constData());
-            if (QFileInfo(out).isFile())
-                QCOMPARE(readAll(out), QByteArray(kept));
-        } else if (code == 0 && !out.isEmpty()) {
-            const bool verilog = args.first() == "tf" || args.first() == "-verilog";
-            QVERIFY(readAll(out).startsWith(verilog ? "// Verilog test vectors of counter.wdl" : "$comment"));
-        }
-    }
-
-private Q_SLOTS:
-    void initTestCase()
-    {
-        const char* const head = "%SMALLESTUNIT = 9;\n%ENDTIME = 100;\n";
-        const std::pair<const char*, QByteArray> docs[] = {
-            {"case", "clk { A I Default NRZ 0 1 50 } = 1 5;\nCLK { A I Default NRZ 0 1 50 } = 0 5;\n"},
-            {"bus", "d[3:0] { A I Default NRZ 0 1 50 } = 1 5;\nd { A I Default NRZ 0 1 50 } = 0 5;\n"},
-            {"uut", "UUT { A I Default NRZ 0 1 50 } = 1 5;\n"},
-            {"value", "d[3:0] { A I Default NRZ 0 1 50 } = 1 5 1F 5;\n"},
-            {"tick", "%SMALLESTUNIT = 12;\n%DECIMALS = 4;\n"},
-            {"long", "%SMALLESTUNIT = 3;\n%ENDTIME = 10000000000;\n"},
-            {"negative", "n[-1:2] { A I Default NRZ 0 1 50 } = 1 5;\n"},
-        };
-        for (const auto& [name, text] : docs) {
-            QFile file(tmp_.filePath(QLatin1String(name) + QStringLiteral(".wdl")));
-            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(head + text) > 0);
-        }
-    }
-    void init()
-    {
-        QFile file(path("out"));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(kept) > 0);
-    }
-
-    void wdlExport_data() { cases(); }
-    void wdlExport()
-    {
-        QFETCH(QStringList, args);
-        QFETCH(int, code);
-        QFETCH(QString, message);
-        args.replaceInStrings(QStringLiteral("@"), tmp_.path());
-        message.replace(QStringLiteral("@"), tmp_.path());
-        QProcess wdl;
-        wdl.start(QStringLiteral(VOK_WDL_PATH), QStringList{"export"} + args);
-        QVERIFY(wdl.waitForFinished(60000));
-        const QByteArray out = wdl.readAllStandardOutput();
-        const QByteArray err = wdl.readAllStandardError();
-        if (code == 2)
-            QVERIFY2(err.contains(message.toLocal8Bit()) && err.contains("export TYPE FILE -out=OUTPUT"), err.constData());
-        else if (code == 0)
-            QVERIFY2(out.contains(message.toLocal8Bit()) && err.isEmpty(), err.constData());
-        check(wdl.exitCode(), code, err, message, args);
-    }
-
-    // The dialog hands over the option names themselves, in any order.
-    void exportWaveforms_data()
-    {
-        cases();
-        QTest::newRow("no arguments") << QStringList{} << 1 << "no export type given";
-        QTest::newRow("two types") << QStringList{"-vhdl93", "-vcd", "@/case.wdl", "-out=@/out"} << 1
+        // The dialog hands over the option names themselves, in any order:
+        // these rows go to ExportWaveforms only.
+        QTest::newRow("dialog: no arguments") << QStringList{} << 1 << "no export type given";
+        QTest::newRow("dialog: two types") << QStringList{"-vhdl93", "-vcd", good, "-out=@/out"} << 1
                                    << "two export types given: -vhdl93 and -vcd";
-        QTest::newRow("unknown option") << QStringList{"-verilog", "-o", "@/case.wdl", "-out=@/out"} << 1 << "unknown option -o";
-        QTest::newRow("no input") << QStringList{"-out=@/out", "-vhdl94"} << 1 << "no input file given";
-        QTest::newRow("no output") << QStringList{"-vhdl94", "@/case.wdl"} << 1 << "no output file given (-out=FILE)";
-        QTest::newRow("output first") << QStringList{"-out=@/out", "@/case.wdl", "-vcd"} << 0 << "";
+        QTest::newRow("dialog: unknown option") << QStringList{"-verilog", "-o", good, "-out=@/out"} << 1 << "unknown option -o";
+        QTest::newRow("dialog: no input") << QStringList{"-out=@/out", "-vhdl94"} << 1 << "no input file given";
+        QTest::newRow("dialog: no output file") << QStringList{"-vhdl94", good} << 1 << "no output file given (-out=FILE)";
+        QTest::newRow("dialog: output first") << QStringList{"-out=@/out", good, "-verilog"} << 0 << "";
     }
-    void exportWaveforms()
+    void errors()
     {
         QFETCH(QStringList, args);
         QFETCH(int, code);
         QFETCH(QString, message);
-        if (code == 2 || args.value(0) == "--list")
-            QSKIP("wdl's own usage");
-        static const QMap<QString, QString> options{{"tf", "-verilog"}, {"vht", "-vhdl93"}, {"tb", "-vhdl94"}, {"vcd", "-vcd"}};
-        if (options.contains(args.value(0)))
-            args[0] = options.value(args.value(0));
         args.replaceInStrings(QStringLiteral("@"), tmp_.path());
         message.replace(QStringLiteral("@"), tmp_.path());
-        QByteArray err;
-        const int result = exportCatching(args, err, path("stderr"));
-        check(result, code, err, message, args);
+        const QString out = args.filter(QStringLiteral("-out=")).value(0).mid(5);
+        static const QMap<QString, QString> options{{"tf", "-verilog"}, {"vht", "-vhdl93"}, {"tb", "-vhdl94"}, {"vcd", "-vcd"}};
+        const bool dialogOnly = QByteArray(QTest::currentDataTag()).startsWith("dialog");
+        const bool wdlOnly = code == 2 || args.value(0) == "--list";
+        for (const bool wdl : {true, false}) {
+            if ((wdl && dialogOnly) || (!wdl && wdlOnly))
+                continue;
+            QVERIFY(writeFile(tmp_.filePath(QStringLiteral("out")), kept));
+            QStringList list = args;
+            if (!wdl && options.contains(list.value(0)))
+                list[0] = options.value(list.value(0));
+            QByteArray stdOut, err;
+            int result = 0;
+            if (wdl) {
+                QProcess process;
+                process.start(QStringLiteral(VOK_WDL_PATH), QStringList{"export"} + list);
+                QVERIFY(process.waitForFinished(60000));
+                result = process.exitCode();
+                stdOut = process.readAllStandardOutput();
+                err = process.readAllStandardError();
+            } else {
+                result = exportCatching(list, tmp_.filePath(QStringLiteral("stderr")), err);
+            }
+            QCOMPARE(result, wdl ? code : qMin(code, 1));
+            if (code == 2)
+                QVERIFY2(err.contains(message.toLocal8Bit()) && err.contains("export TYPE FILE -out=OUTPUT"), err.constData());
+            if (code == 1)
+                QVERIFY2(err.startsWith("export: ") && err.count('\n') == 1 && err.contains(message.toLocal8Bit()), err.constData());
+            if (code == 0)
+                QVERIFY2(stdOut.contains(message.toLocal8Bit()) && err.isEmpty(), err.constData());
+            if (code == 0 && !out.isEmpty())
+                QVERIFY(readFile(out).startsWith(list.contains("-vcd") ? "$comment" : "// Verilog test vectors of counter.wdl"));
+            else if (QFileInfo(out).isFile())
+                QCOMPARE(readFile(out), kept);
+        }
     }
 };
 

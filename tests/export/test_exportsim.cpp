@@ -84,7 +84,6 @@ class TestExportSim : public QObject
     Q_OBJECT
 
     QTemporaryDir tmp_;
-    bool keep_ = (tmp_.setAutoRemove(qEnvironmentVariableIsEmpty("VOK_KEEP")), true);
 
 private Q_SLOTS:
     void vectorsSimulateAsDrawn_data()
@@ -106,7 +105,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, document);
         const QString dir = tmp_.filePath(QString::fromLatin1(QTest::currentDataTag()).replace(QLatin1Char(' '), QLatin1Char('_')));
-        QVERIFY(QDir().mkpath(dir + QStringLiteral("/w93c")) && QDir().mkpath(dir + QStringLiteral("/w08")));
+        QVERIFY(QDir().mkpath(dir));
         const QString input = dir + QStringLiteral("/doc.wdl");
         QVERIFY(writeFile(input, document));
         for (const char* type : {"-vcd", "-verilog", "-vhdl93"})
@@ -133,13 +132,8 @@ private Q_SLOTS:
         QVERIFY2(run.code == 0, run.output.constData());
 
         for (const QString& std : {QStringLiteral("93c"), QStringLiteral("08")}) {
-            const QStringList options{"--std=" + std, "--workdir=w" + std};
-            for (const QStringList& step : {QStringList{"-a"} + options + QStringList{"doc.vhdl93"},
-                                            QStringList{"-e"} + options + QStringList{"doc"},
-                                            QStringList{"-r"} + options + QStringList{"doc", "--vcd=ghdl" + std + ".vcd"}}) {
-                run = runProgram(dir, QStringLiteral("ghdl"), step);
-                QVERIFY2(run.code == 0, qPrintable(step.join(' ') + '\n' + run.output));
-            }
+            const QString failed = runGhdl(dir, std, {"doc.vhdl93"}, "doc", {"--vcd=ghdl" + std + ".vcd"}, run);
+            QVERIFY2(failed.isEmpty(), qPrintable(failed));
             difference = differenceOf(expected, readVcd(readFile(dir + "/ghdl" + std + ".vcd"), end));
             QVERIFY2(difference.isEmpty(), qPrintable("ghdl --std=" + std + ": " + difference));
         }
@@ -165,7 +159,7 @@ private Q_SLOTS:
         QFETCH(int, decimals);
         QFETCH(QByteArray, rIs);
         const QString dir = tmp_.filePath(QStringLiteral("tb%1").arg(QTest::currentDataTag()[0] == 'c' ? unit : 0));
-        QVERIFY(QDir().mkpath(dir + QStringLiteral("/work")));
+        QVERIFY(QDir().mkpath(dir));
         Values values(7);
         const QByteArray bus = values.segments(8, 12);
         const QByteArray bit = values.segments(0, 5) + " 2 6 (1 7 0 9 3 5)##";
@@ -181,14 +175,9 @@ private Q_SLOTS:
             "architecture copy of dut is\nbegin\n  q <= d;\n  r <= " + rIs + ";\n  io <= (others => 'Z');\nend architecture copy;\n"));
         QCOMPARE(exportFile("-vhdl94", dir + QStringLiteral("/dut.wdl"), dir + QStringLiteral("/dut_tb.vhd")), 0);
 
-        const QStringList options{"--std=" + std, "--workdir=work"};
         Run run;
-        for (const QStringList& step : {QStringList{"-a"} + options + QStringList{"dut.vhd", "dut_tb.vhd"},
-                                        QStringList{"-e"} + options + QStringList{"dut_tb"},
-                                        QStringList{"-r"} + options + QStringList{"dut_tb"}}) {
-            run = runProgram(dir, QStringLiteral("ghdl"), step);
-            QVERIFY2(run.code == 0, qPrintable(step.join(' ') + '\n' + run.output));
-        }
+        const QString problem = runGhdl(dir, std, {"dut.vhd", "dut_tb.vhd"}, "dut_tb", {}, run);
+        QVERIFY2(problem.isEmpty(), qPrintable(problem));
         const QRegularExpressionMatch counts =
             QRegularExpression(QStringLiteral("dut_tb: (\\d+) checks passed, (\\d+) checks failed")).match(QString::fromLatin1(run.output));
         QVERIFY2(counts.hasMatch(), run.output.constData());
