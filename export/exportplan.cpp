@@ -91,6 +91,7 @@ bool checkSegments(const WaveData& wave, ExportSignal& signal, QString& error)
             return false;
         }
         time += quint64(p->duration);
+        signal.drawn = signal.drawn || p->duration > 0;
         if (wave.foreverIndex >= 0 && i >= wave.foreverIndex)
             tailLength += quint64(p->duration);
     }

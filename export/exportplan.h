@@ -25,6 +25,7 @@ struct ExportSignal {
     qint64 left = 0;        // the range as declared, left bound first
     qint64 right = 0;
     int tailStart = -1;     // first segment of a forever tail that repeats, or -1
+    bool drawn = false;     // some segment lasts: else the wave is unknown throughout
 };
 
 struct ExportPlan {

@@ -115,7 +115,7 @@ int ExportWaveforms(int argc, char** argv)
     if (testBench)
         reserved = testBenchNames(plan.design);
     else if (args.format->language == Language::Vhdl)
-        reserved = {plan.design, "vectors", "ieee", "std_logic_1164", "std_logic", "std_logic_vector"};
+        reserved = vhdlVectorNames();
     QString invalid;
     if (!makePlan(document, args.format->language, reserved, plan, invalid))
         return fail(QStringLiteral("%1: %2").arg(args.input, invalid));

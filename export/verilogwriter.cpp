@@ -60,7 +60,7 @@ void writeWave(const ExportSignal& signal, OutputStream& out)
     const WaveData& wave = *signal.wave;
     VerilogWave writer(signal, out);
     out << "\n  // " << wave.name.toLatin1() << "\n  initial begin\n";
-    if (wave.offset > 0 || wave.patterns.isEmpty()) {
+    if (wave.offset > 0 || !signal.drawn) {
         writer.assign(Values::DontCare, 4);
         if (wave.offset > 0)
             writeDelay(wave.offset, out);

@@ -146,8 +146,9 @@ private:
 
 QSet<QByteArray> testBenchNames(const QByteArray& design)
 {
-    return {design, design + "_tb", "uut", "bench", "check_counts", "passed_checks", "failed_checks", "image_of",
-            "check", "ieee", "std_logic_1164", "std_logic", "std_logic_vector"};
+    return vhdlVectorNames()
+        + QSet<QByteArray>{design, design + "_tb", "uut", "bench", "check_counts", "passed_checks", "failed_checks", "image_of",
+                           "check", "expect", "passed", "failed", "natural", "positive", "integer", "string", "time"};
 }
 
 void writeVhdlTestBench(const ExportPlan& plan, OutputStream& out)

@@ -81,6 +81,12 @@ private:
 
 } // namespace
 
+QSet<QByteArray> vhdlVectorNames()
+{
+    // Not the entity's name: a signal may hide it, nothing inside refers to it.
+    return {"vectors", "ieee", "std", "std_logic_1164", "std_logic", "std_logic_vector", "now"};
+}
+
 QByteArray vhdlType(const ExportSignal& signal)
 {
     if (!signal.vector)
@@ -94,7 +100,7 @@ void writeVhdlStimulus(const ExportPlan& plan, const ExportSignal& signal, Outpu
     const WaveData& wave = *signal.wave;
     VhdlWave writer(signal, plan.tickExponent, out);
     out << "\n  -- " << wave.name.toLatin1() << "\n  process\n  begin\n";
-    if (wave.offset > 0 || wave.patterns.isEmpty()) {
+    if (wave.offset > 0 || !signal.drawn) {
         writer.assign(Values::DontCare, 4);
         if (wave.offset > 0)
             writer.wait(wave.offset);

@@ -6,7 +6,9 @@
 
 namespace kesu::toolvok {
 
-// Names the VHDL test bench declares besides its waves.
+// Names the VHDL exports declare or use besides their waves, which a wave
+// must not hide.
+QSet<QByteArray> vhdlVectorNames();
 QSet<QByteArray> testBenchNames(const QByteArray& design);
 
 void writeVerilogVectors(const ExportPlan& plan, OutputStream& out);
