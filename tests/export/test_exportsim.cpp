@@ -3,6 +3,8 @@
 // document's own VCD; the test bench must pass a design that copies its
 // inputs to its outputs and catch one that inverts an output.
 #include "simulation.h"
+#include "timetext.h"
+#include "waveformdata.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -115,6 +117,13 @@ private Q_SLOTS:
         quint64 end = 0;
         readVcd(vcd, ~quint64(0), &end);
         const Dump expected = readVcd(vcd, end);
+        // The simulation ends where the model says the document ends.
+        kesu::toolvok::WaveformData model;
+        model.loadText(QString::fromUtf8(document));
+        quint64 tick = 1;
+        for (int e = model.smallestUnit + model.decimals; e < 15; ++e)
+            tick *= 10;
+        QCOMPARE(end, qMax(model.endTime, kesu::toolvok::TimeText::maxEnd(model)) * tick);
         const QByteArray tf = readFile(dir + QStringLiteral("/doc.verilog"));
         const QByteArray timescale = tf.mid(tf.indexOf("`timescale"), tf.indexOf('\n', tf.indexOf("`timescale")) - tf.indexOf("`timescale"));
         QVERIFY(tf.startsWith("// Verilog test vectors of doc.wdl\n// tick "));
