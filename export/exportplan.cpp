@@ -74,7 +74,8 @@ quint64 endOf(const WaveData& wave)
     return end;
 }
 
-bool checkSegments(const WaveData& wave, ExportSignal& signal, QString& error)
+// Also raises endTime to the wave's end.
+bool checkSegments(const WaveData& wave, ExportSignal& signal, quint64& endTime, QString& error)
 {
     std::string bits(size_t(signal.width), ' ');
     quint64 time = wave.offset;
@@ -97,32 +98,31 @@ bool checkSegments(const WaveData& wave, ExportSignal& signal, QString& error)
     }
     // A tail of no length would repeat without time passing.
     signal.tailStart = tailLength > 0 ? wave.foreverIndex : -1;
+    endTime = qMax(endTime, time);
     return true;
 }
 
-bool checkTimeBase(const WaveformData& document, Language language, ExportPlan& plan, QString& error)
+bool checkTick(const WaveformData& document, ExportPlan& plan, QString& error)
 {
     plan.tickExponent = document.smallestUnit + document.decimals;
-    if (plan.tickExponent < 0 || plan.tickExponent > 15) {
-        error = QStringLiteral("the tick (smallest unit %1, %2 decimals) is not between 1 fs and 1 s")
-                    .arg(document.smallestUnit).arg(document.decimals);
-        return false;
-    }
-    // Summed here: the waves' own look-ups would build a start-time index
-    // of every segment only to read its last entry.
-    plan.endTime = document.endTime;
-    for (const WaveData* wave : document.waves)
-        plan.endTime = qMax(plan.endTime, endOf(*wave));
+    if (plan.tickExponent >= 0 && plan.tickExponent <= 15)
+        return true;
+    error = QStringLiteral("the tick (smallest unit %1, %2 decimals) is not between 1 fs and 1 s")
+                .arg(document.smallestUnit).arg(document.decimals);
+    return false;
+}
+
+bool checkEndTime(Language language, const ExportPlan& plan, QString& error)
+{
     using Wide = unsigned __int128;
     Wide femtoseconds = plan.endTime;
     for (int e = plan.tickExponent; e < 15; ++e)
         femtoseconds *= 10;
     // VHDL counts time in signed 64-bit femtoseconds.
-    if (language == Language::Vhdl && femtoseconds > Wide(std::numeric_limits<qint64>::max())) {
-        error = QStringLiteral("the end time, %1 ticks, is beyond the time range of VHDL").arg(plan.endTime);
-        return false;
-    }
-    return true;
+    if (language != Language::Vhdl || femtoseconds <= Wide(std::numeric_limits<qint64>::max()))
+        return true;
+    error = QStringLiteral("the end time, %1 ticks, is beyond the time range of VHDL").arg(plan.endTime);
+    return false;
 }
 
 } // namespace
@@ -170,17 +170,23 @@ bool makePlan(const WaveformData& document, Language language, const QSet<QByteA
               ExportPlan& plan, QString& error)
 {
     plan.document = &document;
-    if (!checkTimeBase(document, language, plan, error))
+    if (!checkTick(document, plan, error))
         return false;
+    // Ends summed here: the waves' own look-ups would build a start-time
+    // index of every segment only to read its last entry.
+    plan.endTime = document.endTime;
     QHash<QByteArray, const WaveData*> taken;
     for (const QByteArray& name : reserved)
         taken.insert(identifierKey(name, language), nullptr);
     for (const WaveData* wave : document.waves) {
-        if (wave->isPattern || wave->polarity == 5)
-            continue;   // named patterns are already laid down in the waves that use them
+        if (wave->isPattern || wave->polarity == 5) {
+            // Named patterns are already laid down in the waves that use them.
+            plan.endTime = qMax(plan.endTime, endOf(*wave));
+            continue;
+        }
         ExportSignal signal;
         signal.wave = wave;
-        if (!describeSignal(*wave, language, signal, error) || !checkSegments(*wave, signal, error))
+        if (!describeSignal(*wave, language, signal, error) || !checkSegments(*wave, signal, plan.endTime, error))
             return false;
         const QByteArray key = identifierKey(signal.id, language);
         const auto other = taken.constFind(key);
@@ -195,7 +201,7 @@ bool makePlan(const WaveformData& document, Language language, const QSet<QByteA
         taken.insert(key, wave);
         plan.signals.push_back(signal);
     }
-    return true;
+    return checkEndTime(language, plan, error);
 }
 
 TimeUnit timeUnitOf(int exponent)

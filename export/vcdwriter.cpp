@@ -84,32 +84,40 @@ public:
     ValueText(const ValueText&) = delete;
     ValueText& operator=(const ValueText&) = delete;
 
-    // "b0101 " for a vector, "1" for a single bit; without the code.
-    const std::string& operator()(const ExportSignal& signal, const std::string* value)
+    // Into text: "b0101 " for a vector, "1" for a single bit; without the code.
+    void operator()(const ExportSignal& signal, const std::string* value, std::string& text)
     {
+        const char special = !value || Values::isDontCare(*value) ? 'x' : Values::isHighZ(*value) ? 'z' : 0;
+        if (!signal.vector) {
+            text.assign(1, special ? special : (*value)[0]);
+            return;
+        }
         const size_t width = size_t(signal.width);
-        text_.assign(signal.vector ? 1 : 0, 'b');
-        if (!value || Values::isSpecial(*value)) {
-            text_.append(width, !value || Values::isDontCare(*value) ? 'x' : 'z');
+        text.assign(1, 'b');
+        if (special) {
+            text.append(width, special);
         } else if (!signal.wave->isBus) {
-            text_ += *value;
+            text += *value;
         } else {
             mpz_set_str(number_, value->c_str(), 16);
             digits_.resize(mpz_sizeinbase(number_, 2) + 2);
             mpz_get_str(digits_.data(), 2, number_);
             const size_t length = std::char_traits<char>::length(digits_.data());
-            text_.append(width - length, '0').append(digits_.data(), length);
+            text.append(width - length, '0').append(digits_.data(), length);
         }
-        if (signal.vector)
-            text_.push_back(' ');
-        return text_;
+        text.push_back(' ');
     }
 
 private:
     mpz_t number_;
     std::string digits_;
-    std::string text_;
 };
+
+// Whether two value texts are the same text; most are one or two characters.
+bool sameText(const std::string& a, const std::string& b)
+{
+    return a.size() == b.size() && (a.size() > 2 ? a == b : a.empty() || (a[0] == b[0] && a.back() == b.back()));
+}
 
 // One wave's changes: its course with what was last written of it.
 class WaveChanges
@@ -121,7 +129,7 @@ public:
     void initial(ValueText& valueText, const std::string& code, std::string& text)
     {
         written_ = course_.value();
-        shown_ = valueText(signal_, written_);
+        valueText(signal_, written_, shown_);
         text.append(shown_).append(code).push_back('\n');
         course_.step();
     }
@@ -137,18 +145,18 @@ public:
         for (; !course_.done() && course_.time() < until; course_.step()) {
             const std::string* value = course_.value();
             // Equal text is an equal value; other text may still be ("0A", "A").
-            if (value == written_ || (value && written_ && *value == *written_))
+            if (value == written_ || (value && written_ && sameText(*value, *written_)))
                 continue;
             // Other text is another value on a single signal, but for don't
             // care before the offset, which is unknown too.
             const bool otherSpelling = signal_.wave->isBus || !value || !written_;
             written_ = value;
-            const std::string& shown = valueText(signal_, value);
-            if (otherSpelling && shown == shown_)
+            valueText(signal_, value, next_);
+            if (otherSpelling && next_ == shown_)
                 continue;
-            shown_ = shown;
+            shown_.swap(next_);
             const size_t from = text.size();
-            text.append(shown).append(code).push_back('\n');
+            text.append(shown_).append(code).push_back('\n');
             changed(course_.time(), from, text.size() - from);
         }
     }
@@ -158,6 +166,7 @@ private:
     Course course_;
     const std::string* written_ = nullptr;   // the value text behind shown_
     std::string shown_;
+    std::string next_;
 };
 
 // Changes are taken a time window at a time, wave after wave (which keeps
