@@ -34,6 +34,7 @@ QByteArray vhdlString(const QString& text)
 const char* const helpers = R"(
   type check_counts is array (natural range <>) of natural;
   signal passed_checks, failed_checks : check_counts(0 to %1) := (others => 0);
+  signal finished : boolean := false;
 
   function image_of(v : std_logic_vector) return string is
     variable text : string(1 to v'length);
@@ -90,7 +91,7 @@ public:
         start = segments(0, prefixEnd, start, "    ", false);
         if (signal_.tailStart >= 0) {
             waitUntil(start, "    ");
-            out_ << "    while now < " << vhdlTime(end_, exponent()) << " loop\n";
+            out_ << "    while not finished loop\n";
             segments(signal_.tailStart, count, start, "      ", true);
             out_ << "    end loop;\n";
         }
@@ -100,10 +101,13 @@ public:
 private:
     int exponent() const { return plan_.tickExponent + (fine_ ? 1 : 0); }
 
-    void waitUntil(quint64 time, const char* indent)
+    // In the forever loop a wait also ends when the simulation does.
+    void waitUntil(quint64 time, const char* indent, bool inLoop = false)
     {
-        if (time > now_)
-            out_ << indent << "wait for " << vhdlTime(time - now_, exponent()) << ";\n";
+        if (time > now_) {
+            out_ << indent << (inLoop ? "wait until finished for " : "wait for ") << vhdlTime(time - now_, exponent())
+                 << (inLoop ? "; exit when finished;\n" : ";\n");
+        }
         now_ = time;
     }
 
@@ -119,14 +123,12 @@ private:
             start += duration;
             if (p->duration == 0 || Values::isDontCare(p->value) || middle >= end_ || (!fine_ && p->duration < 2))
                 continue;
-            waitUntil(middle, indent);
-            if (inLoop)
-                out_ << indent << "exit when now >= " << vhdlTime(end_, exponent()) << ";\n";
+            waitUntil(middle, indent, inLoop);
             valueBits(p->value, signal_.wave->isBus, signal_.width, true, literal_.data());
             out_ << indent << "expect(\"" << literal_ << "\");\n";
         }
         if (inLoop) {
-            waitUntil(start, indent);
+            waitUntil(start, indent, true);
             now_ = roundStart;
         }
         return start;
@@ -191,7 +193,7 @@ void writeVhdlTestBench(const ExportPlan& plan, OutputStream& out)
     out << "\n  -- the end: the counts of all checkers\n  process\n    variable passed, failed : natural := 0;\n  begin\n"
         << "    wait for " << vhdlTime(plan.endTime, plan.tickExponent) << ";\n"
         << "    for i in passed_checks'range loop\n      passed := passed + passed_checks(i);\n"
-        << "      failed := failed + failed_checks(i);\n    end loop;\n    report \"" << design
+        << "      failed := failed + failed_checks(i);\n    end loop;\n    finished <= true;\n    report \"" << design
         << "_tb: \" & integer'image(passed) & \" checks passed, \" & integer'image(failed) & \" checks failed\";\n"
         << "    wait;\n  end process;\nend architecture bench;\n";
 }

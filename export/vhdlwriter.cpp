@@ -16,7 +16,8 @@ namespace {
 class WaitTexts
 {
 public:
-    explicit WaitTexts(int exponent) : exponent_(exponent), texts_(4096) {}
+    // In a forever loop a wait also ends when the simulation does.
+    WaitTexts(int exponent, bool inLoop) : exponent_(exponent), inLoop_(inLoop), texts_(4096) {}
     const std::string& operator()(quint64 ticks)
     {
         if (ticks >= texts_.size()) {
@@ -30,9 +31,14 @@ public:
     }
 
 private:
-    std::string text(quint64 ticks) const { return " wait for " + vhdlTime(ticks, exponent_) + ";\n"; }
+    std::string text(quint64 ticks) const
+    {
+        return (inLoop_ ? " wait until finished for " : " wait for ") + vhdlTime(ticks, exponent_)
+            + (inLoop_ ? "; exit when finished;\n" : ";\n");
+    }
 
     int exponent_;
+    bool inLoop_;
     std::vector<std::string> texts_;
     std::string other_;
 };
@@ -43,7 +49,7 @@ class VhdlWave
 {
 public:
     VhdlWave(const ExportSignal& signal, int exponent, OutputStream& out)
-        : signal_(signal), out_(out), waits_(exponent)
+        : signal_(signal), out_(out), waits_(exponent, false), loopWaits_(exponent, true)
     {
         const char quote = signal.vector ? '"' : '\'';
         line_ = "      " + signal.id.toStdString() + " <= " + quote;
@@ -60,14 +66,16 @@ public:
 
     void wait(quint64 ticks) { out_ << waits_(ticks); }
 
+    // The segments of a forever loop are those indented by 6.
     void segments(int from, int to, int indent)
     {
+        WaitTexts& waits = indent == 6 ? loopWaits_ : waits_;
         for (int i = from; i < to; ++i) {
             const Pattern* p = signal_.wave->patterns.at(i);
             if (p->duration == 0)
                 continue;
             assign(p->value, indent);
-            wait(quint64(p->duration));
+            out_ << waits(quint64(p->duration));
         }
     }
 
@@ -75,6 +83,7 @@ private:
     const ExportSignal& signal_;
     OutputStream& out_;
     WaitTexts waits_;
+    WaitTexts loopWaits_;
     std::string line_;
     size_t literalAt_ = 0;
 };
@@ -84,7 +93,7 @@ private:
 QSet<QByteArray> vhdlVectorNames()
 {
     // Not the entity's name: a signal may hide it, nothing inside refers to it.
-    return {"vectors", "ieee", "std", "std_logic_1164", "std_logic", "std_logic_vector", "now"};
+    return {"vectors", "ieee", "std", "std_logic_1164", "std_logic", "std_logic_vector", "now", "finished"};
 }
 
 QByteArray vhdlType(const ExportSignal& signal)
@@ -110,8 +119,7 @@ void writeVhdlStimulus(const ExportPlan& plan, const ExportSignal& signal, Outpu
     const int count = int(wave.patterns.size());
     writer.segments(0, signal.tailStart < 0 ? count : signal.tailStart, 4);
     if (signal.tailStart >= 0) {
-        // The last round may run past the end time: nothing looks there.
-        out << "    while now < " << vhdlTime(plan.endTime, plan.tickExponent) << " loop\n";
+        out << "    while not finished loop\n";
         writer.segments(signal.tailStart, count, 6);
         out << "    end loop;\n";
     }
@@ -125,10 +133,12 @@ void writeVhdlVectors(const ExportPlan& plan, OutputStream& out)
         << plan.design << ";\n\narchitecture vectors of " << plan.design << " is\n";
     for (const ExportSignal& signal : plan.signals)
         out << "  signal " << signal.id << " : " << vhdlType(signal) << ";\n";
-    out << "begin\n";
+    out << "  signal finished : boolean := false;\nbegin\n";
     for (const ExportSignal& signal : plan.signals)
         writeVhdlStimulus(plan, signal, out);
-    out << "end architecture vectors;\n";
+    out << "\n  -- the end: forever loops stop\n  process\n  begin\n    wait for "
+        << vhdlTime(plan.endTime, plan.tickExponent) << ";\n    finished <= true;\n    wait;\n  end process;\n"
+        << "end architecture vectors;\n";
 }
 
 } // namespace kesu::toolvok
