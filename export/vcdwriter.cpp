@@ -9,6 +9,7 @@
 #include <gmp.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 
 namespace kesu::toolvok {
@@ -98,6 +99,11 @@ public:
             text.append(width, special);
         } else if (!signal.wave->isBus) {
             text += *value;
+        } else if (value->size() <= 16) {
+            // Fits 64 bits: read as a number, written bit by bit.
+            const quint64 number = std::strtoull(value->c_str(), nullptr, 16);
+            for (size_t bit = width; bit-- > 0;)
+                text.push_back(bit < 64 && (number >> bit & 1) ? '1' : '0');
         } else {
             mpz_set_str(number_, value->c_str(), 16);
             digits_.resize(mpz_sizeinbase(number_, 2) + 2);
@@ -147,16 +153,23 @@ public:
             // Equal text is an equal value; other text may still be ("0A", "A").
             if (value == written_ || (value && written_ && sameText(*value, *written_)))
                 continue;
-            // Other text is another value on a single signal, but for don't
-            // care before the offset, which is unknown too.
-            const bool otherSpelling = signal_.wave->isBus || !value || !written_;
             written_ = value;
-            valueText(signal_, value, next_);
-            if (otherSpelling && next_ == shown_)
-                continue;
-            shown_.swap(next_);
             const size_t from = text.size();
-            text.append(shown_).append(code).push_back('\n');
+            if (!signal_.vector) {
+                // One character, and most of the changes: no string work.
+                const char bit = !value || Values::isDontCare(*value) ? 'x' : Values::isHighZ(*value) ? 'z' : (*value)[0];
+                if (bit == shown_[0])
+                    continue;
+                shown_[0] = bit;
+                text.push_back(bit);
+            } else {
+                valueText(signal_, value, next_);
+                if (next_ == shown_)
+                    continue;
+                shown_.swap(next_);
+                text.append(shown_);
+            }
+            text.append(code).push_back('\n');
             changed(course_.time(), from, text.size() - from);
         }
     }
