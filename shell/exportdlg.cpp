@@ -56,6 +56,8 @@ ExportDlg::ExportDlg(const QString& inputPath, QWidget* parent) : QDialog(parent
         m_type->addItem(QLatin1String(type.text));
     }
     m_output->setText(withExtension(inputPath, m_extensions.first()));
+    m_input->setObjectName(QStringLiteral("input"));
+    m_output->setObjectName(QStringLiteral("output"));
     m_type->setWhatsThis(BaseHelp::getWhatsThisText(QStringLiteral("export_wave"), QStringLiteral("export_type")));
     auto* browseInput = new QPushButton(QStringLiteral("Browse"), this);
     auto* browseOutput = new QPushButton(QStringLiteral("Browse"), this);

@@ -128,19 +128,17 @@ Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime)
 QString differenceOf(const Dump& expected, const Dump& actual)
 {
     if (expected.keys() != actual.keys())
-        return QStringLiteral("signals %1 against %2").arg(QString::fromLatin1(expected.keys().join(' ')),
-                                                             QString::fromLatin1(actual.keys().join(' ')));
+        return QString::fromLatin1("signals " + expected.keys().join(' ') + " against " + actual.keys().join(' '));
+    auto text = [](const Changes& c, size_t k) {
+        return k < c.size() ? QStringLiteral("%1 fs: %2").arg(c[k].first).arg(QString::fromLatin1(c[k].second))
+                            : QStringLiteral("nothing");
+    };
     for (auto it = expected.begin(); it != expected.end(); ++it) {
-        const Changes& want = it.value();
         const Changes& got = actual.value(it.key());
-        for (size_t i = 0; i < std::max(want.size(), got.size()); ++i) {
-            auto text = [](const Changes& c, size_t k) {
-                return k < c.size() ? QStringLiteral("%1 fs: %2").arg(c[k].first).arg(QString::fromLatin1(c[k].second))
-                                    : QStringLiteral("nothing");
-            };
-            if (i >= want.size() || i >= got.size() || want[i] != got[i])
+        for (size_t i = 0; i < std::max(it->size(), got.size()); ++i) {
+            if (i >= it->size() || i >= got.size() || it->at(i) != got[i])
                 return QStringLiteral("%1, change %2: expected %3, simulated %4")
-                    .arg(QString::fromLatin1(it.key())).arg(i).arg(text(want, i), text(got, i));
+                    .arg(QString::fromLatin1(it.key())).arg(i).arg(text(*it, i), text(got, i));
         }
     }
     return {};

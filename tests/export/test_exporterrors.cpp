@@ -1,6 +1,7 @@
 // What goes wrong is said in one line, with a non-zero status, and an
-// existing output file is left as it was: through `wdl export` and through
-// ExportWaveforms itself, as the Export dialog calls it.
+// existing output file is left as it was: through `wdl export`, which hands
+// its arguments to ExportWaveforms, and through ExportWaveforms itself with
+// the arguments in any order.
 #include "exportwaveforms.h"
 #include "simulation.h"
 
@@ -63,8 +64,8 @@ private Q_SLOTS:
 
     void errors_data()
     {
-        QTest::addColumn<QStringList>("args");   // wdl export's, or ExportWaveforms' when they begin with "-"
-        QTest::addColumn<int>("code");           // of wdl; ExportWaveforms returns 1 for both 1 and 2
+        QTest::addColumn<QStringList>("args");   // wdl export's, or ExportWaveforms' in the "dialog" rows
+        QTest::addColumn<int>("code");
         QTest::addColumn<QString>("message");    // a part of stderr, of stdout when code is 0; "@" is the folder
         const QString good = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
         const QString doc = QStringLiteral("@/%1.wdl");
@@ -93,8 +94,7 @@ private Q_SLOTS:
                                             << "the end time, 10000000000 ticks, is beyond the time range of VHDL";
         QTest::newRow("negative bit") << QStringList{"tb", doc.arg("negative"), "-out=@/out"} << 1
                                       << "wave \"n[-1:2]\" has a negative bit number";
-        // The dialog hands over the option names themselves, in any order:
-        // these rows go to ExportWaveforms only.
+        // The dialog hands over the option names themselves.
         QTest::newRow("dialog: no arguments") << QStringList{} << 1 << "no export type given";
         QTest::newRow("dialog: two types") << QStringList{"-vhdl93", "-vcd", good, "-out=@/out"} << 1
                                    << "two export types given: -vhdl93 and -vcd";
@@ -111,40 +111,30 @@ private Q_SLOTS:
         args.replaceInStrings(QStringLiteral("@"), tmp_.path());
         message.replace(QStringLiteral("@"), tmp_.path());
         const QString out = args.filter(QStringLiteral("-out=")).value(0).mid(5);
-        static const QMap<QString, QString> options{{"tf", "-verilog"}, {"vht", "-vhdl93"}, {"tb", "-vhdl94"}, {"vcd", "-vcd"}};
-        const bool dialogOnly = QByteArray(QTest::currentDataTag()).startsWith("dialog");
-        const bool wdlOnly = code == 2 || args.value(0) == "--list";
-        for (const bool wdl : {true, false}) {
-            if ((wdl && dialogOnly) || (!wdl && wdlOnly))
-                continue;
-            QVERIFY(writeFile(tmp_.filePath(QStringLiteral("out")), kept));
-            QStringList list = args;
-            if (!wdl && options.contains(list.value(0)))
-                list[0] = options.value(list.value(0));
-            QByteArray stdOut, err;
-            int result = 0;
-            if (wdl) {
-                QProcess process;
-                process.start(QStringLiteral(VOK_WDL_PATH), QStringList{"export"} + list);
-                QVERIFY(process.waitForFinished(60000));
-                result = process.exitCode();
-                stdOut = process.readAllStandardOutput();
-                err = process.readAllStandardError();
-            } else {
-                result = exportCatching(list, tmp_.filePath(QStringLiteral("stderr")), err);
-            }
-            QCOMPARE(result, wdl ? code : qMin(code, 1));
-            if (code == 2)
-                QVERIFY2(err.contains(message.toLocal8Bit()) && err.contains("export TYPE FILE -out=OUTPUT"), err.constData());
-            if (code == 1)
-                QVERIFY2(err.startsWith("export: ") && err.count('\n') == 1 && err.contains(message.toLocal8Bit()), err.constData());
-            if (code == 0)
-                QVERIFY2(stdOut.contains(message.toLocal8Bit()) && err.isEmpty(), err.constData());
-            if (code == 0 && !out.isEmpty())
-                QVERIFY(readFile(out).startsWith(list.contains("-vcd") ? "$comment" : "// Verilog test vectors of counter.wdl"));
-            else if (QFileInfo(out).isFile())
-                QCOMPARE(readFile(out), kept);
+        QVERIFY(writeFile(tmp_.filePath(QStringLiteral("out")), kept));
+        QByteArray stdOut, err;
+        int result = 0;
+        if (QByteArray(QTest::currentDataTag()).startsWith("dialog")) {
+            result = exportCatching(args, tmp_.filePath(QStringLiteral("stderr")), err);
+        } else {
+            QProcess wdl;
+            wdl.start(QStringLiteral(VOK_WDL_PATH), QStringList{"export"} + args);
+            QVERIFY(wdl.waitForFinished(60000));
+            result = wdl.exitCode();
+            stdOut = wdl.readAllStandardOutput();
+            err = wdl.readAllStandardError();
         }
+        QCOMPARE(result, code);
+        if (code == 2)
+            QVERIFY2(err.contains(message.toLocal8Bit()) && err.contains("export TYPE FILE -out=OUTPUT"), err.constData());
+        if (code == 1)
+            QVERIFY2(err.startsWith("export: ") && err.count('\n') == 1 && err.contains(message.toLocal8Bit()), err.constData());
+        if (code == 0)
+            QVERIFY2(stdOut.contains(message.toLocal8Bit()) && err.isEmpty(), err.constData());
+        if (code == 0 && !out.isEmpty())
+            QVERIFY(readFile(out).startsWith(args.contains("-vcd") ? "$comment" : "// Verilog test vectors of counter.wdl"));
+        else if (QFileInfo(out).isFile())
+            QCOMPARE(readFile(out), kept);
     }
 };
 

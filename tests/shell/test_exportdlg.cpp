@@ -27,17 +27,7 @@ QByteArray readAll(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-struct Fields {
-    QLineEdit* input;
-    QLineEdit* output;
-    QComboBox* type;
-};
-
-Fields fieldsOf(ExportDlg& dialog)
-{
-    const QList<QLineEdit*> edits = dialog.findChildren<QLineEdit*>();
-    return {edits.value(0), edits.value(1), dialog.findChild<QComboBox*>()};
-}
+QLineEdit* edit(ExportDlg& dialog, const char* name) { return dialog.findChild<QLineEdit*>(QLatin1String(name)); }
 
 } // namespace
 
@@ -51,17 +41,17 @@ private Q_SLOTS:
     void proposesNamesAndFollowsTheType()
     {
         ExportDlg dialog(QStringLiteral("/work/d.x/design.wdl"), nullptr);
-        Fields f = fieldsOf(dialog);
+        auto* type = dialog.findChild<QComboBox*>();
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Export Waveform File"));
-        QCOMPARE(f.input->text(), QStringLiteral("/work/d.x/design.wdl"));
-        QCOMPARE(f.output->text(), QStringLiteral("/work/d.x/design.tf"));
+        QCOMPARE(edit(dialog, "input")->text(), QStringLiteral("/work/d.x/design.wdl"));
+        QCOMPARE(edit(dialog, "output")->text(), QStringLiteral("/work/d.x/design.tf"));
         QCOMPARE(ExportDlg::extensions(), (QStringList{".tf", ".vht", ".tb"}));
-        QCOMPARE(f.type->count(), 3);
-        QCOMPARE(f.type->itemText(1), QStringLiteral("vht"));
-        f.type->setCurrentIndex(2);
-        QCOMPARE(f.output->text(), QStringLiteral("/work/d.x/design.tb"));
+        QCOMPARE(type->count(), 3);
+        QCOMPARE(type->itemText(1), QStringLiteral("vht"));
+        type->setCurrentIndex(2);
+        QCOMPARE(edit(dialog, "output")->text(), QStringLiteral("/work/d.x/design.tb"));
         ExportDlg noDot(QStringLiteral("design"), nullptr);
-        QCOMPARE(fieldsOf(noDot).output->text(), QStringLiteral("design.tf"));
+        QCOMPARE(edit(noDot, "output")->text(), QStringLiteral("design.tf"));
     }
 
     void ok_data()
@@ -99,10 +89,9 @@ private Q_SLOTS:
         output.replace(QLatin1Char('@'), tmp_.path());
 
         ExportDlg dialog(QString(counter), nullptr);
-        Fields f = fieldsOf(dialog);
-        f.type->setCurrentIndex(type);
-        f.input->setText(input);
-        f.output->setText(output);
+        dialog.findChild<QComboBox*>()->setCurrentIndex(type);
+        edit(dialog, "input")->setText(input);
+        edit(dialog, "output")->setText(output);
         dialog.show();
         ModalAnswerer answerer(title.isEmpty() ? QList<Answer>{} : QList<Answer>{press(QMessageBox::Ok)});
         dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
@@ -117,17 +106,16 @@ private Q_SLOTS:
         const bool refused = title.startsWith(QLatin1String("Waveform"));
         QCOMPARE(dialog.isVisible(), refused);
         QCOMPARE(dialog.result(), refused ? 0 : int(QDialog::Accepted));
-        QCOMPARE(f.output->text(), output);
+        QCOMPARE(edit(dialog, "output")->text(), output);
         // The output is made before the export runs, so a failed one leaves it empty.
         QCOMPARE(QFile::exists(output), !refused);
         QVERIFY2(readAll(output).startsWith(written), readAll(output).left(80).constData());
     }
 
-    void browse()
+    void browseAndHelp()
     {
         ExportDlg dialog(QString(counter), nullptr);
-        Fields f = fieldsOf(dialog);
-        f.type->setCurrentIndex(2);
+        dialog.findChild<QComboBox*>()->setCurrentIndex(2);
         dialog.show();
         const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly);
         ModalAnswerer answerer({choose(QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl")), choose(QString(counter))});
@@ -139,20 +127,13 @@ private Q_SLOTS:
         QCOMPARE(answerer.seen.at(1).title, QStringLiteral("Select Output File"));
         QCOMPARE(answerer.seen.at(1).filters, (QStringList{"VHDL Test Bench(*.tb)", "All Files (*)"}));
         QCOMPARE(answerer.seen.at(1).acceptMode, QFileDialog::AcceptOpen);
-        QCOMPARE(f.input->text(), QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl"));
-        QCOMPARE(f.output->text(), QString(counter));
-    }
+        QCOMPARE(edit(dialog, "input")->text(), QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl"));
+        QCOMPARE(edit(dialog, "output")->text(), QString(counter));
 
-    void f1OpensHelpAndKeysAreTaken()
-    {
-        ExportDlg dialog(QString(counter), nullptr);
-        Fields f = fieldsOf(dialog);
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        QTest::keyRelease(f.output, Qt::Key_F1);
-        QCOMPARE(BaseHelp::currentPage(), BaseHelp::pageOf(QStringLiteral("export_wave")));
+        QTest::keyRelease(edit(dialog, "output"), Qt::Key_F1);
         QVERIFY(!BaseHelp::pageOf(QStringLiteral("export_wave")).isEmpty());
-        QVERIFY(!f.type->whatsThis().isEmpty());
+        QCOMPARE(BaseHelp::currentPage(), BaseHelp::pageOf(QStringLiteral("export_wave")));
+        QVERIFY(!dialog.findChild<QComboBox*>()->whatsThis().isEmpty());
         BaseHelp::helpWindow()->hide();
     }
 };
