@@ -115,7 +115,7 @@ int ExportWaveforms(int argc, char** argv)
     if (testBench)
         reserved = testBenchNames(plan.design);
     else if (args.format->language == Language::Vhdl)
-        reserved = vhdlVectorNames();
+        reserved = vhdlOwnNames();
     QString invalid;
     if (!makePlan(document, args.format->language, reserved, plan, invalid))
         return fail(QStringLiteral("%1: %2").arg(args.input, invalid));

@@ -148,7 +148,7 @@ private:
 
 QSet<QByteArray> testBenchNames(const QByteArray& design)
 {
-    return vhdlVectorNames()
+    return vhdlOwnNames()
         + QSet<QByteArray>{design, design + "_tb", "uut", "bench", "check_counts", "passed_checks", "failed_checks", "image_of",
                            "check", "expect", "passed", "failed", "natural", "positive", "integer", "string", "time"};
 }

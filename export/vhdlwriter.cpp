@@ -90,10 +90,11 @@ private:
 
 } // namespace
 
-QSet<QByteArray> vhdlVectorNames()
+QSet<QByteArray> vhdlOwnNames()
 {
     // Not the entity's name: a signal may hide it, nothing inside refers to it.
-    return {"vectors", "ieee", "std", "std_logic_1164", "std_logic", "std_logic_vector", "now", "finished"};
+    return {"vectors", "ieee", "std", "std_logic_1164", "std_logic", "std_logic_vector", "now", "finished",
+            "boolean", "true", "false"};
 }
 
 QByteArray vhdlType(const ExportSignal& signal)

@@ -8,7 +8,7 @@ namespace kesu::toolvok {
 
 // Names the VHDL exports declare or use besides their waves, which a wave
 // must not hide.
-QSet<QByteArray> vhdlVectorNames();
+QSet<QByteArray> vhdlOwnNames();
 QSet<QByteArray> testBenchNames(const QByteArray& design);
 
 void writeVerilogVectors(const ExportPlan& plan, OutputStream& out);
