@@ -218,7 +218,6 @@ void VokGUI::editTimeUnit()
 }
 
 // The dialogs that these open arrive with their own features.
-void VokGUI::fileExport() {}
 void VokGUI::filePageSetup() {}
 void VokGUI::filePrintPreview() {}
 void VokGUI::filePrint() {}

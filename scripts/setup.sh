@@ -8,6 +8,8 @@ VOK_PACKAGES=(
     qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev fonts-dejavu-core
     libgmp-dev
     xvfb xauth
+    # the simulators the export tests run every export through
+    iverilog verilator ghdl ghdl-mcode
 )
 
 vok_install_packages() {

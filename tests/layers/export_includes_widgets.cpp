@@ -1,0 +1,2 @@
+// Must not compile: the export library has no widgets.
+#include <QWidget>
