@@ -1,5 +1,6 @@
-// Names of duplicated waves: a copy of every kind of wave, saved and read
-// back, must be a wave of the same kind, width and values as its original.
+// Bus names as read, and the names of duplicated waves: a copy of every kind
+// of wave, saved and read back, is a wave of the same kind, width and values
+// as its original.
 
 #include "busname.h"
 #include "modeltestutil.h"
@@ -68,10 +69,9 @@ private Q_SLOTS:
         QCOMPARE(reread->waves.size(), doc->waves.size());
         const WaveData* back = reread->findWavebyName(copy);
         QVERIFY(back);
-        QCOMPARE(back->isBus, original->isBus);
-        QCOMPARE(back->busWidth, original->busWidth);
-        QCOMPARE(back->isPattern, original->isPattern);
+        QCOMPARE((QList<bool>{back->isBus, back->isPattern}), (QList<bool>{original->isBus, original->isPattern}));
         QCOMPARE(back->elements, elements);
+        QCOMPARE(back->busWidth, qMax(1, int(elements.size())));
         QCOMPARE(segments(back), segments(original));
         QVERIFY(!segments(back).isEmpty());
     }

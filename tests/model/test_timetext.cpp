@@ -24,14 +24,10 @@ private Q_SLOTS:
         QTest::addColumn<int>("decimals");
         QTest::addColumn<QString>("expected");
         QTest::newRow("1,000") << quint64(1000) << false << 12 << 0 << "1,000";
-        QTest::newRow("1,500 ps") << quint64(1500) << true << 12 << 0 << "1,500 ps";
-        QTest::newRow("1,234,567 ns") << quint64(1234567) << true << 9 << 0 << "1,234,567 ns";
-        QTest::newRow("us") << quint64(42) << true << 6 << 0 << "42 us";
         QTest::newRow("unknown unit") << quint64(42) << true << 7 << 0 << "42";
-        QTest::newRow("1.5") << quint64(1500) << false << 12 << 3 << "1.5";
+        QTest::newRow("1.5 ns") << quint64(15) << true << 9 << 1 << "1.5 ns";
         QTest::newRow("0.001") << quint64(1) << false << 12 << 3 << "0.001";
         QTest::newRow("1,234,567.89 ps") << quint64(1234567890) << true << 12 << 3 << "1,234,567.89 ps";
-        QTest::newRow("one decimal") << quint64(15) << true << 9 << 1 << "1.5 ns";
         QTest::newRow("five decimals round") << quint64(123456) << false << 12 << 5 << "1.235";
         QTest::newRow("largest") << NoTime << false << 12 << 0 << "18,446,744,073,709,551,616";
     }
@@ -54,11 +50,8 @@ private Q_SLOTS:
         QTest::addColumn<int>("decimals");
         QTest::addColumn<quint64>("expected");
         QTest::addColumn<bool>("ok");
-        QTest::newRow("1,500 ps") << "1,500 ps" << 12 << 0 << quint64(1500) << true;
         QTest::newRow("1.1 ns exact") << "1.1 ns" << 12 << 0 << quint64(1100) << true;
-        QTest::newRow("3 us") << "3 us" << 12 << 0 << quint64(3000000) << true;
         QTest::newRow("1 ms in ms") << "1 ms" << 3 << 0 << quint64(1) << true;
-        QTest::newRow("1 us in ns, 2 decimals") << "1 us" << 9 << 2 << quint64(100000) << true;
         QTest::newRow("1 ps in ns") << "1 ps" << 9 << 0 << quint64(0) << false;
         QTest::newRow("1.5 ps whole ps") << "1.5 ps" << 12 << 0 << quint64(1) << false;
         QTest::newRow("1.5 ps, 3 decimals") << "1.5 ps" << 12 << 3 << quint64(1500) << true;
@@ -89,9 +82,9 @@ private Q_SLOTS:
             QCOMPARE(ticks, expected);
     }
 
+    // Every shown time, with its unit, reads back as the same tick count.
     void parseWhatIsShown()
     {
-        // Every shown time, with its unit, reads back as the same tick count.
         const quint64 samples[] = {0, 1, 7, 999, 1000, 1001, 123456, 987654321, 4000000000ULL};
         for (int unit : {3, 6, 9, 12}) {
             for (int decimals : {0, 1, 2, 3}) {
@@ -111,8 +104,6 @@ private Q_SLOTS:
         QTest::addColumn<int>("width");
         QTest::addColumn<int>("radix");
         QTest::addColumn<QString>("expected");
-        QTest::newRow("A binary") << "A" << 4 << 0 << "1010";
-        QTest::newRow("A hex") << "A" << 4 << 3 << "A";
         QTest::newRow("1 binary padded") << "1" << 4 << 0 << "0001";
         QTest::newRow("1 octal unpadded") << "1" << 12 << 1 << "1";
         QTest::newRow("1 hex unpadded") << "01" << 8 << 3 << "1";

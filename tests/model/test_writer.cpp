@@ -12,17 +12,13 @@
 using namespace kesu::toolvok;
 using namespace modeltest;
 
-namespace {
+static const QByteArray DefaultHeader = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 12;\n%AUTOASSIGN = 0;\n"
+                                        "%DECIMALS = 0;\n%ENDTIME = 1000;\n";
 
-const QByteArray DefaultHeader = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 12;\n%AUTOASSIGN = 0;\n"
-                                 "%DECIMALS = 0;\n%ENDTIME = 1000;\n";
-
-std::unique_ptr<WaveformData> reread(const QByteArray& text)
+static std::unique_ptr<WaveformData> reread(const QByteArray& text)
 {
     return load(QString::fromUtf8(text));
 }
-
-} // namespace
 
 class TestWriter : public QObject
 {
@@ -93,10 +89,8 @@ private Q_SLOTS:
             wave->foreverIndex = qint32(attrs[8]);
         doc.addWave(wave.release());
         QBuffer device;
-        QVERIFY(device.open(QIODevice::WriteOnly));
-        QVERIFY(writeWaveform(doc, device));
+        QVERIFY(device.open(QIODevice::WriteOnly) && writeWaveform(doc, device));
         QCOMPARE(device.data(), DefaultHeader + expected);
-        QCOMPARE(formatWaveform(doc), device.data());
         // States the editor never makes are written as they are, but need not read back.
         if (!QByteArray(QTest::currentDataTag()).startsWith("odd"))
             QCOMPARE(formatWaveform(*reread(device.data())), device.data());
@@ -115,13 +109,8 @@ private Q_SLOTS:
 
         // Exactly eleven segments: the line feed comes before the ";", and the
         // line that holds only ")##;" still ends the statement.
-        auto* eleven = new WaveData("e");
-        for (int i = 0; i < 11; ++i)
-            eleven->insertData(new Pattern(i % 2 ? "1" : "0", 1), nullptr);
-        eleven->patterns.at(4)->forever = true;
-        eleven->foreverIndex = 4;
         doc.ClearAll();
-        doc.addWave(eleven);
+        doc.addWave(makeWave("e", "0:1 1:1 0:1 1:1 (0:1 1:1 0:1 1:1 0:1 1:1 0:1").release());
         QCOMPARE(formatWaveform(doc),
                  DefaultHeader + "e { A T Default None 0 1 50 } = 0 1 1 1 0 1 1 1(0 1 1 1 0 1 1 1 0 1 1 1 0 1\n)##;\n");
         QCOMPARE(reread(formatWaveform(doc))->waves.first()->foreverIndex, 4);
