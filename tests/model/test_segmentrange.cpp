@@ -4,7 +4,6 @@
 #include "modeltestutil.h"
 #include "segmentrange.h"
 
-#include <QRandomGenerator>
 #include <QtTest>
 
 #include <utility>
@@ -98,39 +97,6 @@ private Q_SLOTS:
             QVERIFY(w->patterns.contains(p));
         for (const Pattern* p : std::as_const(w->patterns))
             QCOMPARE(p->wave, w.get());
-    }
-
-    // Random lists given random segments in a random range: with equal
-    // neighbours common, the narrowed ranges must still start and end with a
-    // difference.
-    void randomEdits()
-    {
-        QRandomGenerator random(7);
-        auto randomSegments = [&random](int count) {
-            QStringList out;
-            while (count-- > 0)
-                out << QString("%1:%2").arg(random.bounded(3)).arg(1 + random.bounded(3));
-            return out.join(' ');
-        };
-        auto same = [](const SegmentRange::Segment& x, const SegmentRange::Segment& y) {
-            return x.value == y.value && x.duration == y.duration;
-        };
-        for (int round = 0; round < 400; ++round) {
-            const QString text = randomSegments(random.bounded(12));
-            auto w = makeWave("w", text);
-            const int first = random.bounded(int(w->patterns.size()) + 1);
-            const SegmentRange before(*w, first, random.bounded(int(w->patterns.size()) - first + 1));
-            edit(*w, first, before.count(), randomSegments(random.bounded(5)), -1);
-            const QString after = segments(w.get());
-            const SegmentChange change = narrowChange(before, *w);
-            const auto& b = change.before.segments();
-            const auto& a = change.after.segments();
-            QVERIFY(b.empty() || a.empty() || !(same(b.front(), a.front()) || same(b.back(), a.back())));
-            QVERIFY(change.undo(*w));
-            QCOMPARE(segments(w.get()), text);
-            QVERIFY(change.redo(*w));
-            QCOMPARE(segments(w.get()), after);
-        }
     }
 
     // What the wave loses goes back to the caller when asked for, and is

@@ -53,8 +53,6 @@ private Q_SLOTS:
                                  << QByteArray("$p = 1 5 0 2;\n");
         QTest::newRow("group 0") << "w" << "" << QList<qint64>{0, 1, 2, 0, 1, 50, 0, 0, -2} << QByteArray("w { A O Default RZ 0 1 50 } =;\n");
         QTest::newRow("group 8") << "w" << "" << QList<qint64>{8, 2, 3, 0, 1, 50, 0, 0, -2} << QByteArray("w { H B Default R1 0 1 50 } =;\n");
-        QTest::newRow("odd: group 9") << "w" << "" << QList<qint64>{9, 4, 4, 0, 1, 50, 0, 0, -2} << QByteArray("w { I G Default RC 0 1 50 } =;\n");
-        QTest::newRow("odd: polarity 5") << "w" << "" << QList<qint64>{2, 5, 7, 0, 1, 50, 0, 0, -2} << QByteArray("w { B Default None 0 1 50 } =;\n");
         QTest::newRow("bus values") << "d[3:0]" << "-1:3 -2:4 1F:5 1F:6 0:1" << QList<qint64>{1, 0, 1, 0, 1, 50, 1, 0, -2}
                                     << QByteArray("d[3:0] { A I Default NRZ 0 1 50 } = DonTCare 3 HighZ 4 1F 5 1F 6 0 1;\n");
         QTest::newRow("single values") << "s" << "-1:3 -2:4 1:5 0:6" << plain
