@@ -1,5 +1,6 @@
-// Merges and list surgery of WaveData, and the document-level operations of
-// WaveformData, on waves built by hand. Time look-ups: test_waveindex.
+// List surgery of WaveData, and the document-level operations of
+// WaveformData, on waves built by hand. Time look-ups: test_waveindex; the
+// merging append: the reader's segment lists.
 
 #include "modeltestutil.h"
 
@@ -35,41 +36,6 @@ private Q_SLOTS:
         QCOMPARE(QString::fromStdString(w->getLastValue()), lastValue);
         Pattern stranger("0", 10);
         QCOMPARE(w->getPatternStart(&stranger), NoTime);
-    }
-
-    void addData_data()
-    {
-        QTest::addColumn<bool>("bus");
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("added");
-        QTest::addColumn<QString>("after");   // "(" marks the forever segment
-        QTest::newRow("single equal") << false << "0:3 1:10" << "1:5" << "0:3 1:15";
-        QTest::newRow("byte for byte") << false << "1:10" << "01:5" << "1:10 01:5";
-        QTest::newRow("negative sum") << false << "1:10" << "1:-3" << "1:7";
-        QTest::newRow("bus equal value stays apart") << true << "7:10" << "7:5" << "7:10 7:5";
-        QTest::newRow("bus highz melts") << true << "-2:10" << "-2:5" << "-2:15";
-        QTest::newRow("bus dont care melts") << true << "3:1 -1:10" << "-1:5" << "3:1 -1:15";
-        QTest::newRow("dont care vs highz") << true << "-1:10" << "-2:5" << "-1:10 -2:5";
-        QTest::newRow("zero duration") << false << "1:10" << "0:0" << "1:10";
-        QTest::newRow("forever appended") << false << "0:3" << "(1:4" << "0:3 (1:4";
-        QTest::newRow("forever mark of merged ignored") << false << "0:3 1:4" << "(1:2" << "0:3 1:6";
-    }
-    void addData()
-    {
-        QFETCH(bool, bus);
-        QFETCH(QString, before);
-        QFETCH(QString, added);
-        QFETCH(QString, after);
-        auto w = makeWave("w", before, 0, bus);
-        auto* p = new Pattern(added.section(':', 0, 0).remove('(').toStdString(), added.section(':', 1).toInt());
-        p->forever = added.startsWith('(');
-        const bool taken = w->addData(p);
-        QCOMPARE(segments(w.get()), after);
-        QCOMPARE(w->foreverIndex, int(after.indexOf('(') < 0 ? -1 : after.count(' ')));
-        QCOMPARE(taken, w->patterns.contains(p));
-        QCOMPARE(p->wave, taken ? w.get() : nullptr);
-        if (!taken)
-            delete p;   // merged or ignored: still the caller's
     }
 
     void insertData()
