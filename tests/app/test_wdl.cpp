@@ -142,7 +142,8 @@ private Q_SLOTS:
     {
         const Run run = wdl({QStringLiteral("--help")});
         QCOMPARE(run.code, 0);
-        QVERIFY2(run.out.contains("Usage:") && run.out.contains("dump FILE") && run.out.contains("format FILE"), run.out);
+        QVERIFY2(run.out.contains("Usage:") && run.out.contains("dump FILE") && run.out.contains("format FILE"),
+                 run.out.constData());
     }
 
     // The reader's own tests feed it garbage; this one follows what it makes

@@ -223,8 +223,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QStringList>("elements");   // empty: a single wave
         QTest::addColumn<QString>("message");         // empty: accepted
-        const QString ofBus = "The wave you are adding conflicts to an existing wave. It is element of the exsited bus wave.";
-        const QString added = "The wave you are adding conflicts to an existing wave. Some elements of the bus wave have been added.";
+        const QString conflict = "The wave you are adding conflicts to an existing wave. ";
+        const QString ofBus = conflict + "It is element of the exsited bus wave.";
+        const QString added = conflict + "Some elements of the bus wave have been added.";
         QTest::newRow("element of bus") << "d[2]" << QStringList() << ofBus;
         QTest::newRow("case differs") << "D[2]" << QStringList() << QString();
         QTest::newRow("same name as a single") << "x" << QStringList() << QString();

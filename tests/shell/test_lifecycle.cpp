@@ -300,7 +300,8 @@ private Q_SLOTS:
             drop.onActivated();
             VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen[0].title, QStringLiteral("Close non-existing file"));
-            QCOMPARE(said(answerer), QStringList(2, QStringLiteral("The file \"%1\" doesn't exist any more. Close it?").arg(m_file)));
+            const QString gone = QStringLiteral("The file \"%1\" doesn't exist any more. Close it?").arg(m_file);
+            QCOMPARE(said(answerer), QStringList(2, gone));
         }
         QCOMPARE(gui.fullFileName(), m_file);
         QVERIFY(!gui.closedByHost());
