@@ -120,7 +120,6 @@ private Q_SLOTS:
         QTest::newRow("two files") << QStringList{"format", file, file} << 2 << QByteArray() << "takes one file";
         QTest::newRow("unknown option") << QStringList{"--colour", "dump", file} << 2 << QByteArray() << "colour";
         QTest::newRow("version") << QStringList{"--version"} << 0 << QByteArray("wdl " VOK_VERSION "\n") << "";
-        QTest::newRow("-v") << QStringList{"-v"} << 0 << QByteArray("wdl " VOK_VERSION "\n") << "";
     }
     void exitCodes()
     {
@@ -141,32 +140,27 @@ private Q_SLOTS:
 
     void help()
     {
-        for (const char* option : {"--help", "-h", "--help-all"}) {
-            const Run run = wdl({QLatin1String(option)});
-            QCOMPARE(run.code, 0);
-            QVERIFY2(run.out.contains("Usage:") && run.out.contains("dump FILE") && run.out.contains("format FILE"), option);
-        }
+        const Run run = wdl({QStringLiteral("--help")});
+        QCOMPARE(run.code, 0);
+        QVERIFY2(run.out.contains("Usage:") && run.out.contains("dump FILE") && run.out.contains("format FILE"),
+                 run.out.constData());
     }
 
+    // The reader's own tests feed it garbage; this one follows what it makes
+    // of a megabyte of the format's characters through both commands.
     void survivesGarbage()
     {
-        // Plain random bytes mostly stop at the first empty line, so half the
-        // inputs draw from the format's own characters to reach deeper.
         static const QByteArray alphabet = "{}()##**$$==;;[]:,... 0123456789ABFHZ%IOBGTDefaultNRZx-\n \t";
         std::mt19937 random(20240611);
-        for (const bool textual : {false, true}) {
-            for (const int size : {100, 65536, 1 << 20}) {
-                QByteArray bytes(size, Qt::Uninitialized);
-                for (char& c : bytes)
-                    c = textual ? alphabet.at(int(random() % alphabet.size())) : char(random() & 0xFF);
-                const QString path = written(QStringLiteral("garbage%1.wdl").arg(size), bytes);
-                const Run dump = wdl({QStringLiteral("dump"), path});
-                const Run format = wdl({QStringLiteral("format"), path});
-                QVERIFY2(dump.code == 0 && format.code == 0, qPrintable(path + dump.err.left(500) + format.err.left(500)));
-                QVERIFY(QJsonDocument::fromJson(dump.out).object().value(QStringLiteral("waves")).isArray());
-                QVERIFY(format.out.startsWith("%MASTERCLOCKMULT = "));
-            }
-        }
+        QByteArray bytes(1 << 20, Qt::Uninitialized);
+        for (char& c : bytes)
+            c = alphabet.at(int(random() % alphabet.size()));
+        const QString path = written(QStringLiteral("garbage.wdl"), bytes);
+        const Run dump = wdl({QStringLiteral("dump"), path});
+        const Run format = wdl({QStringLiteral("format"), path});
+        QVERIFY2(dump.code == 0 && format.code == 0, qPrintable(dump.err.left(500) + format.err.left(500)));
+        QVERIFY(QJsonDocument::fromJson(dump.out).object().value(QStringLiteral("waves")).isArray());
+        QVERIFY(format.out.startsWith("%MASTERCLOCKMULT = "));
     }
 };
 

@@ -10,6 +10,9 @@ namespace modeltest {
 
 using namespace kesu::toolvok;
 
+// The attribute block of a plain input wave, up to its "=".
+inline const QString Attr = QStringLiteral(" { A I Default NRZ 0 1 50 } = ");
+
 // "value:duration" per segment, blank-separated; "(" in front of a segment
 // that carries the forever mark.
 inline QString segments(const WaveData* wave)

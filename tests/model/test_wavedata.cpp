@@ -1,120 +1,62 @@
-// Look-ups, merges and list surgery of WaveData, and the document-level
-// operations of WaveformData, on waves built by hand.
+// List surgery of WaveData, and the document-level operations of
+// WaveformData, on waves built by hand. Time look-ups: test_waveindex; the
+// merging append: the reader's segment lists.
 
 #include "modeltestutil.h"
+#include "segmentrange.h"
 
 #include <QtTest>
 
 #include <tuple>
+#include <utility>
 
 using namespace kesu::toolvok;
 using namespace modeltest;
 
-static const char* const ElementOfBus =
-    "The wave you are adding conflicts to an existing wave. It is element of the exsited bus wave.";
-static const char* const ElementsAdded =
-    "The wave you are adding conflicts to an existing wave. Some elements of the bus wave have been added.";
+namespace {
+
+// Replaces segments [first, first + count) of the wave by those of a
+// segments() text, as an edit would, and sets its forever index.
+void edit(WaveData& wave, int first, int count, const QString& replacement, qint32 foreverIndex)
+{
+    qDeleteAll(wave.patterns.mid(first, count));
+    wave.patterns.remove(first, count);
+    auto source = makeWave("s", replacement);
+    for (Pattern* p : std::exchange(source->patterns, {})) {
+        wave.patterns.insert(first++, p);
+        p->wave = &wave;
+    }
+    wave.segmentsChanged(0);
+    wave.foreverIndex = foreverIndex;
+}
+
+} // namespace
 
 class TestWaveData : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    // Segments of 10 and 20: [offset, offset+10] is the first, (offset+10, offset+30] the second.
-    void lookups_data()
-    {
-        QTest::addColumn<quint64>("offset");
-        QTest::addColumn<quint64>("t");
-        QTest::addColumn<int>("index");
-        QTest::addColumn<quint64>("next");
-        const quint64 high = quint64(1) << 63;   // times compare unsigned
-        QTest::newRow("before offset") << quint64(100) << quint64(99) << -1 << quint64(110);   // the offset is no change point
-        QTest::newRow("offset") << quint64(100) << quint64(100) << 0 << quint64(110);
-        QTest::newRow("boundary belongs to earlier") << quint64(100) << quint64(110) << 0 << quint64(130);
-        QTest::newRow("after boundary") << quint64(100) << quint64(111) << 1 << quint64(130);
-        QTest::newRow("end") << quint64(100) << quint64(130) << 1 << NoTime;
-        QTest::newRow("after end") << quint64(100) << quint64(131) << -1 << NoTime;
-        QTest::newRow("far, before") << high << high - 1 << -1 << high + 10;
-        QTest::newRow("far, second") << high << high + 15 << 1 << high + 30;
-    }
-    void lookups()
-    {
-        QFETCH(quint64, offset);
-        QFETCH(quint64, t);
-        QFETCH(int, index);
-        QFETCH(quint64, next);
-        auto w = makeWave("w", "0:10 1:20", offset);
-        QCOMPARE(w->findPattern(t), index < 0 ? nullptr : w->patterns.at(index));
-        QCOMPARE(w->getNextChange(t), next);
-    }
-
-    void endsAndStarts_data()
+    void lastSegment_data()
     {
         QTest::addColumn<QString>("segs");
-        QTest::addColumn<quint64>("offset");
-        QTest::addColumn<quint64>("end");
         QTest::addColumn<quint64>("lastStart");
         QTest::addColumn<QString>("lastValue");
-        QTest::newRow("plain") << "0:10 1:20" << quint64(100) << quint64(130) << quint64(110) << "1";
-        QTest::newRow("empty") << "" << quint64(42) << quint64(42) << NoTime << "-1";
-        // Durations are widened with their sign; times compare unsigned.
-        QTest::newRow("negative duration") << "0:10 1:-4 0:20" << quint64(100) << quint64(126) << quint64(106) << "0";
-        QTest::newRow("below zero wraps") << "0:-5" << quint64(0) << ~quint64(0) - 4 << quint64(0) << "0";
+        QTest::newRow("plain") << "0:10 1:20" << quint64(110) << "1";
+        QTest::newRow("empty") << "" << NoTime << "-1";
+        // Durations are widened with their sign.
+        QTest::newRow("negative duration") << "0:10 1:-4 0:20" << quint64(106) << "0";
     }
-    void endsAndStarts()
+    void lastSegment()
     {
         QFETCH(QString, segs);
-        QFETCH(quint64, offset);
-        QFETCH(quint64, end);
         QFETCH(quint64, lastStart);
         QFETCH(QString, lastValue);
-        auto w = makeWave("w", segs, offset);
-        QCOMPARE(w->getEndTime(), end);
+        auto w = makeWave("w", segs, 100);
         QCOMPARE(w->getPatternStart(w->patterns.isEmpty() ? nullptr : w->patterns.last()), lastStart);
         QCOMPARE(QString::fromStdString(w->getLastValue()), lastValue);
-        // Past the end there is neither a segment nor a change.
-        QCOMPARE(w->findPattern(end + 1), nullptr);
-        QCOMPARE(w->getNextChange(end), NoTime);
         Pattern stranger("0", 10);
         QCOMPARE(w->getPatternStart(&stranger), NoTime);
-    }
-
-    void addData_data()
-    {
-        QTest::addColumn<bool>("bus");
-        QTest::addColumn<QString>("before");
-        QTest::addColumn<QString>("added");
-        QTest::addColumn<QString>("after");   // "(" marks the forever segment
-        QTest::newRow("single equal") << false << "0:3 1:10" << "1:5" << "0:3 1:15";
-        QTest::newRow("byte for byte") << false << "1:10" << "01:5" << "1:10 01:5";
-        QTest::newRow("negative sum") << false << "1:10" << "1:-3" << "1:7";
-        QTest::newRow("single highz") << false << "-2:2" << "-2:3" << "-2:5";
-        QTest::newRow("bus equal value stays apart") << true << "7:10" << "7:5" << "7:10 7:5";
-        QTest::newRow("bus highz melts") << true << "-2:10" << "-2:5" << "-2:15";
-        QTest::newRow("bus dont care melts") << true << "3:1 -1:10" << "-1:5" << "3:1 -1:15";
-        QTest::newRow("dont care vs highz") << true << "-1:10" << "-2:5" << "-1:10 -2:5";
-        QTest::newRow("zero duration") << false << "1:10" << "0:0" << "1:10";
-        QTest::newRow("empty wave") << true << "" << "1:5" << "1:5";
-        QTest::newRow("forever appended") << false << "0:3" << "(1:4" << "0:3 (1:4";
-        QTest::newRow("forever mark of merged ignored") << false << "0:3 1:4" << "(1:2" << "0:3 1:6";
-    }
-    void addData()
-    {
-        QFETCH(bool, bus);
-        QFETCH(QString, before);
-        QFETCH(QString, added);
-        QFETCH(QString, after);
-        auto w = makeWave("w", before, 0, bus);
-        const QStringList parts = added.mid(added.startsWith('(') ? 1 : 0).split(':');
-        auto* p = new Pattern(parts[0].toStdString(), parts[1].toInt());
-        p->forever = added.startsWith('(');
-        const bool taken = w->addData(p);
-        QCOMPARE(segments(w.get()), after);
-        QCOMPARE(w->foreverIndex, int(after.indexOf('(') < 0 ? -1 : after.count(' ')));
-        QCOMPARE(taken, w->patterns.contains(p));
-        QCOMPARE(p->wave, taken ? w.get() : nullptr);
-        if (!taken)
-            delete p;   // merged or ignored: still the caller's
     }
 
     void insertData()
@@ -123,47 +65,37 @@ private Q_SLOTS:
         Pattern* c = w->patterns.at(2);
         auto* x = new Pattern("1", 9);
         w->insertData(x, w->patterns.at(1));
-        QCOMPARE(segments(w.get()), QString("0:1 1:9 1:2 (0:3"));   // no merging
         QCOMPARE(x->wave, w.get());
-
         // In front of the forever segment itself: the tail still starts at it.
         w->insertData(new Pattern("-1", 5), c);
-        QCOMPARE(w->patterns.at(w->foreverIndex), c);
-
         Pattern stranger("0", 1);
         w->insertData(new Pattern("-2", 6), &stranger);
         w->insertData(new Pattern("1", 7), nullptr);
-        QCOMPARE(segments(w.get()), QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7"));
+        QCOMPARE(segments(w.get()), QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7"));   // no merging
         QCOMPARE(w->foreverIndex, 4);
     }
 
     void insertPattern()
     {
-        auto source = makeWave("$p", "1:1 0:2 (-1:3");   // forever marks are not copied
         auto w = makeWave("w", "0:7 1:8 (0:9");
         Pattern* p = w->patterns.at(1);
-        w->insertPattern(p, source.get());
-        QCOMPARE(segments(w.get()), QString("0:7 -1:3 0:2 1:1 (0:9"));
+        w->insertPattern(p, makeWave("$p", "1:1 0:2 (-1:3").get());   // forever marks are not copied
         QCOMPARE(w->patterns.at(3), p);
-        for (const Pattern* q : std::as_const(w->patterns))
-            QCOMPARE(q->wave, w.get());
-
         // At the forever segment itself the tail keeps starting at it.
         w->insertPattern(w->patterns.at(4), makeWave("$q", "1:4 0:5").get());
-        QCOMPARE(segments(w.get()), QString("0:7 -1:3 0:2 1:1 0:5 (1:4"));
-        QCOMPARE(w->foreverIndex, 5);
-
         w->insertPattern(p, makeWave("$e", "").get());
         w->insertPattern(w->patterns.at(0), makeWave("$o", "-2:4").get());
         QCOMPARE(segments(w.get()), QString("-2:4 -1:3 0:2 1:1 0:5 (1:4"));
+        QCOMPARE(w->foreverIndex, 5);
+        for (const Pattern* q : std::as_const(w->patterns))
+            QCOMPARE(q->wave, w.get());
 
         // A segment outside the list takes the first source segment; the rest
         // is appended at the end, still reversed.
         auto v = makeWave("v", "0:11 1:4");
         Pattern detached("0", 1);
         v->insertPattern(&detached, makeWave("$r", "1:5 0:2 1:7").get());
-        QCOMPARE(detached.value, std::string("1"));
-        QCOMPARE(detached.duration, 5);
+        QCOMPARE(QString("%1:%2").arg(QString::fromStdString(detached.value)).arg(detached.duration), QString("1:5"));
         QCOMPARE(segments(v.get()), QString("0:11 1:4 1:7 0:2"));
     }
 
@@ -185,13 +117,11 @@ private Q_SLOTS:
         QFETCH(int, expected);
         auto w = makeWave("w", "0:1 1:2 0:3 1:4");
         w->foreverIndex = forever;
-        Pattern* p = w->patterns.at(removed);
-        w->removeData(p);
+        std::unique_ptr<Pattern> p(w->patterns.at(removed));
+        w->removeData(p.get());
         QCOMPARE(w->foreverIndex, expected);
-        QVERIFY(!w->patterns.contains(p));
+        QVERIFY(!w->patterns.contains(p.get()));
         QCOMPARE(p->duration, removed + 1);   // handed back untouched
-        delete p;
-
         Pattern stranger("0", 1);
         w->removeData(&stranger);
         QCOMPARE(w->patterns.size(), 3);
@@ -216,11 +146,9 @@ private Q_SLOTS:
                 }
                 const auto [first, last] = all->spanOf(which);
                 const QList<Pattern*> taken = all->takeSegments(which, first, last);
-                const QString where = QStringLiteral("forever %1, subset %2").arg(forever).arg(subset);
-                QVERIFY2(taken == which, qPrintable(where));
-                QVERIFY2(segments(all.get()) == segments(one.get()) && all->foreverIndex == one->foreverIndex,
-                         qPrintable(where));
-                QVERIFY(all->indexConsistent());
+                QVERIFY2(taken == which && segments(all.get()) == segments(one.get())
+                             && all->foreverIndex == one->foreverIndex && all->indexConsistent(),
+                         qPrintable(QStringLiteral("forever %1, subset %2").arg(forever).arg(subset)));
                 qDeleteAll(taken);
             }
         }
@@ -255,24 +183,23 @@ private Q_SLOTS:
         QCOMPARE(segments(grow.get()), QString("1:3 (0:3 (1:3"));
         QCOMPARE(grow->foreverIndex, 2);
 
-        // Surplus segments leave the list but stay alive for whoever holds them.
+        // Surplus segments leave the list and go back to the caller.
         auto shrink = makeWave("t", "0:1 1:2 (0:3");
-        std::unique_ptr<Pattern> second(shrink->patterns.at(1)), third(shrink->patterns.at(2));
-        shrink->duplicateData(makeWave("s", "1:4").get());
+        const QList<Pattern*> surplus = shrink->duplicateData(makeWave("s", "1:4").get());
         QCOMPARE(segments(shrink.get()), QString("1:4"));
         QCOMPARE(shrink->foreverIndex, -1);
-        QCOMPARE(third->duration, 3);
+        QCOMPARE(surplus.size(), 2);
+        qDeleteAll(surplus);
     }
 
     void document()
     {
-        WaveformData doc;   // its defaults show in the writer's header
+        WaveformData doc;
         auto *a = new WaveData("clk"), *b = new WaveData("clk"), *c = new WaveData("data"), *d = new WaveData("en");
         for (WaveData* w : {a, b, c, d})
             doc.addWave(w);
         QCOMPARE(doc.findWavebyName("clk"), a);
         QCOMPARE(doc.findWavebyName("CLK"), nullptr);
-        QCOMPARE(doc.findWavebyName("cl"), nullptr);
         QCOMPARE(doc.removeWave(c), 2);
         QCOMPARE(doc.waves, QList<WaveData*>({a, b, d}));
         WaveData outsider("x");
@@ -288,8 +215,7 @@ private Q_SLOTS:
         names.elements << "pre";
         WaveformData::genExpandWave(&names, "d", 2, 0);
         WaveformData::genExpandWave(&names, "q", -1, 1);
-        WaveformData::genExpandWave(&names, "s", 7, 7);
-        QCOMPARE(names.elements, QStringList({"pre", "d[2]", "d[1]", "d[0]", "q[-1]", "q[0]", "q[1]", "s[7]"}));
+        QCOMPARE(names.elements, QStringList({"pre", "d[2]", "d[1]", "d[0]", "q[-1]", "q[0]", "q[1]"}));
     }
 
     void checkBusElements_data()
@@ -297,12 +223,15 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QStringList>("elements");   // empty: a single wave
         QTest::addColumn<QString>("message");         // empty: accepted
-        QTest::newRow("element of bus") << "d[2]" << QStringList() << ElementOfBus;
+        const QString conflict = "The wave you are adding conflicts to an existing wave. ";
+        const QString ofBus = conflict + "It is element of the exsited bus wave.";
+        const QString added = conflict + "Some elements of the bus wave have been added.";
+        QTest::newRow("element of bus") << "d[2]" << QStringList() << ofBus;
         QTest::newRow("case differs") << "D[2]" << QStringList() << QString();
         QTest::newRow("same name as a single") << "x" << QStringList() << QString();
-        QTest::newRow("bus holds a single") << "n[1:0]" << QStringList{"z", "x"} << ElementsAdded;
-        QTest::newRow("bus shares a listed element") << "m[q]" << QStringList{"q"} << ElementsAdded;
-        QTest::newRow("bus shares a range element") << "n[1:0]" << QStringList{"d[1]", "d[0]"} << ElementsAdded;
+        QTest::newRow("bus holds a single") << "n[1:0]" << QStringList{"z", "x"} << added;
+        QTest::newRow("bus shares a listed element") << "m[q]" << QStringList{"q"} << added;
+        QTest::newRow("bus shares a range element") << "n[1:0]" << QStringList{"d[1]", "d[0]"} << added;
         QTest::newRow("disjoint bus of same name") << "d[3:0]" << QStringList{"k[1]", "k[0]"} << QString();
     }
     void checkBusElements()
@@ -310,24 +239,97 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QStringList, elements);
         QFETCH(QString, message);
-        WaveformData doc;
-        auto* bus = new WaveData("d[3:0]");
-        bus->isBus = true;
-        WaveformData::genExpandWave(bus, "d", 3, 0);
-        doc.addWave(bus);
-        doc.addWave(new WaveData("x"));
-        auto* listed = new WaveData("e[p,q]");
-        listed->isBus = true;
-        listed->elements = QStringList{"p", "q"};
-        doc.addWave(listed);
-
+        auto doc = load("d[3:0]" + Attr + "0 1;\nx" + Attr + "0 1;\ne[p,q]" + Attr + "0 1;\n");
         WaveData candidate(name);
         candidate.isBus = !elements.isEmpty();
         candidate.elements = elements;
         QString got;
-        QCOMPARE(doc.checkBusElements(&candidate, got), message.isEmpty());
-        if (!message.isEmpty())
-            QCOMPARE(got, message);
+        QCOMPARE(doc->checkBusElements(&candidate, got), message.isEmpty());
+        QCOMPARE(got, message);
+    }
+
+    void undoRedo_data()
+    {
+        QTest::addColumn<QString>("wave");
+        QTest::addColumn<int>("first");         // the range the edit was told to touch
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QString>("replacement");
+        QTest::addColumn<int>("forever");       // foreverIndex after the edit
+        QTest::addColumn<QList<int>>("change"); // narrowed: first, before count, after count
+        QTest::newRow("start") << "0:1 1:2 0:3 1:4" << 0 << 2 << "1:9" << -1 << QList<int>{0, 2, 1};
+        QTest::newRow("middle") << "0:1 1:2 0:3 1:4" << 1 << 2 << "1:2 1:5 0:3" << -1 << QList<int>{2, 0, 1};
+        QTest::newRow("end") << "0:1 1:2 0:3 1:4" << 3 << 1 << "1:4 0:8" << -1 << QList<int>{4, 0, 1};
+        QTest::newRow("emptied") << "0:1 1:2" << 0 << 2 << "" << -1 << QList<int>{0, 2, 0};
+        QTest::newRow("filled") << "" << 0 << 0 << "1:4 0:4" << -1 << QList<int>{0, 0, 2};
+        QTest::newRow("told more than changed") << "0:1 1:2 0:3 1:4" << 0 << 4 << "0:1 1:7 0:3 1:4" << -1
+                                                << QList<int>{1, 1, 1};
+        QTest::newRow("nothing changed") << "0:1 1:2 0:3" << 0 << 3 << "0:1 1:2 0:3" << -1 << QList<int>{3, 0, 0};
+        QTest::newRow("equal runs") << "0:1 0:1 0:1" << 0 << 3 << "0:1 0:1 0:1 0:1" << -1 << QList<int>{3, 0, 1};
+        QTest::newRow("only the forever index") << "0:1 (1:2 0:3" << 0 << 3 << "0:1 (1:2 0:3" << 0
+                                                << QList<int>{3, 0, 0};
+        QTest::newRow("forever start moves") << "0:1 (1:2 0:3" << 1 << 2 << "1:2 (0:3" << 2 << QList<int>{1, 2, 2};
+        QTest::newRow("forever head removed") << "0:1 1:2 (0:3 1:1" << 0 << 2 << "" << 0 << QList<int>{0, 2, 0};
+        QTest::newRow("forever tail added") << "0:1 1:2" << 2 << 0 << "(0:3 1:1" << 2 << QList<int>{2, 0, 2};
+    }
+    void undoRedo()
+    {
+        QFETCH(QString, wave);
+        QFETCH(int, first);
+        QFETCH(int, count);
+        QFETCH(QString, replacement);
+        QFETCH(int, forever);
+        QFETCH(QList<int>, change);
+        auto w = makeWave("w", wave, 10);
+        const qint32 foreverBefore = w->foreverIndex;
+        const QList<Pattern*> outside = w->patterns.mid(0, first) + w->patterns.mid(first + count);
+        const SegmentRange before(*w, first, count);
+        edit(*w, first, count, replacement, forever);
+        const QString after = segments(w.get());
+
+        const SegmentChange narrowed = narrowChange(before, *w);
+        QCOMPARE((QList<int>{narrowed.before.first(), narrowed.before.count(), narrowed.after.count()}), change);
+        QCOMPARE(narrowed.isEmpty(), change.at(1) + change.at(2) == 0 && forever == foreverBefore);
+        QCOMPARE(narrowed.after.first(), change.at(0));
+        // A whole copy of the wave narrows to the same range.
+        auto copy = makeWave("w", wave, 10);
+        const SegmentChange whole = narrowChange(*copy, *w);
+        QCOMPARE((QList<int>{whole.before.first(), whole.before.count(), whole.after.count()}), change);
+
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(narrowed.undo(*w));
+            QCOMPARE(segments(w.get()), wave);
+            QCOMPARE(w->foreverIndex, foreverBefore);
+            QVERIFY(w->indexConsistent());
+            QVERIFY(narrowed.redo(*w));
+            QCOMPARE(segments(w.get()), after);
+            QCOMPARE(w->foreverIndex, forever);
+            QVERIFY(w->indexConsistent());
+        }
+        // Segments outside the edit are the very same objects still.
+        for (Pattern* p : outside)
+            QVERIFY(w->patterns.contains(p));
+        for (const Pattern* p : std::as_const(w->patterns))
+            QCOMPARE(p->wave, w.get());
+    }
+
+    // What the wave loses goes back to the caller when asked for, and is
+    // deleted otherwise; a range that is not in the wave changes nothing.
+    void lostSegments()
+    {
+        auto w = makeWave("w", "0:1 1:2 0:3 1:4");
+        const QList<Pattern*> was = w->patterns;
+        const SegmentRange shorter(*makeWave("s", "1:9"), 0, 1);
+        QList<Pattern*> lost;
+        QVERIFY(shorter.applyTo(*w, 3, &lost));   // segments 0..2 become one
+        QCOMPARE(segments(w.get()), QString("1:9 1:4"));
+        QCOMPARE(lost, was.mid(1, 2));
+        QCOMPARE(w->patterns, (QList<Pattern*>{was[0], was[3]}));
+        qDeleteAll(lost);
+        QVERIFY(shorter.applyTo(*w, 2));   // deleted: the leak checker watches
+        QVERIFY(!shorter.applyTo(*w, 2));
+        QVERIFY(!shorter.applyTo(*w, -1));
+        QVERIFY(!SegmentRange(*makeWave("s", "0:1 1:1 0:1"), 2, 1).applyTo(*w, 0));
+        QCOMPARE(segments(w.get()), QString("1:9"));
     }
 };
 

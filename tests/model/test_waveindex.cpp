@@ -23,12 +23,10 @@ private Q_SLOTS:
         QTest::newRow("plain") << "0:10 1:20" << quint64(100);
         QTest::newRow("empty") << "" << quint64(42);
         QTest::newRow("zero durations") << "0:0 1:5 0:0 1:0 0:7 1:0" << quint64(3);
-        QTest::newRow("negative duration") << "0:10 1:-4 0:20" << quint64(100);
-        QTest::newRow("negative first") << "0:-5 1:10 0:3" << quint64(0);
+        QTest::newRow("negative durations") << "0:-5 1:10 0:3 1:-4 0:20" << quint64(0);
         QTest::newRow("wraps past the end") << "0:10 1:10 0:10" << NoTime - 15;
         QTest::newRow("ends on the last time") << "0:10 1:5" << NoTime - 15;
-        QTest::newRow("largest durations") << "1:2147483647 0:2147483647 1:2147483647" << quint64(7);
-        QTest::newRow("smallest duration") << "1:5 0:-2147483648 1:5" << quint64(1);
+        QTest::newRow("extreme durations") << "1:2147483647 0:2147483647 0:-2147483648 1:5" << quint64(7);
     }
     void lookupsAsWalks()
     {

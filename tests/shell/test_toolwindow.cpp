@@ -1,17 +1,24 @@
 // The tool window's contract with the host: names and titles, the modified
 // mark, the wiring the host makes by name, which commands the user's steps
-// make available, message boxes and help.
+// make available, message boxes and help. Hosted, New and Open ask the host
+// for further windows, one document each; a file already shown is raised
+// instead; closed windows go.
 #include "vokgui.h"
 #include "basehelp.h"
 #include "editdlg.h"
 #include "patterndlg.h"
+#include "toolhost.h"
 #include "wavedatadlg.h"
 #include "wavelstview.h"
 #include "waveformdata.h"
 #include "waveview.h"
+#include "wavewriter.h"
 
 #include <QAction>
 #include <QKeyEvent>
+#include <QPointer>
+#include <QProcess>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -30,6 +37,26 @@ class TestToolWindow : public QObject
     QString m_file;
     QString m_project;
 
+    ToolHost::Factory hostedTools()
+    {
+        return [this](const QStringList& files) -> BasGUITool* {
+            auto* tool = new VokGUI(nullptr, files, m_project, false);
+            tool->initialize();
+            tool->resize(800, 500);
+            return tool;
+        };
+    }
+
+    // Closes the window with that answer to the save question, if any, and
+    // lets a deleted window actually go.
+    static bool closeAnswering(BasGUITool* tool, QList<Answer> answers)
+    {
+        ModalAnswerer answerer(answers);
+        const bool closed = tool->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return closed && answerer.problems.isEmpty() && answerer.unanswered() == 0;
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -43,15 +70,8 @@ private Q_SLOTS:
         VokGUI gui(nullptr, QStringList{QLatin1Char('"') + m_file + QLatin1Char('"')}, m_project, true);
         QVERIFY(gui.initialize());
         const QString title = QStringLiteral("Waveform Editor (Stand-alone) - ") + m_file;
-        QCOMPARE(gui.toolName(), QStringLiteral("WAVE_EDITOR"));
-        QString name, shortTitle;
-        QIcon icon;
-        gui.toolGUIInfo(name, shortTitle, icon);
-        QCOMPARE(name + QLatin1Char('/') + shortTitle, QStringLiteral("Waveform Editor/Waveform Editor"));
-        QCOMPARE(gui.windowTitle(), title);
-        QCOMPARE(gui.fullFileName(), m_file);
-        QCOMPARE(gui.fileName(), QStringLiteral("counter.wdl"));
-        QCOMPARE(gui.getVirtualFileName(), m_file);
+        QCOMPARE((QStringList{gui.windowTitle(), gui.fullFileName(), gui.fileName(), gui.getVirtualFileName()}),
+                 (QStringList{title, m_file, QStringLiteral("counter.wdl"), m_file}));
         QVERIFY(!gui.document()->waves.isEmpty());
         QVERIFY(gui.getModifiedFileList().isEmpty());
         gui.SetDirtyBit();
@@ -106,32 +126,27 @@ private Q_SLOTS:
     {
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
         gui.initialize();
-        auto enabled = [&gui](const QList<int>& ids) {
-            QList<bool> states;
+        // Wave commands, marker commands, editing commands and save as.
+        auto enabled = [&gui] {
+            QString states;
+            const int ids[] = {VokGUI::ActDupWave, VokGUI::ActHideWave, VokGUI::ActNextChange, VokGUI::ActJumpEnd, -1,
+                               VokGUI::ActHideMarker, VokGUI::ActJumpMarker, -1, VokGUI::ActEditMode, VokGUI::ActNewWave,
+                               VokGUI::ActImportWave, VokGUI::ActShowWave, VokGUI::ActRemoveWave, VokGUI::ActTimeSettings};
             for (int id : ids)
-                states << gui.action(id)->isEnabled();
-            return states;
+                states += id < 0 ? ' ' : gui.action(id)->isEnabled() ? '1' : '0';
+            return states + ' ' + (gui.sharedAction(QStringLiteral("save as"))->isEnabled() ? '1' : '0');
         };
-        const QList<int> waveCommands{VokGUI::ActDupWave, VokGUI::ActHideWave, VokGUI::ActNextChange, VokGUI::ActJumpEnd};
-        const QList<int> markerCommands{VokGUI::ActHideMarker, VokGUI::ActJumpMarker};
-        QCOMPARE(enabled(waveCommands), QList<bool>(4, false));
-        QCOMPARE(enabled(markerCommands), QList<bool>(2, false));
+        QCOMPARE(enabled(), QString("0000 00 111111 1"));
         gui.waveList()->setCurrentIndex(gui.waveList()->itemModel()->index(1, 0));
-        QCOMPARE(enabled(waveCommands), QList<bool>(4, true));
+        QCOMPARE(enabled(), QString("1111 00 111111 1"));
         gui.action(VokGUI::ActPlaceMarker)->trigger();
-        QCOMPARE(enabled(markerCommands), QList<bool>(2, true));
-
-        const QList<int> editCommands{VokGUI::ActEditMode, VokGUI::ActNewWave, VokGUI::ActImportWave,
-                                      VokGUI::ActShowWave, VokGUI::ActRemoveWave, VokGUI::ActTimeSettings};
-        QCOMPARE(enabled(editCommands), QList<bool>(6, true));
+        QCOMPARE(enabled(), QString("1111 11 111111 1"));
         gui.action(VokGUI::ActEditMode)->setChecked(true);
         gui.changeReadonlyMode(true);
-        QCOMPARE(enabled(editCommands), QList<bool>(6, false));
+        QCOMPARE(enabled(), QString("1111 11 000000 0"));
         QVERIFY(!gui.action(VokGUI::ActEditMode)->isChecked());
-        QVERIFY(!gui.sharedAction(QStringLiteral("save as"))->isEnabled());
         gui.changeReadonlyMode(false);
-        QCOMPARE(enabled(editCommands), QList<bool>(6, true));
-        QVERIFY(gui.sharedAction(QStringLiteral("save as"))->isEnabled());
+        QCOMPARE(enabled(), QString("1111 11 111111 1"));
     }
 
     void messageBoxes_data()
@@ -159,10 +174,9 @@ private Q_SLOTS:
         ModalAnswerer answerer({press(QMessageBox::StandardButton(answer))});
         QCOMPARE(int(show[kind](QStringLiteral("some text"), &parent)), answer);
         VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.seen[0].title, QStringLiteral("Waveform Editor"));
-        QCOMPARE(answerer.seen[0].text, QStringLiteral("some text"));
-        QCOMPARE(int(answerer.seen[0].icon), icon);
-        QCOMPARE(int(answerer.seen[0].buttons), buttons);
+        const auto& box = answerer.seen[0];
+        QCOMPARE((QStringList{box.title, box.text}), (QStringList{"Waveform Editor", "some text"}));
+        QCOMPARE((QList<int>{int(box.icon), int(box.buttons)}), (QList<int>{icon, buttons}));
     }
 
     void helpFromKeysAndMenus()
@@ -186,6 +200,93 @@ private Q_SLOTS:
         QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
                  QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
         BaseHelp::helpWindow()->hide();
+    }
+
+    void newAndOpenBringFurtherWindows()
+    {
+        ToolHost host(hostedTools());
+        QSignalSpy raised(&host, &ToolHost::toolRaised);
+        const int n = VokGUI::untitledCounter();
+        auto* first = qobject_cast<VokGUI*>(host.open({}));
+        QVERIFY(first && first->isVisible() && !first->isStandalone());
+        {   // Nothing is asked: the first document is not being closed.
+            ModalAnswerer answerer({choose(m_file)});
+            first->sharedAction(QStringLiteral("new"))->trigger();
+            first->fileOpen();
+            VERIFY_ANSWERED(answerer);
+            QCOMPARE(answerer.seen.size(), 1);
+        }
+        QCOMPARE(host.tools().size(), 3);
+        auto* second = qobject_cast<VokGUI*>(host.tools().at(1));
+        QCOMPARE(second->windowTitle(), QStringLiteral("Waveform Editor - Untitled %1").arg(n + 1));
+        QCOMPARE(second->pos(), first->pos() + QPoint(30, 30));
+        auto* shown = qobject_cast<VokGUI*>(host.toolFor(m_file));
+        QVERIFY(shown && shown->isVisible());
+        QCOMPARE(formatWaveform(*shown->document()), writerTextOfFile(m_file));
+        QCOMPARE(first->windowTitle(), QStringLiteral("Waveform Editor - Untitled %1").arg(n));
+
+        // The same file again, asked for from another window: its window
+        // comes to the front, and no second copy opens.
+        second->activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(second));
+        {
+            ModalAnswerer answerer({choose(m_file)});
+            second->sharedAction(QStringLiteral("open"))->trigger();
+            VERIFY_ANSWERED(answerer);
+        }
+        QCOMPARE(raised.size(), 1);
+        QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(shown));
+        // Other spellings of the same file find it too; minimised, it comes back.
+        const QString link = m_dir.filePath(QStringLiteral("link.wdl"));
+        QVERIFY(QFile::link(m_file, link));
+        shown->showMinimized();
+        QCOMPARE(host.open({QLatin1Char('"') + m_file + QLatin1Char('"')}), shown);
+        QCOMPARE(host.open({link}), shown);
+        QVERIFY(!shown->isMinimized());
+        QCOMPARE(host.tools().size(), 3);
+    }
+
+    void closedWindowsGo()
+    {
+        ToolHost host(hostedTools());
+        QSignalSpy last(&host, &ToolHost::lastToolClosed);
+        QPointer<BasGUITool> named = host.open({m_file});
+        QPointer<BasGUITool> untitled = host.open({});
+        // Unmodified and named, it closes without a question and is deleted;
+        // its file then opens in a new window.
+        QVERIFY(closeAnswering(named, {}));
+        QVERIFY(named.isNull());
+        QVERIFY(!host.toolFor(m_file));
+        QPointer<BasGUITool> again = host.open({m_file});
+        QCOMPARE(host.tools().size(), 2);
+        QVERIFY(closeAnswering(again, {}));
+        // Cancel on the save question keeps the window, and the host keeps it.
+        QVERIFY(!closeAnswering(untitled, {press(QMessageBox::Cancel)}));
+        QVERIFY(untitled && untitled->isVisible());
+        QCOMPARE(host.tools().size(), 1);
+        QCOMPARE(last.size(), 0);
+        // The last window going ends the session.
+        QVERIFY(closeAnswering(untitled, {press(QMessageBox::No)}));
+        QVERIFY(untitled.isNull());
+        QCOMPARE(last.size(), 1);
+    }
+
+    // Windows the host still holds go with it: the leak checker watches.
+    void factoryWithoutToolOpensNothing()
+    {
+        ToolHost empty([](const QStringList&) -> BasGUITool* { return nullptr; });
+        QVERIFY(!empty.open({m_file}));
+        QVERIFY(empty.tools().isEmpty());
+    }
+
+    void commandLineOffersHosting()
+    {
+        QProcess process;
+        process.start(QStringLiteral(VOK_EDITOR_PATH), {QStringLiteral("--help")});
+        QVERIFY(process.waitForFinished(20000));
+        QCOMPARE(process.exitCode(), 0);
+        const QString help = QString::fromLocal8Bit(process.readAllStandardOutput());
+        QVERIFY2(help.contains(QStringLiteral("--hosted")), qPrintable(help));
     }
 };
 

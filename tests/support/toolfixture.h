@@ -22,6 +22,12 @@ inline QString exampleFile(const QString& name)
     return QStringLiteral(VOK_SOURCE_DIR "/examples/") + name;
 }
 
+inline QByteArray readFile(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 // Whether every byte reached the file.
 [[nodiscard]] inline bool writeFile(const QString& path, const QByteArray& bytes)
 {
