@@ -5,8 +5,21 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QScreen>
 
 using namespace kesu::toolvok;
+
+namespace {
+// A roomy first size, but never larger than the screen: on a small or
+// scaled screen a taller window would hide the docks' tabs below its edge.
+QSize firstSize()
+{
+    QSize size(1200, 760);
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        size = size.boundedTo(screen->availableGeometry().size());
+    return size;
+}
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -33,7 +46,7 @@ int main(int argc, char** argv)
         ToolHost host([&project](const QStringList& files) -> BasGUITool* {
             auto* tool = new VokGUI(nullptr, files, project, false);
             tool->initialize();
-            tool->resize(1200, 760);
+            tool->resize(firstSize());
             return tool;
         });
         QObject::connect(&host, &ToolHost::lastToolClosed, &app, &QCoreApplication::quit);
@@ -43,7 +56,7 @@ int main(int argc, char** argv)
 
     VokGUI tool(nullptr, parser.positionalArguments(), project, true);
     tool.initialize();
-    tool.resize(1200, 760);
+    tool.resize(firstSize());
     tool.show();
     return app.exec();
 }
