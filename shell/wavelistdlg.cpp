@@ -108,6 +108,10 @@ void WaveListDlg::onShowRemove()
         wave->selected = false;
         waves.append(wave);
     }
+    // The list takes a current row with the focus, which enables the button
+    // before anything is chosen: nothing chosen changes nothing.
+    if (waves.isEmpty())
+        return;
     if (m_showMode)
         m_gui->undoStack()->push(new ShowWaveCommand(waves, m_gui));
     else

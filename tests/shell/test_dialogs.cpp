@@ -164,6 +164,7 @@ private Q_SLOTS:
         QTest::newRow("show two of three") << true << "a c e" << -1 << "a c e" << "e a" << "$pat a b d[3:0] e";
         QTest::newRow("show, Global unlisted") << true << "a e" << 4 << "a" << "a" << "$pat a b c d[3:0]";
         QTest::newRow("show, nothing hidden") << true << "" << -1 << "" << "" << all;
+        QTest::newRow("remove, a current row but nothing picked") << false << "" << -1 << all << "" << all;
     }
     void showAndRemove()
     {
@@ -188,8 +189,15 @@ private Q_SLOTS:
         if (listed.isEmpty())
             return;
         pick(dialog.waveList(), picked.split(' ', Qt::SkipEmptyParts));
+        if (picked.isEmpty())
+            dialog.waveList()->selectionModel()->setCurrentIndex(dialog.model()->index(0, 0),
+                                                                QItemSelectionModel::NoUpdate);
         gui->ResetDirtyBit();
         QTest::mouseClick(dialog.actionButton(), Qt::LeftButton);
+        if (picked.isEmpty()) {
+            QVERIFY(!gui->isModified() && gui->undoStack()->count() == 0);
+            return;
+        }
         QVERIFY(dialog.isVisible() && gui->isModified());
         QCOMPARE(dialog.model()->rowCount(), listed.count(' ') - picked.count(' '));  // the shown or removed go
         QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
