@@ -269,6 +269,9 @@ private Q_SLOTS:
         t.wave(QStringLiteral("a"))->visible = false;
         t->showWave(t.wave(QStringLiteral("z")));
         QCOMPARE(t.listRows(), (QStringList{"z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b"}));
+        // Neither hiding nor showing is a change to save.
+        t->undo();
+        QVERIFY(!t->isModified());
     }
 
     void activeWaveAndModes()

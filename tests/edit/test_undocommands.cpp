@@ -90,23 +90,6 @@ private Q_SLOTS:
         pushAndUndoDirty(t, new DelWaveCommand({}, t.gui.get()));
     }
 
-    void showAndHideNeverTouchTheDirtyBit()
-    {
-        Window t(kDoc);
-        WaveData* b = t.wave(QStringLiteral("b"));
-        WaveData* d = t.wave(QStringLiteral("d[3:0]"));
-        QSignalSpy dirty(t.gui.get(), &VokGUI::fileChanged);
-        t->undoStack()->push(new HideWaveCommand(b, t.gui.get()));
-        t->hideWave(d);
-        QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "e", "f[3:0]"}));
-        t->undoStack()->push(new ShowWaveCommand({d, b}, t.gui.get()));
-        QCOMPARE(t.listRows(), kAll);
-        t->undoStack()->undo();
-        QVERIFY(!b->visible && !d->visible);
-        QVERIFY(dirty.isEmpty());
-        QVERIFY(!t->isModified());
-    }
-
     void foreverUndoRestoresWhatRedoMerged_data()
     {
         QTest::addColumn<QString>("name");

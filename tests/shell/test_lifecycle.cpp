@@ -46,15 +46,6 @@ void appendSegment(VokGUI& gui, const QString& waveName, quint64 upTo)
     QVERIFY(gui.isModified());
 }
 
-// What the answered windows said: a box's text, a file dialog's title.
-QStringList said(const ModalAnswerer& answerer)
-{
-    QStringList said;
-    for (const Seen& seen : answerer.seen)
-        said << (seen.isFileDialog ? seen.title : seen.text);
-    return said;
-}
-
 QTimer* autoSaveTimer(VokGUI& gui)
 {
     const QList<QTimer*> timers = gui.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
@@ -144,7 +135,7 @@ private Q_SLOTS:
         // Our own save is no change by another program: nothing more is asked.
         gui.onActivated();
         VERIFY_ANSWERED(answerer);
-        QCOMPARE(said(answerer).mid(command == QLatin1String("open")),
+        QCOMPARE(answerer.said().mid(command == QLatin1String("open")),
                  answer ? QStringList{"Do you want to save your changes?"} : QStringList());
 
         QCOMPARE(readFile(m_file), saved ? edited : m_original);
@@ -181,7 +172,7 @@ private Q_SLOTS:
             ModalAnswerer answerer({choose(m_file), press(QMessageBox::No)});
             gui.fileOpen();
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(said(answerer), (QStringList{"Open Existing Waveform File", "Do you want to save your changes?"}));
+            QCOMPARE(answerer.said(), (QStringList{"Open Existing Waveform File", "Do you want to save your changes?"}));
             QCOMPARE(answerer.seen[0].directory, QDir::currentPath());
         }
         // Opened this way the short name is the whole path.
@@ -215,7 +206,7 @@ private Q_SLOTS:
             QVERIFY(untitled.fullFileName().isEmpty());
             QVERIFY(untitled.onSave());
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(said(answerer), (QStringList{"Save Waveform File", "Save Waveform File"}));
+            QCOMPARE(answerer.said(), (QStringList{"Save Waveform File", "Save Waveform File"}));
             QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
         }
         QCOMPARE(untitled.title(), QStringLiteral("first.wdl"));
@@ -273,7 +264,7 @@ private Q_SLOTS:
             gui.onActivated();
             gui.onActivated();
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(said(answerer), QStringList{"The file was modified by another program. Do you want to reload it?"});
+            QCOMPARE(answerer.said(), QStringList{"The file was modified by another program. Do you want to reload it?"});
             QCOMPARE(writerText(gui), shown);
             QVERIFY(gui.isModified());
         }
@@ -301,7 +292,7 @@ private Q_SLOTS:
             VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen[0].title, QStringLiteral("Close non-existing file"));
             const QString gone = QStringLiteral("The file \"%1\" doesn't exist any more. Close it?").arg(m_file);
-            QCOMPARE(said(answerer), QStringList(2, gone));
+            QCOMPARE(answerer.said(), QStringList(2, gone));
         }
         QCOMPARE(gui.fullFileName(), m_file);
         QVERIFY(!gui.closedByHost());
