@@ -5,7 +5,6 @@
 #include "patterndlg.h"
 #include "wavedatadlg.h"
 
-#include "basehelp.h"
 #include "biginteger.h"
 #include "wavesummary.h"
 
@@ -363,25 +362,6 @@ private Q_SLOTS:
             t.pick("d[7:0]", {0});
             QCOMPARE(enabled(), QList<bool>(editing.size(), !readOnly));
         }
-    }
-
-    void helpPages_data()
-    {
-        QTest::addColumn<int>("dock");
-        QTest::addColumn<QString>("page");
-        QTest::newRow("pulse") << 0 << ":/help/pulse_property.html";
-        QTest::newRow("wave") << 1 << ":/help/waveform_property.html";
-        QTest::newRow("patterns") << 2 << ":/help/insert_pattern.html";
-    }
-    void helpPages()
-    {
-        QFETCH(int, dock);
-        QFETCH(QString, page);
-        Docks t;
-        const QDockWidget* docks[] = {t->editDlg(), t->waveDataDlg(), t->patternDlg()};
-        QTest::keyRelease(docks[dock]->widget()->findChildren<QWidget*>().last(), Qt::Key_F1);
-        QCOMPARE(BaseHelp::currentPage(), page);
-        BaseHelp::helpWindow()->close();
     }
 
     void everyDockThenUndoEverything()

@@ -137,8 +137,10 @@ private Q_SLOTS:
         QVERIFY(dialog.result() == QDialog::Accepted && t->undoStack()->count() == 1 && t->isModified());
         QCOMPARE(QPair(t->document()->smallestUnit, t->document()->decimals),
                  QPair(newUnit * 3 + 3, dialog.precisionBox()->currentIndex()));
+        t->ResetDirtyBit();
         t->undoStack()->undo();
         QCOMPARE(t.saved(), text);
+        QVERIFY(t->isModified());
     }
 };
 

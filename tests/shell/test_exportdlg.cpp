@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include "files.h"
 #include "modalanswerer.h"
 #include "sandboxedtestmain.h"
 
@@ -20,12 +21,6 @@ using namespace kesu::toolvok;
 namespace {
 
 const char* const counter = VOK_SOURCE_DIR "/examples/counter.wdl";
-
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QLineEdit* edit(ExportDlg& dialog, const char* name) { return dialog.findChild<QLineEdit*>(QLatin1String(name)); }
 
@@ -109,7 +104,7 @@ private Q_SLOTS:
         QCOMPARE(edit(dialog, "output")->text(), output);
         // The output is made before the export runs, so a failed one leaves it empty.
         QCOMPARE(QFile::exists(output), !refused);
-        QVERIFY2(readAll(output).startsWith(written), readAll(output).left(80).constData());
+        QVERIFY2(testfiles::readFile(output).startsWith(written), testfiles::readFile(output).left(80).constData());
     }
 
     void browseAndHelp()
