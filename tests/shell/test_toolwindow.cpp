@@ -9,6 +9,7 @@
 #include "patterndlg.h"
 #include "toolhost.h"
 #include "wavedatadlg.h"
+#include "wavedata.h"
 #include "wavelstview.h"
 #include "waveformdata.h"
 #include "waveview.h"
@@ -120,32 +121,50 @@ private Q_SLOTS:
         QVERIFY(!gui.editDlg()->isFloating());
     }
 
-    // What the user's steps make available, and what read-only takes away.
+    // What the user's steps make available, and what read-only takes away
+    // and gives back.
     void availability()
     {
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
         gui.initialize();
-        // Wave commands, marker commands, editing commands and save as.
+        // Wave commands, marker commands, editing commands, then the shared
+        // save as, undo, redo, save, cut, paste.
         auto enabled = [&gui] {
             QString states;
             const int ids[] = {VokGUI::ActDupWave, VokGUI::ActHideWave, VokGUI::ActNextChange, VokGUI::ActJumpEnd, -1,
                                VokGUI::ActHideMarker, VokGUI::ActJumpMarker, -1, VokGUI::ActEditMode, VokGUI::ActNewWave,
-                               VokGUI::ActImportWave, VokGUI::ActShowWave, VokGUI::ActRemoveWave, VokGUI::ActTimeSettings};
+                               VokGUI::ActImportWave, VokGUI::ActShowWave, VokGUI::ActRemoveWave, VokGUI::ActTimeSettings, -1};
             for (int id : ids)
                 states += id < 0 ? ' ' : gui.action(id)->isEnabled() ? '1' : '0';
-            return states + ' ' + (gui.sharedAction(QStringLiteral("save as"))->isEnabled() ? '1' : '0');
+            for (const char* name : {"save as", "undo", "redo", "save", "cut", "paste"})
+                states += gui.sharedAction(QLatin1String(name))->isEnabled() ? '1' : '0';
+            return states;
         };
-        QCOMPARE(enabled(), QString("0000 00 111111 1"));
+        QCOMPARE(enabled(), QString("0000 00 111111 100000"));
         gui.waveList()->setCurrentIndex(gui.waveList()->itemModel()->index(1, 0));
-        QCOMPARE(enabled(), QString("1111 00 111111 1"));
+        QCOMPARE(enabled(), QString("1111 00 111111 100000"));
         gui.action(VokGUI::ActPlaceMarker)->trigger();
-        QCOMPARE(enabled(), QString("1111 11 111111 1"));
+        QCOMPARE(enabled(), QString("1111 11 111111 100000"));
+        // An edit, its segment selected and copied.
         gui.action(VokGUI::ActEditMode)->setChecked(true);
+        WaveData* wave = gui.waveList()->waveAt(1);
+        gui.addEditData(wave->getEndTime() + 10);
+        gui.selection() = {wave->patterns.last()};
+        gui.copyData();
+        gui.onEditDataChanged();
+        QCOMPARE(enabled(), QString("1111 11 111111 110111"));
         gui.changeReadonlyMode(true);
-        QCOMPARE(enabled(), QString("1111 11 000000 0"));
-        QVERIFY(!gui.action(VokGUI::ActEditMode)->isChecked());
+        QCOMPARE(enabled(), QString("1111 11 000000 000000"));
+        QVERIFY(!gui.action(VokGUI::ActEditMode)->isChecked() && gui.selection().isEmpty());
+        // Nothing the tool does meanwhile offers editing again.
+        gui.selection() = {wave->patterns.last()};
+        gui.onEditDataChanged();
+        gui.onUndoChanged(true);
+        gui.SetDirtyBit();
+        QCOMPARE(enabled(), QString("1111 11 000000 000000"));
+        // Back in query mode: no selection to cut, nothing to paste onto.
         gui.changeReadonlyMode(false);
-        QCOMPARE(enabled(), QString("1111 11 111111 1"));
+        QCOMPARE(enabled(), QString("1111 11 111111 110100"));
     }
 
     void messageBoxes()
