@@ -347,20 +347,12 @@ private Q_SLOTS:
     void readOnlyDisablesEveryEditingWidget()
     {
         Docks t;
-        const QList<QWidget*> editing{t.pulse<QComboBox>("state"), t.pulse<QLineEdit>("duration"),
-                                      t.pulse<QLineEdit>("value"), t.pulse<QLineEdit>("scale"),
-                                      t.waveData<QComboBox>("polarity"), t.waveData<QLineEdit>("offset")};
-        auto enabled = [&editing] {
-            QList<bool> states;
-            for (QWidget* w : editing)
-                states << w->isEnabled();
-            return states;
-        };
         for (bool readOnly : {false, true, false}) {
             t->changeReadonlyMode(readOnly);
             t.editMode(true);
             t.pick("d[7:0]", {0});
-            QCOMPARE(enabled(), QList<bool>(editing.size(), !readOnly));
+            for (const char* name : {"state", "duration", "value", "scale", "polarity", "offset"})
+                QVERIFY2(t.control(name)->isEnabled() != readOnly, name);
         }
     }
 

@@ -40,11 +40,10 @@ private Q_SLOTS:
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Export Waveform File"));
         QCOMPARE(edit(dialog, "input")->text(), QStringLiteral("/work/d.x/design.wdl"));
         QCOMPARE(edit(dialog, "output")->text(), QStringLiteral("/work/d.x/design.tf"));
-        QCOMPARE(ExportDlg::extensions(), (QStringList{".tf", ".vht", ".tb"}));
-        QCOMPARE(type->count(), 3);
-        QCOMPARE(type->itemText(1), QStringLiteral("vht"));
-        type->setCurrentIndex(2);
-        QCOMPARE(edit(dialog, "output")->text(), QStringLiteral("/work/d.x/design.tb"));
+        for (const QString& ext : {"vht", "tb"}) {
+            type->setCurrentText(ext);
+            QCOMPARE(edit(dialog, "output")->text(), "/work/d.x/design." + ext);
+        }
         ExportDlg noDot(QStringLiteral("design"), nullptr);
         QCOMPARE(edit(noDot, "output")->text(), QStringLiteral("design.tf"));
     }
@@ -76,10 +75,8 @@ private Q_SLOTS:
         QFETCH(QString, title);
         QFETCH(QString, text);
         QFETCH(QByteArray, written);
-        QFile clash(tmp_.filePath(QStringLiteral("clash.wdl")));
-        QVERIFY(clash.open(QIODevice::WriteOnly));
-        clash.write("a { A I Default NRZ 0 1 50 } = 1 5;\nA { A I Default NRZ 0 1 50 } = 0 5;\n");
-        clash.close();
+        QVERIFY(testfiles::writeFile(tmp_.filePath(QStringLiteral("clash.wdl")),
+                                     "a { A I Default NRZ 0 1 50 } = 1 5;\nA { A I Default NRZ 0 1 50 } = 0 5;\n"));
         input.replace(QLatin1Char('@'), tmp_.path());
         output.replace(QLatin1Char('@'), tmp_.path());
 

@@ -29,11 +29,6 @@ using namespace toolfixture;
 namespace {
 const QString kStandalone = QStringLiteral("Waveform Editor (Stand-alone) - ");
 
-QByteArray writerText(const VokGUI& gui)
-{
-    return formatWaveform(*gui.document());
-}
-
 // A user's edit: in edit mode, a click beyond the end of the wave's last
 // segment appends a segment of the next value up to the click.
 void appendSegment(VokGUI& gui, const QString& waveName, quint64 upTo)
@@ -116,7 +111,7 @@ private Q_SLOTS:
         QVERIFY(!gui.sharedAction(QStringLiteral("save"))->isEnabled());
         appendSegment(gui, QStringLiteral("rst_n"), 500);
         QCOMPARE(gui.windowTitle(), kStandalone + m_file + QLatin1Char('*'));
-        const QByteArray edited = writerText(gui);
+        const QByteArray edited = savedText(gui);
         QVERIFY(edited.contains("\nrst_n { A I Default NRZ 0 1 50 } = 0 25 1 375 0 100;\n"));
         const int n = VokGUI::untitledCounter();
 
@@ -151,7 +146,7 @@ private Q_SLOTS:
             QCOMPARE(gui.fullFileName(), m_file);
         } else if (fileAfter == QLatin1String("other")) {
             QCOMPARE(gui.fullFileName(), m_other);
-            QCOMPARE(writerText(gui), writerTextOfFile(m_other));
+            QCOMPARE(savedText(gui), writerTextOfFile(m_other));
         } else {
             QVERIFY(gui.fullFileName().isEmpty());
             QVERIFY(gui.document()->waves.isEmpty());
@@ -210,7 +205,7 @@ private Q_SLOTS:
             QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
         }
         QCOMPARE(untitled.title(), QStringLiteral("first.wdl"));
-        QCOMPARE(readFile(first), writerText(untitled));
+        QCOMPARE(readFile(first), savedText(untitled));
 
         // A named document's save as starts at its own file, writes the copy
         // and leaves the original alone.
@@ -225,7 +220,7 @@ private Q_SLOTS:
             QCOMPARE(answerer.seen[0].preselected, m_file);
         }
         QVERIFY(readFile(copy).contains("\noe_n { A I Default NRZ 0 1 50 } = 0 360 1 40 0 20;\n"));
-        QCOMPARE(readFile(copy), writerText(gui));
+        QCOMPARE(readFile(copy), savedText(gui));
         QCOMPARE(readFile(m_file), m_original);
         QCOMPARE(gui.windowTitle(), kStandalone + copy);
         QVERIFY(!gui.isModified());
@@ -246,7 +241,7 @@ private Q_SLOTS:
             ModalAnswerer answerer({press(QMessageBox::Yes), choose(named)});
             QVERIFY(closing.close());
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(readFile(named), writerText(closing));
+            QCOMPARE(readFile(named), savedText(closing));
         }
     }
 
@@ -254,7 +249,7 @@ private Q_SLOTS:
     {
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
         QVERIFY(gui.initialize());
-        const QByteArray shown = writerText(gui);
+        const QByteArray shown = savedText(gui);
         // Another program writes a different document, a minute later.
         QVERIFY(writeFile(m_file, readFile(m_other)));
         QVERIFY(touchLater(m_file, 60));
@@ -265,7 +260,7 @@ private Q_SLOTS:
             gui.onActivated();
             VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.said(), QStringList{"The file was modified by another program. Do you want to reload it?"});
-            QCOMPARE(writerText(gui), shown);
+            QCOMPARE(savedText(gui), shown);
             QVERIFY(gui.isModified());
         }
         QVERIFY(touchLater(m_file, 120));
@@ -273,7 +268,7 @@ private Q_SLOTS:
             ModalAnswerer answerer({press(QMessageBox::Yes)});
             gui.onActivated();
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(writerText(gui), writerTextOfFile(m_other));
+            QCOMPARE(savedText(gui), writerTextOfFile(m_other));
             QVERIFY(!gui.isModified());
         }
 
@@ -362,7 +357,7 @@ private Q_SLOTS:
         ModalAnswerer answerer({});
         timer->start(1);
         QVERIFY(saved.wait(5000));
-        QCOMPARE(readFile(m_file), writerText(gui));
+        QCOMPARE(readFile(m_file), savedText(gui));
         QVERIFY(!gui.isModified());
         QCOMPARE(gui.statusBar()->currentMessage(), QStringLiteral("Auto saving..."));
         QCOMPARE(timer->interval(), interval);
