@@ -17,7 +17,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QUndoStack>
 
 using namespace kesu::toolvok;
@@ -194,11 +193,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, wave);
         QFETCH(QList<int>, pulses);
-        QFETCH(bool, enabled);
         QFETCH(bool, checked);
         Docks t;
         t.pick(wave, pulses);
-        QCOMPARE(t.pulse<QCheckBox>("forever")->isEnabled(), enabled);
+        QTEST(t.pulse<QCheckBox>("forever")->isEnabled(), "enabled");
         QCOMPARE(t.pulse<QCheckBox>("forever")->isChecked(), checked);
         QCOMPARE(t.pulse<QLineEdit>("repeat")->text(), checked ? QStringLiteral("##") : QStringLiteral("1"));
         QCOMPARE(t.pulse<QComboBox>("state")->isEnabled(), pulses.size() == 1 && !checked);
@@ -238,7 +236,6 @@ private Q_SLOTS:
     {
         QFETCH(int, width);
         QFETCH(int, radix);
-        QFETCH(QString, shown);
         QFETCH(QString, typed);
         QFETCH(QString, stored);
         const QString name = QStringLiteral("b[%1:0]").arg(width - 1);
@@ -248,7 +245,7 @@ private Q_SLOTS:
         t->setBusRadix(radix);
         t.pick(name, {0});
         auto* value = t.pulse<QLineEdit>("value");
-        QCOMPARE(value->text(), shown);
+        QTEST(value->text(), "shown");
         QCOMPARE(use(value, typed), stored.isEmpty() ? "The bit number of the value is over the bus width." : "");
         QCOMPARE(t.saved(), stored.isEmpty() ? original : wdl({head + stored.toLatin1() + " 10 2 10;"}));
         QCOMPARE(t.steps(), stored.isEmpty() ? 0 : 1);
@@ -329,8 +326,12 @@ private Q_SLOTS:
             dlg->list()->selectionModel()->select(found.value(0), QItemSelectionModel::Select);
         }
         QCOMPARE(dlg->insertButton()->isEnabled(), !edited.isEmpty());
+        // Read-only takes every editing control away until it ends.
         t->changeReadonlyMode(true);
         QVERIFY(!dlg->insertButton()->isEnabled());
+        t.pick(wave, {pulse});
+        for (const char* name : {"state", "duration", "value", "scale", "polarity", "offset"})
+            QVERIFY2(!t.control(name)->isEnabled(), name);
         t->changeReadonlyMode(false);
         t.editMode(true);
         t.pick(wave, {pulse});
@@ -342,18 +343,6 @@ private Q_SLOTS:
         QCOMPARE(t.steps(), 1);
         t->undo();
         QCOMPARE(t.saved(), kDoc);
-    }
-
-    void readOnlyDisablesEveryEditingWidget()
-    {
-        Docks t;
-        for (bool readOnly : {false, true, false}) {
-            t->changeReadonlyMode(readOnly);
-            t.editMode(true);
-            t.pick("d[7:0]", {0});
-            for (const char* name : {"state", "duration", "value", "scale", "polarity", "offset"})
-                QVERIFY2(t.control(name)->isEnabled() != readOnly, name);
-        }
     }
 
     void everyDockThenUndoEverything()
@@ -389,45 +378,6 @@ private Q_SLOTS:
                 t->redo();
             QCOMPARE(t.saved(), edited);
         }
-    }
-
-    void layoutAndToggles()
-    {
-        QTemporaryDir dir;
-        const QString path = dir.filePath("doc.wdl");
-        QVERIFY(toolfixture::writeFile(path, kDoc));
-        QSettings(QSettings::IniFormat, QSettings::UserScope, "Vostranelle", "WAVE_EDITOR").clear();
-        auto gui = toolfixture::openShown(path, QSize(1280, 720));
-        QVERIFY(gui);
-        auto docks = [&gui] { return QList<QDockWidget*>{gui->waveDataDlg(), gui->editDlg(), gui->patternDlg()}; };
-        auto viewAction = [&gui](int i) { return gui->myMenuItems(ViewMenu)->at(4 + i); };
-        auto shownAndChecked = [&] {
-            QList<bool> states;
-            for (int i = 0; i < 3; ++i)
-                states << !docks()[i]->isHidden() << viewAction(i)->isChecked();
-            return states;
-        };
-        // First start: both property views, tabbed, and no Pattern View;
-        // whichever tab is in front has room for all its widgets.
-        QCOMPARE(shownAndChecked(), (QList<bool>{true, true, true, true, false, false}));
-        for (QDockWidget* dock : docks()) {
-            dock->raise();
-            QVERIFY(QTest::qWaitFor([dock] { return dock->isVisible() || dock->isHidden(); }));
-            const QSize need = dock->widget()->minimumSizeHint();
-            QVERIFY(dock->isHidden() || (dock->widget()->width() >= need.width() && dock->widget()->height() >= need.height()));
-        }
-        viewAction(2)->trigger();
-        QVERIFY(QTest::qWaitFor([&] { return docks()[2]->isVisible(); }));
-        viewAction(0)->trigger();
-        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
-        docks()[1]->close();   // its title bar's close button
-        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, false, false, true, true}));
-        viewAction(1)->trigger();
-        gui->close();
-        gui.reset();
-        // The next start shows what the user left.
-        gui = toolfixture::openShown(path, QSize(1280, 720));
-        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
     }
 };
 

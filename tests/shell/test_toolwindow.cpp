@@ -19,6 +19,7 @@
 #include <QKeyEvent>
 #include <QPointer>
 #include <QProcess>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -111,14 +112,49 @@ private Q_SLOTS:
             QVERIFY2(own.startsWith(QLatin1Char('2')) ? meta->indexOfSignal(norm) >= 0 : meta->indexOfSlot(norm) >= 0,
                      qPrintable(own));
         }
+    }
 
-        // Default layout: the two property docks shown and docked, patterns hidden.
-        gui.patternDlg()->show();
-        gui.waveDataDlg()->hide();
-        gui.editDlg()->setFloating(true);
-        gui.onDefLayout();
-        QVERIFY(!gui.waveDataDlg()->isHidden() && !gui.editDlg()->isHidden() && gui.patternDlg()->isHidden());
-        QVERIFY(!gui.editDlg()->isFloating());
+    // The docks' first layout, their View menu toggles and close buttons, and
+    // what the next start shows.
+    void layoutAndToggles()
+    {
+        QSettings(QSettings::IniFormat, QSettings::UserScope, "Vostranelle", "WAVE_EDITOR").clear();
+        auto gui = openShown(m_file, QSize(1280, 720));
+        QVERIFY(gui);
+        auto docks = [&gui] { return QList<QDockWidget*>{gui->waveDataDlg(), gui->editDlg(), gui->patternDlg()}; };
+        auto viewAction = [&gui](int i) { return gui->myMenuItems(ViewMenu)->at(4 + i); };
+        auto shownAndChecked = [&] {
+            QList<bool> states;
+            for (int i = 0; i < 3; ++i)
+                states << !docks()[i]->isHidden() << viewAction(i)->isChecked();
+            return states;
+        };
+        // First start: both property views, tabbed, and no Pattern View;
+        // whichever tab is in front has room for all its widgets.
+        QCOMPARE(shownAndChecked(), (QList<bool>{true, true, true, true, false, false}));
+        for (QDockWidget* dock : docks()) {
+            dock->raise();
+            QVERIFY(QTest::qWaitFor([dock] { return dock->isVisible() || dock->isHidden(); }));
+            const QSize need = dock->widget()->minimumSizeHint();
+            QVERIFY(dock->isHidden() || (dock->widget()->width() >= need.width() && dock->widget()->height() >= need.height()));
+        }
+        viewAction(2)->trigger();
+        QVERIFY(QTest::qWaitFor([&] { return docks()[2]->isVisible(); }));
+        viewAction(0)->trigger();
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
+        docks()[1]->close();   // its title bar's close button
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, false, false, true, true}));
+        viewAction(1)->trigger();
+        gui->close();
+        gui.reset();
+        // The next start shows what the user left.
+        gui = openShown(m_file, QSize(1280, 720));
+        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
+        // The default layout docks the property views again and hides the patterns.
+        gui->editDlg()->setFloating(true);
+        gui->onDefLayout();
+        QCOMPARE(shownAndChecked(), (QList<bool>{true, true, true, true, false, false}));
+        QVERIFY(!gui->editDlg()->isFloating());
     }
 
     // What the user's steps make available, and what read-only takes away
@@ -283,14 +319,9 @@ private Q_SLOTS:
         QVERIFY(closeAnswering(untitled, {press(QMessageBox::No)}));
         QVERIFY(untitled.isNull());
         QCOMPARE(last.size(), 1);
-    }
-
-    // Windows the host still holds go with it: the leak checker watches.
-    void factoryWithoutToolOpensNothing()
-    {
+        // A factory that makes no tool opens nothing.
         ToolHost empty([](const QStringList&) -> BasGUITool* { return nullptr; });
-        QVERIFY(!empty.open({m_file}));
-        QVERIFY(empty.tools().isEmpty());
+        QVERIFY(!empty.open({m_file}) && empty.tools().isEmpty());
     }
 
     void commandLineOffersHosting()
