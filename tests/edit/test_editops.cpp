@@ -257,9 +257,12 @@ private Q_SLOTS:
         t.wave(QStringLiteral("a"))->visible = false;
         t->showWave(t.wave(QStringLiteral("z")));
         QCOMPARE(t.listRows(), (QStringList{"z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b", "e[3:0]"}));
-        // Neither hiding nor showing is a change to save.
+        // Neither hiding nor showing is a change to save, nor their undoing.
         t->undo();
-        QVERIFY(!t->isModified());
+        t->undoStack()->push(new ShowWaveCommand({x}, t.gui.get()));
+        QVERIFY(x->visible);
+        t->undo();
+        QVERIFY(!x->visible && !t->isModified());
     }
 
     void activeWaveAndModes()
