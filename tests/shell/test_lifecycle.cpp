@@ -104,10 +104,9 @@ private Q_SLOTS:
         QFETCH(bool, saved);
         QFETCH(QString, fileAfter);
         QFETCH(bool, modifiedAfter);
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        QVERIFY(gui.initialize());
-        gui.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&gui));
+        const auto shown = openShown(m_file, QSize(800, 500));
+        QVERIFY(shown);
+        VokGUI& gui = *shown;
         QVERIFY(!gui.sharedAction(QStringLiteral("save"))->isEnabled());
         appendSegment(gui, QStringLiteral("rst_n"), 500);
         QCOMPARE(gui.windowTitle(), kStandalone + m_file + QLatin1Char('*'));
