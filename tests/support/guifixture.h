@@ -46,15 +46,6 @@ constexpr int timeX(double t)
     return int(t * Viewport::PixelsPerStep);
 }
 
-// "value:duration" per segment.
-inline QString segments(const WaveData* w)
-{
-    QStringList items;
-    for (const Pattern* p : w->patterns)
-        items << QStringLiteral("%1:%2").arg(QString::fromStdString(p->value)).arg(p->duration);
-    return items.join(QLatin1Char(' '));
-}
-
 // The arguments of every emission of a one-bool signal, taken off the spy.
 inline QList<bool> emitted(QSignalSpy& spy)
 {

@@ -192,7 +192,7 @@ private Q_SLOTS:
         w.move(110, rowY(3));
         w.held = {};
         w.move(150, rowY(3));
-        QCOMPARE(segments(w.wave("a")), QStringLiteral("0:2 1:4 0:3 1:1"));
+        QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 3 1 1;"));
         QCOMPARE(w.steps(), 1);
         // Undo with the button down: the drag becomes its own step first.
         w.click(70, rowY(0));
@@ -200,7 +200,7 @@ private Q_SLOTS:
         w.move(130, rowY(3));
         w->undo();
         QVERIFY(!w.view()->isDraggingEdge());
-        QCOMPARE(segments(w.wave("a")), QStringLiteral("0:2 1:4 0:3 1:1"));
+        QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 3 1 1;"));
         QCOMPARE(w.steps(), 2);
         // A new document mid-drag forgets the drag: nothing reaches its stack.
         w.click(70, rowY(0));
