@@ -5,7 +5,6 @@
 #include "patterndlg.h"
 #include "wavedatadlg.h"
 
-#include "basehelp.h"
 #include "biginteger.h"
 #include "wavesummary.h"
 
@@ -18,7 +17,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSettings>
 #include <QUndoStack>
 
 using namespace kesu::toolvok;
@@ -58,6 +56,11 @@ public:
 
     template <typename W> W* pulse(const char* name) const { return gui->editDlg()->findChild<W*>(name); }
     template <typename W> W* waveData(const char* name) const { return gui->waveDataDlg()->findChild<W*>(name); }
+    QWidget* control(const QString& name) const
+    {
+        QWidget* found = gui->editDlg()->findChild<QWidget*>(name);
+        return found ? found : gui->waveDataDlg()->findChild<QWidget*>(name);
+    }
 
     // Pulses picked with the mouse: the views load the selection.
     void pick(const QString& name, const QList<int>& indexes) const
@@ -66,7 +69,6 @@ public:
         gui->waveDataDlg()->LoadData(wave(name));
         gui->LoadEditData();
     }
-    int steps() const { return gui->undoStack()->count(); }
 };
 
 // Typing the text and pressing Enter; the validator filters keys as it would.
@@ -143,6 +145,11 @@ private Q_SLOTS:
         add("forever from here", "a", {2, 3}, "forever", "", "", kAHead + "0 10 1 20(0 30 1 40)##;");
         add("forever off", "e", {2}, "forever", "", "", kEHead + "0 10 1 10 0 10 1 10;");
         add("forever off from before", "e", {1, 2}, "forever", "", "", kEHead + "0 10 1 10 0 10 1 10;");
+        add("output", "a", {0}, "polarity", "1", "", "a { A O Default NRZ 0 1 50 } = 0 10 1 20 0 30 1 40;");
+        add("offset", "a", {0}, "offset", "100", "", "a { A I Default NRZ 100 1 50 } = 0 10 1 20 0 30 1 40;");
+        add("offset with unit", "d[7:0]", {0}, "offset", "7 ns", "", "d[7:0] { B I Default NRZ 7 1 50 } = 1 10 2 10 F 10;");
+        add("offset not a time", "a", {0}, "offset", "x1", "Invalid offset.", {});
+        add("offset past 32 bits", "a", {0}, "offset", "3000000000", "The offset is overflowed.", {});
     }
     void pulseControls()
     {
@@ -156,14 +163,15 @@ private Q_SLOTS:
         Docks t;
         t.pick(wave, pulses);
         t->changeRange(0, 1);
-        QWidget* widget = t->editDlg()->findChild<QWidget*>(control);
+        QCOMPARE(t.waveData<QLabel>("name")->text(), wave);
+        QWidget* widget = t.control(control);
         QVERIFY(widget->isEnabled());
         QCOMPARE(use(widget, input), message);
         QCOMPARE(t.saved(), edited.isEmpty() ? kDoc : docWith(edited));
         QCOMPARE(t.steps(), edited.isEmpty() ? 0 : 1);
         if (span >= 0)
             QCOMPARE(qint64(t->getRangeEnd()) - qint64(t->getRangeStart()), span);
-        if (auto* edit = qobject_cast<QLineEdit*>(widget); edit && control != "duration" && message.isEmpty())
+        if (auto* edit = qobject_cast<QLineEdit*>(widget); edit && control != "duration" && control != "offset" && message.isEmpty())
             QCOMPARE(edit->text(), QStringLiteral("1"));
         t->undo();
         QCOMPARE(t.saved(), kDoc);
@@ -185,11 +193,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, wave);
         QFETCH(QList<int>, pulses);
-        QFETCH(bool, enabled);
         QFETCH(bool, checked);
         Docks t;
         t.pick(wave, pulses);
-        QCOMPARE(t.pulse<QCheckBox>("forever")->isEnabled(), enabled);
+        QTEST(t.pulse<QCheckBox>("forever")->isEnabled(), "enabled");
         QCOMPARE(t.pulse<QCheckBox>("forever")->isChecked(), checked);
         QCOMPARE(t.pulse<QLineEdit>("repeat")->text(), checked ? QStringLiteral("##") : QStringLiteral("1"));
         QCOMPARE(t.pulse<QComboBox>("state")->isEnabled(), pulses.size() == 1 && !checked);
@@ -229,7 +236,6 @@ private Q_SLOTS:
     {
         QFETCH(int, width);
         QFETCH(int, radix);
-        QFETCH(QString, shown);
         QFETCH(QString, typed);
         QFETCH(QString, stored);
         const QString name = QStringLiteral("b[%1:0]").arg(width - 1);
@@ -239,41 +245,10 @@ private Q_SLOTS:
         t->setBusRadix(radix);
         t.pick(name, {0});
         auto* value = t.pulse<QLineEdit>("value");
-        QCOMPARE(value->text(), shown);
+        QTEST(value->text(), "shown");
         QCOMPARE(use(value, typed), stored.isEmpty() ? "The bit number of the value is over the bus width." : "");
         QCOMPARE(t.saved(), stored.isEmpty() ? original : wdl({head + stored.toLatin1() + " 10 2 10;"}));
         QCOMPARE(t.steps(), stored.isEmpty() ? 0 : 1);
-    }
-
-    void waveControls_data()
-    {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<QString>("control");
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QByteArray>("edited");
-        QTest::newRow("output") << "a" << "polarity" << "1" << "" << QByteArray("a { A O Default NRZ 0 1 50 } = 0 10 1 20 0 30 1 40;");
-        QTest::newRow("offset") << "a" << "offset" << "100" << "" << QByteArray("a { A I Default NRZ 100 1 50 } = 0 10 1 20 0 30 1 40;");
-        QTest::newRow("offset with unit") << "d[7:0]" << "offset" << "7 ns" << ""
-                                          << QByteArray("d[7:0] { B I Default NRZ 7 1 50 } = 1 10 2 10 F 10;");
-        QTest::newRow("offset not a time") << "a" << "offset" << "x1" << "Invalid offset." << QByteArray();
-        QTest::newRow("offset past 32 bits") << "a" << "offset" << "3000000000" << "The offset is overflowed." << QByteArray();
-    }
-    void waveControls()
-    {
-        QFETCH(QString, wave);
-        QFETCH(QString, control);
-        QFETCH(QString, input);
-        QFETCH(QString, message);
-        QFETCH(QByteArray, edited);
-        Docks t;
-        t.pick(wave, {0});
-        QCOMPARE(t.waveData<QLabel>("name")->text(), wave);
-        QCOMPARE(use(t->waveDataDlg()->findChild<QWidget*>(control), input), message);
-        QCOMPARE(t.saved(), edited.isEmpty() ? kDoc : docWith(edited));
-        QCOMPARE(t.steps(), edited.isEmpty() ? 0 : 1);
-        t->undo();
-        QCOMPARE(t.saved(), kDoc);
     }
 
     void patternKindKeepsTheDollarOnUndo()
@@ -351,8 +326,12 @@ private Q_SLOTS:
             dlg->list()->selectionModel()->select(found.value(0), QItemSelectionModel::Select);
         }
         QCOMPARE(dlg->insertButton()->isEnabled(), !edited.isEmpty());
+        // Read-only takes every editing control away until it ends.
         t->changeReadonlyMode(true);
         QVERIFY(!dlg->insertButton()->isEnabled());
+        t.pick(wave, {pulse});
+        for (const char* name : {"state", "duration", "value", "scale", "polarity", "offset"})
+            QVERIFY2(!t.control(name)->isEnabled(), name);
         t->changeReadonlyMode(false);
         t.editMode(true);
         t.pick(wave, {pulse});
@@ -366,52 +345,12 @@ private Q_SLOTS:
         QCOMPARE(t.saved(), kDoc);
     }
 
-    void readOnlyDisablesEveryEditingWidget()
-    {
-        Docks t;
-        const QList<QWidget*> editing{t.pulse<QComboBox>("state"), t.pulse<QLineEdit>("duration"),
-                                      t.pulse<QLineEdit>("value"), t.pulse<QLineEdit>("scale"),
-                                      t.waveData<QComboBox>("polarity"), t.waveData<QLineEdit>("offset")};
-        auto enabled = [&editing] {
-            QList<bool> states;
-            for (QWidget* w : editing)
-                states << w->isEnabled();
-            return states;
-        };
-        for (bool readOnly : {false, true, false}) {
-            t->changeReadonlyMode(readOnly);
-            t.editMode(true);
-            t.pick("d[7:0]", {0});
-            QCOMPARE(enabled(), QList<bool>(editing.size(), !readOnly));
-        }
-    }
-
-    void helpPages_data()
-    {
-        QTest::addColumn<int>("dock");
-        QTest::addColumn<QString>("page");
-        QTest::newRow("pulse") << 0 << ":/help/pulse_property.html";
-        QTest::newRow("wave") << 1 << ":/help/waveform_property.html";
-        QTest::newRow("patterns") << 2 << ":/help/insert_pattern.html";
-    }
-    void helpPages()
-    {
-        QFETCH(int, dock);
-        QFETCH(QString, page);
-        Docks t;
-        const QDockWidget* docks[] = {t->editDlg(), t->waveDataDlg(), t->patternDlg()};
-        QTest::keyRelease(docks[dock]->widget()->findChildren<QWidget*>().last(), Qt::Key_F1);
-        QCOMPARE(BaseHelp::currentPage(), page);
-        BaseHelp::helpWindow()->close();
-    }
-
     void everyDockThenUndoEverything()
     {
         Docks t;
         auto pickAndUse = [&t](const QString& wave, const QList<int>& pulses, const char* control, const QString& input) {
             t.pick(wave, pulses);
-            QWidget* found = t->editDlg()->findChild<QWidget*>(control);
-            use(found ? found : t->waveDataDlg()->findChild<QWidget*>(control), input);
+            use(t.control(control), input);
         };
         pickAndUse("a", {1}, "state", "2");
         pickAndUse("a", {0}, "duration", "15");
@@ -439,45 +378,6 @@ private Q_SLOTS:
                 t->redo();
             QCOMPARE(t.saved(), edited);
         }
-    }
-
-    void layoutAndToggles()
-    {
-        QTemporaryDir dir;
-        const QString path = dir.filePath("doc.wdl");
-        QVERIFY(toolfixture::writeFile(path, kDoc));
-        QSettings(QSettings::IniFormat, QSettings::UserScope, "Vostranelle", "WAVE_EDITOR").clear();
-        auto gui = toolfixture::openShown(path, QSize(1280, 720));
-        QVERIFY(gui);
-        auto docks = [&gui] { return QList<QDockWidget*>{gui->waveDataDlg(), gui->editDlg(), gui->patternDlg()}; };
-        auto viewAction = [&gui](int i) { return gui->myMenuItems(ViewMenu)->at(4 + i); };
-        auto shownAndChecked = [&] {
-            QList<bool> states;
-            for (int i = 0; i < 3; ++i)
-                states << !docks()[i]->isHidden() << viewAction(i)->isChecked();
-            return states;
-        };
-        // First start: both property views, tabbed, and no Pattern View;
-        // whichever tab is in front has room for all its widgets.
-        QCOMPARE(shownAndChecked(), (QList<bool>{true, true, true, true, false, false}));
-        for (QDockWidget* dock : docks()) {
-            dock->raise();
-            QVERIFY(QTest::qWaitFor([dock] { return dock->isVisible() || dock->isHidden(); }));
-            const QSize need = dock->widget()->minimumSizeHint();
-            QVERIFY(dock->isHidden() || (dock->widget()->width() >= need.width() && dock->widget()->height() >= need.height()));
-        }
-        viewAction(2)->trigger();
-        QVERIFY(QTest::qWaitFor([&] { return docks()[2]->isVisible(); }));
-        viewAction(0)->trigger();
-        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
-        docks()[1]->close();   // its title bar's close button
-        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, false, false, true, true}));
-        viewAction(1)->trigger();
-        gui->close();
-        gui.reset();
-        // The next start shows what the user left.
-        gui = toolfixture::openShown(path, QSize(1280, 720));
-        QCOMPARE(shownAndChecked(), (QList<bool>{false, false, true, true, true, true}));
     }
 };
 

@@ -28,7 +28,8 @@ const QByteArray kN = "n[3:0] { B I Default NRZ 0 1 50 } = 9 10;";
 const QByteArray kW = "w[7:0] { B I Default NRZ 0 1 50 } = 12 10 34 10;";
 const QByteArray kK = "k[3:0] { B I Default NRZ 0 1 50 } = 1 10 DonTCare 10;";
 const QByteArray kB = "b { A I Default NRZ 0 1 50 } = 0 10 1 10(0 10 1 10)##;";
-const QByteArray kDoc = wdl({kA, kZ, kX, kH, kD, kM, kN, kW, kK, kB});
+const QByteArray kE = "e[3:0] { B I Default NRZ 0 1 50 } = 7 10 7 10 1 10 2 10 3 10 4 10 4 10 6 10;";
+const QByteArray kDoc = wdl({kA, kZ, kX, kH, kD, kM, kN, kW, kK, kB, kE});
 
 } // namespace
 
@@ -65,6 +66,8 @@ private Q_SLOTS:
         }
         QTest::newRow("extend at the end") << "s=a: e=0" << QStringList{"a=0 10 1 20 0 30 1 40"} << 1;
         QTest::newRow("clear") << "s=a:1 d" << QStringList{"a=0 40 1 40"} << 1;
+        // Equal neighbours far from the edit merge too.
+        QTest::newRow("clear merges far") << "s=e[3:0]:3 d" << QStringList{"e[3:0]=7 20 1 10 3 10 4 20 6 10"} << 1;
         QTest::newRow("clear apart") << "s=d[3:0]:1,3 D" << QStringList{"d[3:0]=1 10 3 10 5 10"} << 1;
         QTest::newRow("clear leaves another wave's") << "s=a:1 +=z:0 d" << QStringList{"a=0 40 1 40", "z=0 10"} << 1;
         QTest::newRow("cut") << "s=d[3:0]:1,2,3 x" << QStringList{"d[3:0]=1 10 5 10"} << 1;
@@ -122,21 +125,6 @@ private Q_SLOTS:
         while (t->undoStack()->canUndo())
             t->undo();
         QCOMPARE(t.saved(), kDoc);
-    }
-
-    // Equal neighbours far from the edit merge too, and come apart on undo.
-    void farEqualNeighboursMerge()
-    {
-        const QByteArray apart = wdl({"e[3:0] { B I Default NRZ 0 1 50 } = 7 10 7 10 1 10 2 10 3 10 4 10 4 10 6 10;"});
-        Window t(apart);
-        t.editMode(true);
-        t.select(QStringLiteral("e[3:0]"), {3});
-        t->clearData();
-        QCOMPARE(values(t, QStringLiteral("e[3:0]")), QByteArray("7 20 1 10 3 10 4 20 6 10"));
-        t->undo();
-        QCOMPARE(t.saved(), apart);
-        t->redo();
-        QCOMPARE(values(t, QStringLiteral("e[3:0]")), QByteArray("7 20 1 10 3 10 4 20 6 10"));
     }
 
     void clipboardSignalsAndOwnership()
@@ -254,7 +242,7 @@ private Q_SLOTS:
         WaveData* x = t.wave(QStringLiteral("x"));
         t->hideWave();
         QVERIFY(!x->visible && !x->selected);
-        QCOMPARE(t.listRows(), (QStringList{"a", "z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b"}));
+        QCOMPARE(t.listRows(), (QStringList{"a", "z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b", "e[3:0]"}));
         QVERIFY(!t->isModified());
         // Undone, x is back and no row is current: there is nothing to hide.
         t->undo();
@@ -268,7 +256,13 @@ private Q_SLOTS:
         // Showing rebuilds the whole list from the document's visible waves.
         t.wave(QStringLiteral("a"))->visible = false;
         t->showWave(t.wave(QStringLiteral("z")));
-        QCOMPARE(t.listRows(), (QStringList{"z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b"}));
+        QCOMPARE(t.listRows(), (QStringList{"z", "h", "d[3:0]", "m[3:0]", "n[3:0]", "w[7:0]", "k[3:0]", "b", "e[3:0]"}));
+        // Neither hiding nor showing is a change to save, nor their undoing.
+        t->undo();
+        t->undoStack()->push(new ShowWaveCommand({x}, t.gui.get()));
+        QVERIFY(x->visible);
+        t->undo();
+        QVERIFY(!x->visible && !t->isModified());
     }
 
     void activeWaveAndModes()
@@ -296,33 +290,6 @@ private Q_SLOTS:
         // A click 85 pixels down lands in the third row.
         t->selectWave(85);
         QCOMPARE(t->waveList()->currentIndex().row(), 2);
-    }
-
-    void readOnlyModeSilencesEditing()
-    {
-        Window t(kDoc);
-        t.editMode(true);
-        t.select(QStringLiteral("a"), {0});
-        t->addEditData(200);
-        t.select(QStringLiteral("a"), {0});
-        Spies spies(t.gui.get(), &VokGUI::undoAvailable, &VokGUI::redoAvailable, &VokGUI::fileChanged,
-                    &VokGUI::viewmodeChanged, &VokGUI::editAvailable, &VokGUI::editdataChanged,
-                    &VokGUI::pastedataChanged, &VokGUI::alwaysAvailable);
-        t->changeReadonlyMode(true);
-        QVERIFY(t->isReadOnly());
-        QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
-        QVERIFY(t->selection().isEmpty());
-        QCOMPARE(spies.take(),
-                 (QList<QList<bool>>{{false}, {false}, {false}, {false, false}, {false}, {false}, {false}, {true}}));
-        t->selection() = {t.wave(QStringLiteral("a"))->patterns[0]};
-        t->onEditDataChanged();
-        t->onUndoChanged(true);
-        t->SetDirtyBit();
-        QCOMPARE(spies.take(), (QList<QList<bool>>{{false}, {}, {false}, {}, {}, {false}, {false}, {}}));
-        t->changeReadonlyMode(false);   // still in query mode
-        QCOMPARE(spies.take(),
-                 (QList<QList<bool>>{{true}, {false}, {true}, {true}, {true}, {false}, {false}, {true}}));
-        QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
     }
 
     void undoDropsTheRangeRedoKeepsIt()

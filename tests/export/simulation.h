@@ -1,6 +1,8 @@
 // Running exports and simulators, and reading what they dump.
 #pragma once
 
+#include "files.h"
+
 #include <QByteArray>
 #include <QMap>
 #include <QString>
@@ -33,5 +35,4 @@ Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime = nullptr);
 // The first difference between two dumps, or empty when they are equal.
 QString differenceOf(const Dump& expected, const Dump& actual);
 
-QByteArray readFile(const QString& path);
-bool writeFile(const QString& path, const QByteArray& bytes);
+using namespace testfiles;

@@ -29,11 +29,6 @@ using namespace toolfixture;
 namespace {
 const QString kStandalone = QStringLiteral("Waveform Editor (Stand-alone) - ");
 
-QByteArray writerText(const VokGUI& gui)
-{
-    return formatWaveform(*gui.document());
-}
-
 // A user's edit: in edit mode, a click beyond the end of the wave's last
 // segment appends a segment of the next value up to the click.
 void appendSegment(VokGUI& gui, const QString& waveName, quint64 upTo)
@@ -44,15 +39,6 @@ void appendSegment(VokGUI& gui, const QString& waveName, quint64 upTo)
     gui.waveList()->setCurrentIndex(gui.waveList()->itemModel()->index(gui.waveList()->rowOf(wave), 0));
     gui.addEditData(upTo);
     QVERIFY(gui.isModified());
-}
-
-// What the answered windows said: a box's text, a file dialog's title.
-QStringList said(const ModalAnswerer& answerer)
-{
-    QStringList said;
-    for (const Seen& seen : answerer.seen)
-        said << (seen.isFileDialog ? seen.title : seen.text);
-    return said;
 }
 
 QTimer* autoSaveTimer(VokGUI& gui)
@@ -118,14 +104,13 @@ private Q_SLOTS:
         QFETCH(bool, saved);
         QFETCH(QString, fileAfter);
         QFETCH(bool, modifiedAfter);
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        QVERIFY(gui.initialize());
-        gui.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&gui));
+        const auto shown = openShown(m_file, QSize(800, 500));
+        QVERIFY(shown);
+        VokGUI& gui = *shown;
         QVERIFY(!gui.sharedAction(QStringLiteral("save"))->isEnabled());
         appendSegment(gui, QStringLiteral("rst_n"), 500);
         QCOMPARE(gui.windowTitle(), kStandalone + m_file + QLatin1Char('*'));
-        const QByteArray edited = writerText(gui);
+        const QByteArray edited = savedText(gui);
         QVERIFY(edited.contains("\nrst_n { A I Default NRZ 0 1 50 } = 0 25 1 375 0 100;\n"));
         const int n = VokGUI::untitledCounter();
 
@@ -144,7 +129,7 @@ private Q_SLOTS:
         // Our own save is no change by another program: nothing more is asked.
         gui.onActivated();
         VERIFY_ANSWERED(answerer);
-        QCOMPARE(said(answerer).mid(command == QLatin1String("open")),
+        QCOMPARE(answerer.said().mid(command == QLatin1String("open")),
                  answer ? QStringList{"Do you want to save your changes?"} : QStringList());
 
         QCOMPARE(readFile(m_file), saved ? edited : m_original);
@@ -160,7 +145,7 @@ private Q_SLOTS:
             QCOMPARE(gui.fullFileName(), m_file);
         } else if (fileAfter == QLatin1String("other")) {
             QCOMPARE(gui.fullFileName(), m_other);
-            QCOMPARE(writerText(gui), writerTextOfFile(m_other));
+            QCOMPARE(savedText(gui), writerTextOfFile(m_other));
         } else {
             QVERIFY(gui.fullFileName().isEmpty());
             QVERIFY(gui.document()->waves.isEmpty());
@@ -181,7 +166,7 @@ private Q_SLOTS:
             ModalAnswerer answerer({choose(m_file), press(QMessageBox::No)});
             gui.fileOpen();
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(said(answerer), (QStringList{"Open Existing Waveform File", "Do you want to save your changes?"}));
+            QCOMPARE(answerer.said(), (QStringList{"Open Existing Waveform File", "Do you want to save your changes?"}));
             QCOMPARE(answerer.seen[0].directory, QDir::currentPath());
         }
         // Opened this way the short name is the whole path.
@@ -215,11 +200,11 @@ private Q_SLOTS:
             QVERIFY(untitled.fullFileName().isEmpty());
             QVERIFY(untitled.onSave());
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(said(answerer), (QStringList{"Save Waveform File", "Save Waveform File"}));
+            QCOMPARE(answerer.said(), (QStringList{"Save Waveform File", "Save Waveform File"}));
             QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
         }
         QCOMPARE(untitled.title(), QStringLiteral("first.wdl"));
-        QCOMPARE(readFile(first), writerText(untitled));
+        QCOMPARE(readFile(first), savedText(untitled));
 
         // A named document's save as starts at its own file, writes the copy
         // and leaves the original alone.
@@ -234,7 +219,7 @@ private Q_SLOTS:
             QCOMPARE(answerer.seen[0].preselected, m_file);
         }
         QVERIFY(readFile(copy).contains("\noe_n { A I Default NRZ 0 1 50 } = 0 360 1 40 0 20;\n"));
-        QCOMPARE(readFile(copy), writerText(gui));
+        QCOMPARE(readFile(copy), savedText(gui));
         QCOMPARE(readFile(m_file), m_original);
         QCOMPARE(gui.windowTitle(), kStandalone + copy);
         QVERIFY(!gui.isModified());
@@ -255,7 +240,7 @@ private Q_SLOTS:
             ModalAnswerer answerer({press(QMessageBox::Yes), choose(named)});
             QVERIFY(closing.close());
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(readFile(named), writerText(closing));
+            QCOMPARE(readFile(named), savedText(closing));
         }
     }
 
@@ -263,7 +248,7 @@ private Q_SLOTS:
     {
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
         QVERIFY(gui.initialize());
-        const QByteArray shown = writerText(gui);
+        const QByteArray shown = savedText(gui);
         // Another program writes a different document, a minute later.
         QVERIFY(writeFile(m_file, readFile(m_other)));
         QVERIFY(touchLater(m_file, 60));
@@ -273,8 +258,8 @@ private Q_SLOTS:
             gui.onActivated();
             gui.onActivated();
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(said(answerer), QStringList{"The file was modified by another program. Do you want to reload it?"});
-            QCOMPARE(writerText(gui), shown);
+            QCOMPARE(answerer.said(), QStringList{"The file was modified by another program. Do you want to reload it?"});
+            QCOMPARE(savedText(gui), shown);
             QVERIFY(gui.isModified());
         }
         QVERIFY(touchLater(m_file, 120));
@@ -282,7 +267,7 @@ private Q_SLOTS:
             ModalAnswerer answerer({press(QMessageBox::Yes)});
             gui.onActivated();
             VERIFY_ANSWERED(answerer);
-            QCOMPARE(writerText(gui), writerTextOfFile(m_other));
+            QCOMPARE(savedText(gui), writerTextOfFile(m_other));
             QVERIFY(!gui.isModified());
         }
 
@@ -301,7 +286,7 @@ private Q_SLOTS:
             VERIFY_ANSWERED(answerer);
             QCOMPARE(answerer.seen[0].title, QStringLiteral("Close non-existing file"));
             const QString gone = QStringLiteral("The file \"%1\" doesn't exist any more. Close it?").arg(m_file);
-            QCOMPARE(said(answerer), QStringList(2, gone));
+            QCOMPARE(answerer.said(), QStringList(2, gone));
         }
         QCOMPARE(gui.fullFileName(), m_file);
         QVERIFY(!gui.closedByHost());
@@ -371,7 +356,7 @@ private Q_SLOTS:
         ModalAnswerer answerer({});
         timer->start(1);
         QVERIFY(saved.wait(5000));
-        QCOMPARE(readFile(m_file), writerText(gui));
+        QCOMPARE(readFile(m_file), savedText(gui));
         QVERIFY(!gui.isModified());
         QCOMPARE(gui.statusBar()->currentMessage(), QStringLiteral("Auto saving..."));
         QCOMPARE(timer->interval(), interval);

@@ -1,8 +1,7 @@
 #pragma once
 
-// A tool window on a document as the user has it: written to a file, opened,
-// shown at a fixed size with the wave view at time 0 and one time unit per
-// step (20 pixels), and driven with the mouse on the wave view.
+// Tool windows on documents as the user has them: written to a file and
+// opened, and driven with the mouse.
 #include "rulerview.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -47,15 +46,6 @@ constexpr int timeX(double t)
     return int(t * Viewport::PixelsPerStep);
 }
 
-// "value:duration" per segment.
-inline QString segments(const WaveData* w)
-{
-    QStringList items;
-    for (const Pattern* p : w->patterns)
-        items << QStringLiteral("%1:%2").arg(QString::fromStdString(p->value)).arg(p->duration);
-    return items.join(QLatin1Char(' '));
-}
-
 // The arguments of every emission of a one-bool signal, taken off the spy.
 inline QList<bool> emitted(QSignalSpy& spy)
 {
@@ -88,41 +78,26 @@ private:
     std::vector<std::unique_ptr<QSignalSpy>> spies_;
 };
 
-class Window
+// A document written to a file and opened in a tool window.
+class Doc
 {
     QTemporaryDir dir_;
 
+protected:
+    QString project_;
+    QString path() const { return dir_.filePath(QStringLiteral("doc.wdl")); }
+    explicit Doc(const QByteArray& text)
+    {
+        if (!toolfixture::writeFile(path(), text))
+            qWarning("could not write %s", qPrintable(path()));
+    }
+
 public:
-    explicit Window(const QByteArray& text, QSize size = QSize(1400, 700))
-    {
-        const QString path = dir_.filePath(QStringLiteral("doc.wdl"));
-        if (!toolfixture::writeFile(path, text))
-            qWarning("could not write %s", qPrintable(path));
-        gui = toolfixture::openShown(path, size);
-        if (!gui)
-            return;
-        gui->setStartTime(0);
-        gui->changeStep(1);
-        gui->doListVScrollChanged(0);
-    }
-
-    bool ok() const { return gui && gui->waveView()->width() >= 400; }
     VokGUI* operator->() const { return gui.get(); }
-    WaveView* view() const { return gui->waveView(); }
-    WaveLstView* list() const { return gui->waveList(); }
-    Selection& sel() const { return gui->selectionState(); }
-
     QByteArray saved() const { return toolfixture::savedText(*gui); }
-    // The saved line of one wave.
-    QByteArray line(const QString& name) const
-    {
-        for (const QByteArray& l : saved().split('\n')) {
-            if (l.startsWith(name.toUtf8() + " {"))
-                return l;
-        }
-        return {};
-    }
     WaveData* wave(const QString& name) const { return gui->document()->findWavebyName(name); }
+    void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
+    int steps() const { return gui->undoStack()->count(); }
     QStringList docOrder() const
     {
         QStringList names;
@@ -130,13 +105,26 @@ public:
             names << w->name;
         return names;
     }
-    // The name list's rows by wave name ("-" for element rows).
+    // Edit operations work on what a drag selected: the wave becomes active
+    // and current, its segments at indexes selected.
+    void select(const QString& name, const QList<int>& indexes) const
+    {
+        WaveData* w = wave(name);
+        gui->setActiveWave(w);
+        WaveLstView* list = gui->waveList();
+        list->setCurrentIndex(list->itemModel()->index(list->rowOf(w), 0));
+        gui->selection().clear();
+        for (int i : indexes)
+            gui->selection().append(w->patterns.at(i));
+        w->selected = true;
+    }
+    // The name list's rows: wave names, and the texts of element rows.
     QStringList listRows() const
     {
         QStringList names;
-        for (int row = 0; row < list()->itemModel()->rowCount(); ++row) {
-            const WaveData* w = list()->waveAt(row);
-            names << (w ? w->name : QStringLiteral("-"));
+        for (int row = 0; row < gui->waveList()->itemModel()->rowCount(); ++row) {
+            const WaveData* w = gui->waveList()->waveAt(row);
+            names << (w ? w->name : gui->waveList()->itemModel()->item(row)->text());
         }
         return names;
     }
@@ -149,26 +137,43 @@ public:
                 continue;
             names << w->name;
             for (int i = 0; w->isBus && w->expandFlag && i < w->elements.size(); ++i)
-                names << QStringLiteral("-");
+                names << w->elements.at(i);
         }
         return names;
     }
 
-    void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
-    int steps() const { return gui->undoStack()->count(); }
+    std::unique_ptr<VokGUI> gui;
+};
 
-    // Edit operations work on what a drag selected; this selects the segments
-    // of a wave as such a drag leaves them.
-    void select(const QString& name, const QList<int>& indexes) const
+// Shown at a fixed size with the wave view at time 0 and one time unit per
+// step, and driven with the mouse on the wave view.
+class Window : public Doc
+{
+public:
+    explicit Window(const QByteArray& text, QSize size = QSize(1400, 700)) : Doc(text)
     {
-        WaveData* w = wave(name);
-        list()->setCurrentIndex(list()->itemModel()->index(list()->rowOf(w), 0));
-        gui->selection().clear();
-        for (int i : indexes)
-            gui->selection().append(w->patterns.at(i));
-        w->selected = true;
+        gui = toolfixture::openShown(path(), size);
+        if (!gui)
+            return;
+        gui->setStartTime(0);
+        gui->changeStep(1);
+        gui->doListVScrollChanged(0);
     }
 
+    bool ok() const { return gui && gui->waveView()->width() >= 400; }
+    WaveView* view() const { return gui->waveView(); }
+    WaveLstView* list() const { return gui->waveList(); }
+    Selection& sel() const { return gui->selectionState(); }
+
+    // The saved line of one wave.
+    QByteArray line(const QString& name) const
+    {
+        for (const QByteArray& l : saved().split('\n')) {
+            if (l.startsWith(name.toUtf8() + " {"))
+                return l;
+        }
+        return {};
+    }
     void send(QEvent::Type type, int x, int y, Qt::MouseButton button = Qt::LeftButton,
               Qt::KeyboardModifiers modifiers = Qt::NoModifier)
     {
@@ -212,52 +217,17 @@ public:
     }
 
     Qt::MouseButtons held;
-    std::unique_ptr<VokGUI> gui;
 };
 
-// The same document in a tool window that is never shown: for the docks and
-// dialogs, which need no drawn wave view.
-class Tool
+// Never shown: for the docks and dialogs, which need no drawn wave view.
+class Tool : public Doc
 {
-    QTemporaryDir dir_;
-    QString project_;
-
 public:
-    explicit Tool(const QByteArray& text)
+    explicit Tool(const QByteArray& text) : Doc(text)
     {
-        const QString path = dir_.filePath(QStringLiteral("doc.wdl"));
-        if (!toolfixture::writeFile(path, text))
-            qWarning("could not write %s", qPrintable(path));
-        gui = std::make_unique<VokGUI>(nullptr, QStringList{path}, project_, true);
+        gui = std::make_unique<VokGUI>(nullptr, QStringList{path()}, project_, true);
         gui->initialize();
     }
-
-    VokGUI* operator->() const { return gui.get(); }
-    QByteArray saved() const { return toolfixture::savedText(*gui); }
-    WaveData* wave(const QString& name) const { return gui->document()->findWavebyName(name); }
-    void editMode(bool on) const { gui->action(VokGUI::ActEditMode)->setChecked(on); }
-    QStringList docOrder() const
-    {
-        QStringList names;
-        for (const WaveData* w : gui->document()->waves)
-            names << w->name;
-        return names;
-    }
-
-    // The wave becomes active and current, its segments at indexes selected.
-    void select(const QString& name, const QList<int>& indexes) const
-    {
-        WaveData* w = wave(name);
-        gui->setActiveWave(w);
-        WaveLstView* list = gui->waveList();
-        list->setCurrentIndex(list->itemModel()->index(list->rowOf(w), 0));
-        gui->selection().clear();
-        for (int i : indexes)
-            gui->selection().append(w->patterns.at(i));
-        w->selected = true;
-    }
-
-    std::unique_ptr<VokGUI> gui;
 };
 
 } // namespace guitest

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPointer>
@@ -13,18 +14,19 @@
 #include <QTest>
 #include <QTimer>
 
-// Answers the message boxes and file dialogs a test drives the tool into,
+// Answers the message boxes, file and input dialogs a test drives the tool into,
 // from the test itself, as a user would.
 
 // One answer to one modal window, in the order they appear.
 struct Answer {
-    enum Kind { Button, File, Dismiss } kind;
+    enum Kind { Button, File, Dismiss, Text } kind;
     QMessageBox::StandardButton button = QMessageBox::NoButton;
     QString path;
 };
 inline Answer press(QMessageBox::StandardButton b) { return {Answer::Button, b, {}}; }
 inline Answer choose(const QString& path) { return {Answer::File, QMessageBox::NoButton, path}; }
 inline Answer dismiss() { return {Answer::Dismiss, QMessageBox::NoButton, {}}; }
+inline Answer type(const QString& text) { return {Answer::Text, QMessageBox::NoButton, text}; }
 
 // What a modal window showed when it came up.
 struct Seen {
@@ -56,6 +58,14 @@ public:
 
     QList<Seen> seen;
     QStringList problems;
+    // What the answered windows said: a box's text, a dialog's title.
+    QStringList said() const
+    {
+        QStringList texts;
+        for (const Seen& s : seen)
+            texts << (s.text.isEmpty() ? s.title : s.text);
+        return texts;
+    }
     int unanswered() const { return int(m_answers.size()); }
 
 private:
@@ -106,6 +116,16 @@ private:
                 if (!planned || answer.kind != Answer::Dismiss)
                     problems << QStringLiteral("no answer for the file dialog \"%1\"").arg(s.title);
                 dialog->reject();
+            }
+        } else if (auto* input = qobject_cast<QInputDialog*>(modal)) {
+            seen.append(s);
+            if (answer.kind == Answer::Text) {
+                input->setTextValue(answer.path);
+                input->accept();
+            } else {
+                if (!planned || answer.kind != Answer::Dismiss)
+                    problems << QStringLiteral("no answer for the input dialog \"%1\"").arg(s.title);
+                input->reject();
             }
         } else {
             problems << QStringLiteral("unexpected window \"%1\"").arg(s.title);

@@ -1,19 +1,14 @@
 // Zoom, scroll, jumps and the marker through the actions, the mouse in the
 // zoom-area mode and the wheel.
 #include "guifixture.h"
+#include "modalanswerer.h"
 #include "sandboxedtestmain.h"
 
-#include <QAbstractButton>
-#include <QInputDialog>
-#include <QMessageBox>
-#include <QPointer>
 #include <QRubberBand>
 #include <QScrollBar>
-#include <QTimer>
 #include <QWheelEvent>
 
 using namespace guitest;
-
 
 namespace {
 // "a" changes at 100 and 200 and ends at 1000; "long" ends at 100000; thirty
@@ -72,38 +67,12 @@ class TestNavigation : public QObject
     }
 
     QRubberBand* band() const { return view_->findChild<QRubberBand*>(); }
-    // Runs Jump to Time, typing each text into the time dialog in turn
-    // ("cancel" cancels it) and pressing Ok on message boxes; returns what showed.
-    QStringList jumpToTime(QStringList typed)
+    // Runs Jump to Time with those answers; what the windows said.
+    QStringList jumpToTime(const QList<Answer>& answers)
     {
-        QStringList shown;
-        QPointer<QDialog> last;
-        QElapsedTimer clock;
-        clock.start();
-        QTimer poll;
-        connect(&poll, &QTimer::timeout, [&] {
-            auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (!modal || modal == last) {
-                if (modal && clock.elapsed() > 5000)
-                    modal->reject();
-                return;
-            }
-            last = modal;
-            auto* box = qobject_cast<QMessageBox*>(modal);
-            auto* input = qobject_cast<QInputDialog*>(modal);
-            shown << (box ? box->windowTitle() + QLatin1Char('|') + box->text() : modal->windowTitle());
-            if (box && box->button(QMessageBox::Ok)) {
-                box->button(QMessageBox::Ok)->click();
-            } else if (input && !typed.isEmpty() && typed.first() != QLatin1String("cancel")) {
-                input->setTextValue(typed.takeFirst());
-                input->accept();
-            } else {
-                modal->reject();
-            }
-        });
-        poll.start(10);
+        ModalAnswerer answerer(answers);
         gui_->JumptoTime();
-        return shown;
+        return answerer.problems + answerer.said();
     }
 
 private Q_SLOTS:
@@ -379,15 +348,16 @@ private Q_SLOTS:
     void jumpToTypedTime()
     {
         setCursor(5);
-        QCOMPARE(jumpToTime({"150"}), QStringList{"Jump to Time"});
+        const QString title = QStringLiteral("Jump to Time");
+        QCOMPARE(jumpToTime({type("150")}), QStringList{title});
         QCOMPARE(view_->cursorTime(), quint64(150));
         // Units convert: the document's unit is ns.
-        jumpToTime({"0.3us"});
+        jumpToTime({type("0.3us")});
         QCOMPARE(view_->cursorTime(), quint64(300));
-        QCOMPARE(jumpToTime({"abc"}), (QStringList{"Jump to Time", "Waveform Editor|Invalid time."}));
+        QCOMPARE(jumpToTime({type("abc"), press(QMessageBox::Ok)}), (QStringList{title, "Invalid time."}));
         // An empty answer and a cancel do nothing, and show nothing more.
-        QCOMPARE(jumpToTime({""}).size(), 1);
-        QCOMPARE(jumpToTime({"cancel"}).size(), 1);
+        QCOMPARE(jumpToTime({type("")}), QStringList{title});
+        QCOMPARE(jumpToTime({dismiss()}), QStringList{title});
         QCOMPARE(view_->cursorTime(), quint64(300));
     }
 };

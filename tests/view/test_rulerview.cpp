@@ -18,11 +18,6 @@ const QColor Back(255, 255, 255);
 const QColor Ink(0, 0, 128);
 const QColor Black(Qt::black);
 
-QColor at(const QImage& image, int x, int y)
-{
-    return QColor(image.pixel(x, y));
-}
-
 int count(const QImage& image, const QColor& color, int x0, int y0, int x1, int y1)
 {
     int n = 0;
@@ -35,7 +30,7 @@ int count(const QImage& image, const QColor& color, int x0, int y0, int x1, int 
 void expect(const QImage& image, std::initializer_list<std::tuple<int, int, QColor>> points)
 {
     for (const auto& [x, y, color] : points)
-        QVERIFY2(at(image, x, y) == color, qPrintable(QStringLiteral("pixel %1, %2").arg(x).arg(y)));
+        QVERIFY2(image.pixel(x, y) == color.rgb(), qPrintable(QStringLiteral("pixel %1, %2").arg(x).arg(y)));
 }
 } // namespace
 
@@ -118,7 +113,7 @@ private Q_SLOTS:
         // Its label equals the label of the same time elsewhere.
         setView(labelStart, 10);
         const QImage reference = paintRuler();
-        QCOMPARE(at(reference, 300, 37), Ink);
+        expect(reference, {{300, 37, Ink}});
         const QImage label = img.copy(major - 20, 0, 40, 34);
         QVERIFY(count(label, Back, 0, 0, 39, 33) < 40 * 34 - 20);
         QCOMPARE(label, reference.copy(300 - 20, 0, 40, 34));

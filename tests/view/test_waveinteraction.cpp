@@ -36,18 +36,26 @@ class TestWaveInteraction : public QObject
 private Q_SLOTS:
     void cleanup() { w_.reset(); }
 
+    // A drag picks every segment it touches and snaps the range to their
+    // middles; a repeated tail is picked once, and not across repetitions.
     void rangeSelectionSnapsToSegmentEdges_data()
     {
         QTest::addColumn<int>("row");
         QTest::addColumn<double>("from");
         QTest::addColumn<double>("to");
-        QTest::addColumn<QList<int>>("picked");
+        QTest::addColumn<QList<int>>("picked");   // empty: nothing selected
         QTest::addColumn<double>("start");
         QTest::addColumn<double>("end");
         QTest::newRow("drag") << 0 << 3.3 << 6.5 << QList<int>{1, 2} << 2.5 << 8.5;
         QTest::newRow("leftwards, other wave") << 1 << 7.5 << 0.5 << QList<int>{0, 1} << 0.5 << 11.5;
+        QTest::newRow("covering") << 0 << 0.5 << 9.5 << QList<int>{0, 1, 2, 3} << 0.5 << 9.5;
         QTest::newRow("click") << 0 << 3.5 << 3.5 << QList<int>{1} << 2.5 << 4.5;
         QTest::newRow("click on an edge") << 0 << 5.0 << 5.0 << QList<int>{1, 2} << 2.5 << 8.5;
+        // clk: 4 units, then a tail of 6 repeated.
+        QTest::newRow("tail") << 2 << 5.0 << 9.0 << QList<int>{1, 2} << 4.5 << 9.5;
+        QTest::newRow("head and tail") << 2 << 1.0 << 9.0 << QList<int>{0, 1, 2} << 0.5 << 9.5;
+        QTest::newRow("a later repetition") << 2 << 17.5 << 20.0 << QList<int>{1, 2} << 16.5 << 21.5;
+        QTest::newRow("across repetitions") << 2 << 5.0 << 11.0 << QList<int>{} << 0.0 << 0.0;
     }
     void rangeSelectionSnapsToSegmentEdges()
     {
@@ -55,14 +63,18 @@ private Q_SLOTS:
         QFETCH(double, from);
         QFETCH(double, to);
         QFETCH(QList<int>, picked);
-        Window& w = open({LineA, LineB});
+        Window& w = open({LineA, LineB, "clk { A I Default NRZ 0 1 50 } = 0 4(1 3 0 3)##;"});
         w.drag(timeX(from), timeX(to), rowY(row));
         WaveData* wave = w->document()->waves.at(row);
         QCOMPARE(w->activeWave(), wave);
-        QVERIFY(wave->selected && !w->document()->waves.at(1 - row)->selected);
-        QCOMPARE(w->selection(), patterns(row ? "b" : "a", picked));
-        QTEST(w->getRangeStart() + 0.5, "start");
-        QTEST(w->getRangeEnd() + 0.5, "end");
+        QCOMPARE(w->selection(), patterns(qPrintable(wave->name), picked));
+        QCOMPARE(wave->selected, !picked.isEmpty());
+        for (WaveData* other : w->document()->waves)
+            QVERIFY(other == wave || !other->selected);
+        if (!picked.isEmpty()) {
+            QTEST(w->getRangeStart() + 0.5, "start");
+            QTEST(w->getRangeEnd() + 0.5, "end");
+        }
         QCOMPARE(w.view()->cursorTime(), quint64(to));
         QCOMPARE(w.steps(), 0);
     }
@@ -82,24 +94,6 @@ private Q_SLOTS:
         QVERIFY(w->selection().isEmpty());
     }
 
-    void selectionAcrossForeverRepetitionsIsDropped()
-    {
-        // The tail starts at 4 and repeats every 6.
-        Window& w = open({"clk { A I Default NRZ 0 1 50 } = 0 4(1 3 0 3)##;"});
-        w.drag(timeX(5), timeX(9), rowY(0));
-        QCOMPARE(w->selection(), patterns("clk", {1, 2}));
-        // Into the second repetition: dropped.
-        w.drag(timeX(5), timeX(11), rowY(0));
-        QVERIFY(!w.wave("clk")->selected);
-        QVERIFY(w->selection().isEmpty());
-        // The head goes with the first repetition.
-        w.drag(timeX(1), timeX(9), rowY(0));
-        QCOMPARE(w->selection(), patterns("clk", {0, 1, 2}));
-        // Within a later repetition the tail's own patterns are picked.
-        w.drag(timeX(17.5), timeX(20), rowY(0));
-        QCOMPARE(w->selection(), patterns("clk", {1, 2}));
-    }
-
     void atMostOneWaveStaysSelectedTheFirst()
     {
         Window& w = open({LineA, LineB, "c { A I Default NRZ 0 1 50 } = 0 3;", "d { A I Default NRZ 0 1 50 } = 1 3;"});
@@ -117,32 +111,44 @@ private Q_SLOTS:
 
     void edgeDragIsOneUndoStep_data()
     {
+        QTest::addColumn<QByteArray>("text");
         QTest::addColumn<int>("clickX");
         QTest::addColumn<int>("pressX");
         QTest::addColumn<bool>("shift");
         QTest::addColumn<QList<int>>("moves");
         QTest::addColumn<QByteArray>("dragged");
+        const QByteArray s = "s { A I Default NRZ 0 1 50 } = ", bus = "s[3:0] { A I Default NRZ 0 1 50 } = ";
+        auto add = [](const char* name, const QByteArray& text, int clickX, int pressX, bool shift,
+                      const QList<int>& moves, const QByteArray& dragged) {
+            QTest::newRow(name) << text << clickX << pressX << shift << moves << dragged;
+        };
         // Pressed below the last wave, in the right or the left half of [2,5).
-        QTest::newRow("right edge") << 70 << 90 << false << QList<int>{110, 130} << QByteArray("0 2 1 5 0 2 1 1");
-        QTest::newRow("left edge") << 130 << 120 << false << QList<int>{100, 80} << QByteArray("0 2 1 1 0 6 1 1");
+        add("right edge", LineA, 70, 90, false, {110, 130}, "0 2 1 5 0 2 1 1");
+        add("left edge", LineA, 130, 120, false, {100, 80}, "0 2 1 1 0 6 1 1");
         // Shift stretches the one pattern: everything after it moves on.
-        QTest::newRow("stretch") << 70 << 90 << true << QList<int>{110} << QByteArray("0 2 1 4 0 4 1 1");
-        QTest::newRow("less than a step") << 70 << 90 << false << QList<int>{95} << QByteArray("0 2 1 3 0 4 1 1");
+        add("stretch", LineA, 70, 90, true, {110}, "0 2 1 4 0 4 1 1");
+        add("less than a step", LineA, 70, 90, false, {95}, "0 2 1 3 0 4 1 1");
         // No duration falls below 1 however far the mouse goes; the edge then
         // waits where it stopped until the mouse comes back there.
-        QTest::newRow("clamped") << 70 << 90 << false << QList<int>{1000, -2000, -1900, 70}
-                                 << QByteArray("0 2 1 2 0 5 1 1");
+        add("clamped", LineA, 70, 90, false, {1000, -2000, -1900, 70}, "0 2 1 2 0 5 1 1");
+        // The left edge of the first pattern makes one of the other value in
+        // front, a change of its own even when it is not moved.
+        add("in front of low", s + "0 2 1 3;", 30, 20, false, {-400, 40}, "1 2 0 1 1 3");
+        add("in front of high", s + "1 2 0 3;", 30, 20, false, {-400, 40}, "0 2 1 1 0 3");
+        add("in front of bus zero", bus + "0 2 5 3;", 30, 20, false, {-400, 40}, "F 2 0 1 5 3");
+        add("made, not moved", s + "0 2 1 3;", 30, 20, false, {20}, "1 1 0 2 1 3");
     }
     void edgeDragIsOneUndoStep()
     {
+        QFETCH(QByteArray, text);
         QFETCH(int, clickX);
         QFETCH(int, pressX);
         QFETCH(bool, shift);
         QFETCH(QList<int>, moves);
         QFETCH(QByteArray, dragged);
-        Window& w = open({LineA, LineB});
+        Window& w = open({text, LineB});
         const QByteArray before = w.saved();
-        const QByteArray expected = "a { A I Default NRZ 0 1 50 } = " + dragged + ";";
+        const QByteArray expected = text.left(text.indexOf(" = ") + 3) + dragged + ";";
         w.click(clickX, rowY(0));
         w.press(pressX, rowY(3), shift ? Qt::ShiftModifier : Qt::NoModifier);
         QVERIFY(w.view()->isDraggingEdge());
@@ -150,44 +156,9 @@ private Q_SLOTS:
             w.move(x, rowY(3));
         w.release(moves.last(), rowY(3));
         QVERIFY(!w.view()->isDraggingEdge());
-        QCOMPARE(w.line("a"), expected);
+        QCOMPARE(w.saved().split('\n').at(5), expected);
         QCOMPARE(w.line("b"), LineB);
-        QCOMPARE(w.steps(), expected == LineA ? 0 : 1);
-        w->undo();
-        QCOMPARE(w.saved(), before);
-    }
-
-    void leftEdgeOfTheFirstPatternMakesOneInFront_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("dragged");
-        QTest::newRow("low") << QByteArray("s { A I Default NRZ 0 1 50 } = 0 2 1 3;")
-                             << QByteArray("s { A I Default NRZ 0 1 50 } = 1 2 0 1 1 3;");
-        QTest::newRow("high") << QByteArray("s { A I Default NRZ 0 1 50 } = 1 2 0 3;")
-                              << QByteArray("s { A I Default NRZ 0 1 50 } = 0 2 1 1 0 3;");
-        QTest::newRow("bus zero wraps") << QByteArray("s[3:0] { A I Default NRZ 0 1 50 } = 0 2 5 3;")
-                                        << QByteArray("s[3:0] { A I Default NRZ 0 1 50 } = F 2 0 1 5 3;");
-    }
-    void leftEdgeOfTheFirstPatternMakesOneInFront()
-    {
-        QFETCH(QByteArray, text);
-        QFETCH(QByteArray, dragged);
-        Window& w = open({text});
-        const QByteArray before = w.saved();
-        w.click(30, rowY(0));
-        w.press(20, rowY(3));   // time 1, the left half of [0,2)
-        QCOMPARE(w->document()->waves.first()->patterns.size(), 3);
-        w.move(-400, rowY(3));   // the made pattern keeps its one unit
-        w.move(40, rowY(3));
-        w.release(40, rowY(3));
-        QCOMPARE(w.saved().split('\n').at(5), dragged);
-        QCOMPARE(w.steps(), 1);
-        w->undo();
-        QCOMPARE(w.saved(), before);
-        // Made and not moved: still a change of its own, undone in one step.
-        w.click(30, rowY(0));
-        w.click(20, rowY(3));
-        QCOMPARE(w.steps(), 1);
+        QCOMPARE(w.steps(), expected == text ? 0 : 1);
         w->undo();
         QCOMPARE(w.saved(), before);
     }
@@ -221,7 +192,7 @@ private Q_SLOTS:
         w.move(110, rowY(3));
         w.held = {};
         w.move(150, rowY(3));
-        QCOMPARE(segments(w.wave("a")), QStringLiteral("0:2 1:4 0:3 1:1"));
+        QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 3 1 1;"));
         QCOMPARE(w.steps(), 1);
         // Undo with the button down: the drag becomes its own step first.
         w.click(70, rowY(0));
@@ -229,7 +200,7 @@ private Q_SLOTS:
         w.move(130, rowY(3));
         w->undo();
         QVERIFY(!w.view()->isDraggingEdge());
-        QCOMPARE(segments(w.wave("a")), QStringLiteral("0:2 1:4 0:3 1:1"));
+        QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 3 1 1;"));
         QCOMPARE(w.steps(), 2);
         // A new document mid-drag forgets the drag: nothing reaches its stack.
         w.click(70, rowY(0));
