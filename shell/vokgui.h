@@ -47,6 +47,12 @@ class WaveView;
 class VokGUI : public BasGUITool
 {
     Q_OBJECT
+    // What the host's options dialog starts from; it answers through
+    // applyOptions and applyColors.
+    Q_PROPERTY(int busRadix READ busRadix)
+    Q_PROPERTY(int autoSave READ autoSave)
+    Q_PROPERTY(bool guideline READ showGuideline)
+    Q_PROPERTY(QList<QColor> colors READ colors)
 public:
     // Interaction modes.
     enum Mode {
@@ -113,6 +119,8 @@ public:
     void setMode(int mode) { m_sel.mode = mode; }
     int busRadix() const { return m_busRadix; }
     void setBusRadix(int radix) { m_busRadix = radix; }
+    int autoSave() const { return m_autoSave; }
+    QTimer* autoSaveTimer() const { return m_autoSaveTimer; }
     bool showGuideline() const { return m_showGuideline; }
     void setShowGuideline(bool on) { m_showGuideline = on; }
     QList<Pattern*>& selection() { return m_sel.segments; }
@@ -140,6 +148,8 @@ public:
 
     // The drawing colours, in settings order.
     QColor color_back, color_names, color_h, color_signal, color_bus, color_x, color_z;
+    // As applyColors takes them; entry 0, which it skips, repeats the names colour.
+    QList<QColor> colors() const;
 
     // --- navigation (view/vokgui_navigation.cpp) --------------------------
     void changeStep(quint64 s);
@@ -268,6 +278,12 @@ public Q_SLOTS:
     void onTogglePropView(bool visible);
     void onTogglePatternView(bool visible);
     void onAutoSave();
+
+    // Answers of the host's options dialog. The colour list is the host's:
+    // entry 0 is its own and is skipped, entries 1 to 7 are ours in settings
+    // order.
+    void applyOptions(int busRadix, int autoSave, bool guideline);
+    void applyColors(QList<QColor> colors);
 
 Q_SIGNALS:
     void fileChanged(bool);
