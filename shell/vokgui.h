@@ -324,6 +324,9 @@ private:
     void takeFirstFile(const QStringList& files);
     void GetWinSettings();
     void SaveWinSettings();
+    // The hidden splitter scales the stored widths to its size; at the first
+    // show the name list gets its stored width back.
+    void restoreListWidth();
     void jumpTo(quint64 t);
     void restartAutoSave();
     // Lets go of everything that refers to a wave about to be deleted.
@@ -388,6 +391,7 @@ private:
     quint64 m_printFrom = 0;
     quint64 m_printTo = 0;
     bool m_showGuideline = false;
+    int m_storedListWidth = 150;
     std::unique_ptr<QSettings> m_settings;
 
     static int m_untitleNum;

@@ -38,12 +38,9 @@ bool storedFlag(const QVariant& stored, bool fallback)
 void VokGUI::GetWinSettings()
 {
     const BaseUsrSettings& s = *m_usrSettings;
-    // The name list keeps its width when the window is shown or resized; the
-    // wave view takes the rest. A width of 0 would hide a pane for good.
-    m_splitter->setStretchFactor(0, 0);
-    m_splitter->setStretchFactor(1, 1);
-    m_splitter->setSizes({storedInt(s, "main_splitter_0", 150, 1, QWIDGETSIZE_MAX),
-                          storedInt(s, "main_splitter_1", 600, 1, QWIDGETSIZE_MAX)});
+    // A width of 0 would hide a pane for good.
+    m_storedListWidth = storedInt(s, "main_splitter_0", 150, 1, QWIDGETSIZE_MAX);
+    m_splitter->setSizes({m_storedListWidth, storedInt(s, "main_splitter_1", 600, 1, QWIDGETSIZE_MAX)});
     m_busRadix = storedInt(s, "bus_radix", 0, 0, 3);
     // Any index of 3 or more switches auto-save off; that is kept as stored.
     m_autoSave = storedInt(s, "auto_save", 0, 0, INT_MAX);
@@ -57,6 +54,14 @@ void VokGUI::GetWinSettings()
     onTogglePropView(false);
     onTogglePatternView(!m_patternDlg->isHidden());
     onChangeSplitter();
+}
+
+void VokGUI::restoreListWidth()
+{
+    const QList<int> sizes = m_splitter->sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    if (total > 1)
+        m_splitter->setSizes({qMin(m_storedListWidth, total - 1), total - qMin(m_storedListWidth, total - 1)});
 }
 
 void VokGUI::SaveWinSettings()

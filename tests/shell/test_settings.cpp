@@ -87,7 +87,8 @@ private Q_SLOTS:
         QVERIFY(file.size() < 2 || toolfixture::writeFile(ini_, file));
         auto first = tool();
         QTEST(state(*first), "expected");
-        first->splitter()->setSizes({230, 470});
+        const QList<int> sizes = first->splitter()->sizes();
+        first->splitter()->setSizes({230, sizes.at(0) + sizes.at(1) - 230});
         first->applyOptions(3, 2, true);
         first->applyColors({Qt::black, Qt::yellow, Qt::darkBlue, Qt::cyan, Qt::green, Qt::magenta, Qt::darkRed});
         first->waveDataDlg()->hide();
