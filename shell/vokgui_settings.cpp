@@ -11,6 +11,8 @@
 #include <QSplitter>
 #include <QTimer>
 
+#include <climits>
+
 namespace kesu::toolvok {
 
 namespace {
@@ -60,8 +62,9 @@ void VokGUI::restoreListWidth()
 {
     const QList<int> sizes = m_splitter->sizes();
     const int total = sizes.value(0) + sizes.value(1);
-    if (total > 1)
-        m_splitter->setSizes({qMin(m_storedListWidth, total - 1), total - qMin(m_storedListWidth, total - 1)});
+    const int listWidth = qMin(m_storedListWidth, total - 1);
+    if (listWidth > 0)
+        m_splitter->setSizes({listWidth, total - listWidth});
 }
 
 void VokGUI::SaveWinSettings()
