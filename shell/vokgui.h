@@ -47,8 +47,7 @@ class WaveView;
 class VokGUI : public BasGUITool
 {
     Q_OBJECT
-    // What the host's options dialog starts from; it answers through
-    // applyOptions and applyColors.
+    // What the host's options dialog starts from.
     Q_PROPERTY(int busRadix READ busRadix)
     Q_PROPERTY(int autoSave READ autoSave)
     Q_PROPERTY(bool guideline READ showGuideline)
@@ -279,9 +278,8 @@ public Q_SLOTS:
     void onTogglePatternView(bool visible);
     void onAutoSave();
 
-    // Answers of the host's options dialog. The colour list is the host's:
-    // entry 0 is its own and is skipped, entries 1 to 7 are ours in settings
-    // order.
+    // Answers of the host's options dialog; its colour list's entry 0 is the
+    // host's own and is skipped, entries 1 to 7 are ours in settings order.
     void applyOptions(int busRadix, int autoSave, bool guideline);
     void applyColors(QList<QColor> colors);
 
@@ -324,8 +322,7 @@ private:
     void takeFirstFile(const QStringList& files);
     void GetWinSettings();
     void SaveWinSettings();
-    // The hidden splitter scales the stored widths to its size; at the first
-    // show the name list gets its stored width back.
+    // At the first show the name list gets back the width the hidden splitter scaled.
     void restoreListWidth();
     void jumpTo(quint64 t);
     void restartAutoSave();
