@@ -2,6 +2,7 @@
 
 #include "aboutdialog.h"
 #include "basehelp.h"
+#include "optionsdlg.h"
 
 #include <QAction>
 #include <QApplication>
@@ -104,6 +105,8 @@ bool BasGUITool::initialize()
         buildMenuBar();
         buildToolBars();
     }
+    // Hosted or not, the frame answers the tool's request for its options.
+    OptionsDlg::serve(this);
     return true;
 }
 

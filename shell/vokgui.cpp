@@ -393,6 +393,7 @@ void VokGUI::showEvent(QShowEvent* event)
         return;
     m_shownOnce = true;
     // The first fit needs the real width of the wave view, known only now.
+    restoreListWidth();
     onChangeSplitter();
     if (!m_data->waves.isEmpty())
         viewZoomfit();

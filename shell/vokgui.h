@@ -47,6 +47,11 @@ class WaveView;
 class VokGUI : public BasGUITool
 {
     Q_OBJECT
+    // What the host's options dialog starts from.
+    Q_PROPERTY(int busRadix READ busRadix)
+    Q_PROPERTY(int autoSave READ autoSave)
+    Q_PROPERTY(bool guideline READ showGuideline)
+    Q_PROPERTY(QList<QColor> colors READ colors)
 public:
     // Interaction modes.
     enum Mode {
@@ -113,6 +118,8 @@ public:
     void setMode(int mode) { m_sel.mode = mode; }
     int busRadix() const { return m_busRadix; }
     void setBusRadix(int radix) { m_busRadix = radix; }
+    int autoSave() const { return m_autoSave; }
+    QTimer* autoSaveTimer() const { return m_autoSaveTimer; }
     bool showGuideline() const { return m_showGuideline; }
     void setShowGuideline(bool on) { m_showGuideline = on; }
     QList<Pattern*>& selection() { return m_sel.segments; }
@@ -140,6 +147,8 @@ public:
 
     // The drawing colours, in settings order.
     QColor color_back, color_names, color_h, color_signal, color_bus, color_x, color_z;
+    // As applyColors takes them; entry 0, which it skips, repeats the names colour.
+    QList<QColor> colors() const;
 
     // --- navigation (view/vokgui_navigation.cpp) --------------------------
     void changeStep(quint64 s);
@@ -269,6 +278,11 @@ public Q_SLOTS:
     void onTogglePatternView(bool visible);
     void onAutoSave();
 
+    // Answers of the host's options dialog; its colour list's entry 0 is the
+    // host's own and is skipped, entries 1 to 7 are ours in settings order.
+    void applyOptions(int busRadix, int autoSave, bool guideline);
+    void applyColors(QList<QColor> colors);
+
 Q_SIGNALS:
     void fileChanged(bool);
     void alwaysAvailable(bool);
@@ -308,6 +322,8 @@ private:
     void takeFirstFile(const QStringList& files);
     void GetWinSettings();
     void SaveWinSettings();
+    // At the first show the name list gets back the width the hidden splitter scaled.
+    void restoreListWidth();
     void jumpTo(quint64 t);
     void restartAutoSave();
     // Lets go of everything that refers to a wave about to be deleted.
@@ -372,6 +388,7 @@ private:
     quint64 m_printFrom = 0;
     quint64 m_printTo = 0;
     bool m_showGuideline = false;
+    int m_storedListWidth = 150;
     std::unique_ptr<QSettings> m_settings;
 
     static int m_untitleNum;

@@ -1,4 +1,5 @@
-// Window settings and dock layout that persist between runs.
+// Window settings and dock layout that persist between runs, and the options
+// the host's dialog hands back.
 #include "vokgui.h"
 
 #include "baseusrsettings.h"
@@ -8,6 +9,9 @@
 
 #include <QSettings>
 #include <QSplitter>
+#include <QTimer>
+
+#include <climits>
 
 namespace kesu::toolvok {
 
@@ -16,25 +20,51 @@ QString flag(bool on)
 {
     return on ? QStringLiteral("1") : QStringLiteral("0");
 }
+
+// A settings file may have been edited by hand or written by another
+// version: whatever does not read as the expected type keeps the default.
+int storedInt(const BaseUsrSettings& s, const char* key, int fallback, int lowest, int highest)
+{
+    bool ok = false;
+    const int value = s.value(QLatin1String(key)).toString().trimmed().toInt(&ok);
+    return ok && value >= lowest && value <= highest ? value : fallback;
+}
+
+bool storedFlag(const QVariant& stored, bool fallback)
+{
+    const QString text = stored.toString();
+    return text == QLatin1String("1") ? true : text == QLatin1String("0") ? false : fallback;
+}
 } // namespace
 
 void VokGUI::GetWinSettings()
 {
-    BaseUsrSettings& s = *m_usrSettings;
-    m_splitter->setSizes({s.value(QStringLiteral("main_splitter_0"), 150).toInt(),
-                          s.value(QStringLiteral("main_splitter_1"), 600).toInt()});
-    m_busRadix = s.value(QStringLiteral("bus_radix"), QStringLiteral("0")).toString().toInt();
-    m_autoSave = s.value(QStringLiteral("auto_save"), QStringLiteral("0")).toString().toInt();
-    m_showGuideline = s.value(QStringLiteral("show_guideline"), QStringLiteral("0")).toString() == QLatin1String("1");
-    m_waveDataDlg->setVisible(s.value(QStringLiteral("show_dataview"), QStringLiteral("1")).toString() == QLatin1String("1"));
-    m_editDlg->setVisible(s.value(QStringLiteral("show_propview"), QStringLiteral("1")).toString() == QLatin1String("1"));
-    m_patternDlg->setVisible(s.value(QStringLiteral("show_patternview"), QStringLiteral("0")).toString() == QLatin1String("1"));
+    const BaseUsrSettings& s = *m_usrSettings;
+    // A width of 0 would hide a pane for good.
+    m_storedListWidth = storedInt(s, "main_splitter_0", 150, 1, QWIDGETSIZE_MAX);
+    m_splitter->setSizes({m_storedListWidth, storedInt(s, "main_splitter_1", 600, 1, QWIDGETSIZE_MAX)});
+    m_busRadix = storedInt(s, "bus_radix", 0, 0, 3);
+    // Any index of 3 or more switches auto-save off; that is kept as stored.
+    m_autoSave = storedInt(s, "auto_save", 0, 0, INT_MAX);
+    m_showGuideline = storedFlag(s.value(QStringLiteral("show_guideline")), false);
+    m_waveDataDlg->setVisible(storedFlag(s.value(QStringLiteral("show_dataview")), true));
+    m_editDlg->setVisible(storedFlag(s.value(QStringLiteral("show_propview")), true));
+    m_patternDlg->setVisible(storedFlag(s.value(QStringLiteral("show_patternview")), false));
     // A dock hidden before the window first shows reports no change: the
     // view actions are brought in line here.
     onToggleDataView(false);
     onTogglePropView(false);
     onTogglePatternView(!m_patternDlg->isHidden());
     onChangeSplitter();
+}
+
+void VokGUI::restoreListWidth()
+{
+    const QList<int> sizes = m_splitter->sizes();
+    const int total = sizes.value(0) + sizes.value(1);
+    const int listWidth = qMin(m_storedListWidth, total - 1);
+    if (listWidth > 0)
+        m_splitter->setSizes({listWidth, total - listWidth});
 }
 
 void VokGUI::SaveWinSettings()
@@ -62,14 +92,14 @@ void VokGUI::onLoadLayout(QSettings* settings)
 {
     if (!settings)
         return;
-    struct Dock { QDockWidget* dock; const char* show; const char* docked; const char* fallback; };
+    struct Dock { QDockWidget* dock; const char* show; const char* docked; bool shown; };
     const Dock docks[] = {
-        {m_waveDataDlg, "show_dataview", "dock_dataview", "1"},
-        {m_editDlg, "show_propview", "dock_propview", "1"},
-        {m_patternDlg, "show_patternview", "dock_patternview", "0"},
+        {m_waveDataDlg, "show_dataview", "dock_dataview", true},
+        {m_editDlg, "show_propview", "dock_propview", true},
+        {m_patternDlg, "show_patternview", "dock_patternview", false},
     };
     for (const Dock& d : docks) {
-        d.dock->setVisible(settings->value(QLatin1String(d.show), QLatin1String(d.fallback)).toString() == QLatin1String("1"));
+        d.dock->setVisible(storedFlag(settings->value(QLatin1String(d.show)), d.shown));
         d.dock->setFloating(settings->value(QLatin1String(d.docked), QStringLiteral("1")).toString() != QLatin1String("1"));
     }
     onToggleDataView(false);
@@ -87,6 +117,40 @@ void VokGUI::onSaveLayout(QSettings* settings)
     settings->setValue(QStringLiteral("dock_propview"), flag(!m_editDlg->isFloating()));
     settings->setValue(QStringLiteral("show_patternview"), flag(!m_patternDlg->isHidden()));
     settings->setValue(QStringLiteral("dock_patternview"), flag(!m_patternDlg->isFloating()));
+}
+
+void VokGUI::applyOptions(int busRadix, int autoSave, bool guideline)
+{
+    // Restarting on an unchanged interval would put off the next save each
+    // time the dialog is confirmed. An untitled document has nowhere to be
+    // saved to; its first save starts the timer.
+    if (autoSave != m_autoSave) {
+        m_autoSave = autoSave;
+        if (!m_fullFileName.isEmpty())
+            restartAutoSave();
+    }
+    m_busRadix = busRadix;
+    m_showGuideline = guideline;
+    // The Pulse Properties show bus values in the radix.
+    LoadEditData();
+    Refresh();
+}
+
+void VokGUI::applyColors(QList<QColor> colors)
+{
+    QColor* const ours[] = {&color_back, &color_names, &color_h, &color_signal,
+                            &color_bus, &color_x, &color_z};
+    for (int i = 0; i < 7; ++i) {
+        const QColor given = colors.value(i + 1);
+        if (given.isValid())
+            *ours[i] = given;
+    }
+    Refresh();
+}
+
+QList<QColor> VokGUI::colors() const
+{
+    return {color_names, color_back, color_names, color_h, color_signal, color_bus, color_x, color_z};
 }
 
 } // namespace kesu::toolvok

@@ -14,19 +14,25 @@
 #include <QTest>
 #include <QTimer>
 
+#include <functional>
+
 // Answers the message boxes, file and input dialogs a test drives the tool into,
 // from the test itself, as a user would.
 
 // One answer to one modal window, in the order they appear.
 struct Answer {
-    enum Kind { Button, File, Dismiss, Text } kind;
+    enum Kind { Button, File, Dismiss, Text, Act } kind;
     QMessageBox::StandardButton button = QMessageBox::NoButton;
     QString path;
+    std::function<void(QWidget*)> act = {};
 };
 inline Answer press(QMessageBox::StandardButton b) { return {Answer::Button, b, {}}; }
 inline Answer choose(const QString& path) { return {Answer::File, QMessageBox::NoButton, path}; }
 inline Answer dismiss() { return {Answer::Dismiss, QMessageBox::NoButton, {}}; }
 inline Answer type(const QString& text) { return {Answer::Text, QMessageBox::NoButton, text}; }
+// Any other dialog: the test fills and closes it itself. A click that opens a
+// further modal window must be queued, so that this answerer sees it.
+inline Answer act(std::function<void(QWidget*)> f) { return {Answer::Act, QMessageBox::NoButton, {}, std::move(f)}; }
 
 // What a modal window showed when it came up.
 struct Seen {
@@ -90,7 +96,10 @@ private:
         const Answer answer = planned ? m_answers.takeFirst() : dismiss();
         Seen s;
         s.title = modal->windowTitle();
-        if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+        if (answer.kind == Answer::Act) {
+            seen.append(s);
+            answer.act(modal);
+        } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
             s.text = box->text();
             s.icon = box->icon();
             s.buttons = box->standardButtons();
