@@ -194,7 +194,8 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
             from = first;
         }
     }
-    const bool columns = !batch.isDirect() && !clone && bitRows == 0 && !selecting;
+    // A clone block narrower than a pixel paints nothing, so clones collapse too.
+    const bool columns = !batch.isDirect() && bitRows == 0 && !selecting;
     Pattern* const* list = wave->patterns.constData();
     for (int i = from; i < to; ++i) {
         Pattern* p = list[i];
@@ -209,7 +210,8 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
         const float x = begin <= startTime ? 0.0f : vp_.xAt(begin);
         const float end = vp_.xAt(exactTime_);
         const float w = end - x;
-        if (rises && x - static_cast<float>(fontSize) > rightEdge && !(selecting && selection.isRange && !rangeDrawn_)) {
+        const bool rangeDue = selecting && selection.isRange && !rangeDrawn_;
+        if (rises && !rangeDue && x - static_cast<float>(fontSize) > rightEdge) {
             // Nothing further right shows; the walk would only move the time
             // on and leave the last value for the next row to compare with.
             exactTime_ = begin + (wave->segmentStart(to) - wave->segmentStart(i));

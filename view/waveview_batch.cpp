@@ -172,15 +172,51 @@ void WaveView::Batch::flush(int layer)
 void WaveView::Batch::flush(Layer& l)
 {
     if (!l.lines.empty()) {
-        painter_.setPen(l.pen);
-        painter_.drawLines(l.lines.data(), static_cast<int>(l.lines.size()));
-        count_ += static_cast<int>(l.lines.size());
-        l.lines.clear();
+        if (l.merge && l.width == 1)
+            fillStraight(l);
+        if (!l.lines.empty()) {
+            painter_.setPen(l.pen);
+            painter_.drawLines(l.lines.data(), static_cast<int>(l.lines.size()));
+            count_ += static_cast<int>(l.lines.size());
+            l.lines.clear();
+        }
     }
     l.open = false;
     l.rows.clear();
     l.columns.clear();
     l.others.clear();
+}
+
+void WaveView::Batch::fillStraight(Layer& l)
+{
+    // A solid one-pixel line along a pixel row or column covers exactly the
+    // rectangle between its ends, and the raster engine fills rectangles far
+    // faster than it strokes lines; neighbouring columns of one height (a
+    // stretch where the wave changes in every column) become one rectangle.
+    rects_.clear();
+    auto slanted = l.lines.begin();
+    for (const QLine& s : l.lines) {
+        if (s.x1() != s.x2() && s.y1() != s.y2()) {
+            *slanted++ = s;
+            continue;
+        }
+        const QRect r(QPoint(std::min(s.x1(), s.x2()), std::min(s.y1(), s.y2())),
+                      QPoint(std::max(s.x1(), s.x2()), std::max(s.y1(), s.y2())));
+        if (!rects_.empty()) {
+            QRect& last = rects_.back();
+            if (last.top() == r.top() && last.bottom() == r.bottom() && r.left() <= last.right() + 1
+                && r.right() >= last.left() - 1) {
+                last = last.united(r);
+                continue;
+            }
+        }
+        rects_.push_back(r);
+    }
+    l.lines.erase(slanted, l.lines.end());
+    painter_.setPen(Qt::NoPen);
+    painter_.setBrush(l.color);
+    painter_.drawRects(rects_.data(), static_cast<int>(rects_.size()));
+    count_ += static_cast<int>(rects_.size());
 }
 
 void WaveView::Batch::flushAll()

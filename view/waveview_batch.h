@@ -14,6 +14,7 @@
 #include <QColor>
 #include <QLine>
 #include <QPen>
+#include <QRect>
 #include <QStaticText>
 
 #include <string>
@@ -138,12 +139,14 @@ private:
         return layers_[static_cast<size_t>(layer)];
     }
     void flush(Layer& l);
+    void fillStraight(Layer& l);
     void setTextColor(const QColor& color);
 
     QPainter& painter_;
     int& count_;
     bool direct_;
     std::vector<Layer> layers_;
+    std::vector<QRect> rects_;
     QPen textPen_;
     QStaticText letters_[3];
     qreal ascent_ = 0;

@@ -39,12 +39,9 @@ bool spansRepetitions(const WaveData& wave, quint64 a, quint64 b)
     const qsizetype count = wave.patterns.size();
     if (wave.foreverIndex < 0 || wave.foreverIndex >= count)
         return false;
-    quint64 tailStart = wave.offset;
-    for (qsizetype i = 0; i < wave.foreverIndex; ++i)
-        tailStart += static_cast<quint64>(static_cast<qint64>(wave.patterns.at(i)->duration));
-    qint64 period = 0;
-    for (qsizetype i = wave.foreverIndex; i < count; ++i)
-        period += wave.patterns.at(i)->duration;
+    // The index holds both sums; a wave of millions is not walked per move.
+    const quint64 tailStart = wave.segmentStart(wave.foreverIndex);
+    const auto period = static_cast<qint64>(wave.segmentStart(int(count)) - tailStart);
     if (period <= 0)
         return false;
     return repetitionOf(a, tailStart, quint64(period)) != repetitionOf(b, tailStart, quint64(period));
