@@ -3,6 +3,8 @@
 #include <QFontMetricsF>
 #include <QPainter>
 
+#include <tuple>
+
 namespace kesu::toolvok {
 
 WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
@@ -33,8 +35,10 @@ void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, in
     if (!l.open || l.width != width || l.color != color) {
         flush(l);
         l.open = true;
-        if (l.width != width || l.color != color)
+        if (l.width != width || l.color != color) {
             l.pen = QPen(color, width);
+            l.brush = QBrush(color);
+        }
         l.color = color;
         l.width = width;
         // Drawing an opaque pixel twice changes nothing; a translucent one
@@ -196,25 +200,30 @@ void WaveView::Batch::fillStraight(Layer& l)
     rects_.clear();
     auto slanted = l.lines.begin();
     for (const QLine& s : l.lines) {
-        if (s.x1() != s.x2() && s.y1() != s.y2()) {
+        if (s.x1() != s.x2() && s.y1() != s.y2())
             *slanted++ = s;
-            continue;
-        }
-        const QRect r(QPoint(std::min(s.x1(), s.x2()), std::min(s.y1(), s.y2())),
-                      QPoint(std::max(s.x1(), s.x2()), std::max(s.y1(), s.y2())));
-        if (!rects_.empty()) {
-            QRect& last = rects_.back();
-            if (last.top() == r.top() && last.bottom() == r.bottom() && r.left() <= last.right() + 1
-                && r.right() >= last.left() - 1) {
-                last = last.united(r);
-                continue;
-            }
-        }
-        rects_.push_back(r);
+        else
+            rects_.emplace_back(QPoint(std::min(s.x1(), s.x2()), std::min(s.y1(), s.y2())),
+                                QPoint(std::max(s.x1(), s.x2()), std::max(s.y1(), s.y2())));
     }
+    // One colour, all opaque: the order of the fills does not matter, so
+    // spans of one height are sorted together and joined where they touch.
+    std::sort(rects_.begin(), rects_.end(), [](const QRect& a, const QRect& b) {
+        return std::make_tuple(a.top(), a.bottom(), a.left()) < std::make_tuple(b.top(), b.bottom(), b.left());
+    });
+    size_t kept = 0;
+    for (size_t i = 0; i < rects_.size(); ++i) {
+        const QRect& r = rects_[i];
+        QRect& last = rects_[kept > 0 ? kept - 1 : 0];
+        if (kept > 0 && last.top() == r.top() && last.bottom() == r.bottom() && r.left() <= last.right() + 1)
+            last.setRight(std::max(last.right(), r.right()));
+        else
+            rects_[kept++] = r;
+    }
+    rects_.resize(kept);
     l.lines.erase(slanted, l.lines.end());
     painter_.setPen(Qt::NoPen);
-    painter_.setBrush(l.color);
+    painter_.setBrush(l.brush);
     painter_.drawRects(rects_.data(), static_cast<int>(rects_.size()));
     count_ += static_cast<int>(rects_.size());
 }

@@ -124,6 +124,7 @@ private:
         QColor color;
         int width = 1;
         QPen pen;
+        QBrush brush;
         bool open = false;
         bool merge = false;
         std::vector<QLine> lines;
