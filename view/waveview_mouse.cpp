@@ -160,7 +160,11 @@ bool WaveView::startEdgeDrag(int x)
     if (t < lo || t > s.hi() || !(lo < static_cast<double>(wave->getEndTime())))
         return false;
     Pattern* p = s.segments.first();
-    const qsizetype k = wave->patterns.indexOf(p);
+    // The selection begins where its segment does, so the index usually
+    // finds it at once; a selection in a repetition of the tail still looks.
+    qsizetype k = wave->firstSegmentEndingAfter(static_cast<quint64>(lo));
+    if (k >= wave->patterns.size() || wave->patterns.at(k) != p)
+        k = wave->patterns.indexOf(p);
     if (k < 0)
         return false;
 
