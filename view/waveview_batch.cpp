@@ -116,6 +116,20 @@ void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, cons
     // A fill without an outline and without width or height paints nothing.
     if (!direct_ && pen.style() == Qt::NoPen && (r.width() == 0 || r.height() == 0))
         return;
+    // The outline of a solid one-pixel pen is exactly its four sides, whatever
+    // the rectangle's width (a high-impedance box narrower than a pixel has
+    // -1): gathered with the lines, they are filled instead of stroked.
+    if (!direct_ && brush.style() == Qt::NoBrush && pen.style() == Qt::SolidLine && pen.width() == 1
+        && pen.color().alpha() == 255) {
+        const QColor color = pen.color();
+        const int right = r.left() + r.width();
+        const int bottom = r.top() + r.height();
+        line(layer, color, 1, r.left(), r.top(), right, r.top());
+        line(layer, color, 1, r.left(), bottom, right, bottom);
+        line(layer, color, 1, r.left(), r.top(), r.left(), bottom);
+        line(layer, color, 1, right, r.top(), right, bottom);
+        return;
+    }
     flush(layer);
     painter_.setPen(pen);
     painter_.setBrush(brush);
