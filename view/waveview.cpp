@@ -105,10 +105,12 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
         if (tail >= 0 && tail < count) {
             qint64 period = 0;
             bool forward = true;
+            bool letters = false;
             for (int i = tail; i < count; ++i) {
                 const qint32 d = wave->patterns.at(i)->duration;
                 period += d;
                 forward = forward && d >= 0;
+                letters = letters || isSpecial(kindOf(wave->patterns.at(i)->value));
             }
             while (vp_.xAt(exactTime_) <= rightEdge) {
                 // Repetitions wholly left of the view move the time on and
@@ -121,6 +123,12 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
                 // that runs off the end of the time axis has nothing to show.
                 if (period <= 0 || exactTime_ <= timeBefore)
                     break;
+                // Without letters a repetition draws only opaque shapes, so
+                // drawing it again in the same pixel column changes nothing:
+                // the repetitions that would fall into it again are skipped.
+                const int column = px(vp_.xAt(exactTime_));
+                if (!letters && forward && timeBefore > startTime && px(vp_.xAt(timeBefore)) == column)
+                    exactTime_ += quint64(period) * repetitionsWithin(column, exactTime_, quint64(period));
             }
         }
         batch.flushAll();

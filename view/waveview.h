@@ -124,6 +124,9 @@ private:
     // in pixel column `column` as that column once; returns the index after
     // the run and leaves exactTime_, xCursor and the previous value after it.
     int drawColumn(const WaveData* wave, int first, int to, int column, const std::string*& prev, Kind& prevKind);
+    // How many repetitions of a tail of the given period, begun at from,
+    // end within pixel column `column`.
+    quint64 repetitionsWithin(int column, quint64 from, quint64 period) const;
     void drawLeadingOffset(const WaveData* wave, float w);
     void drawBusShape(int layer, const QColor& color, bool dotted, float x, float w, bool narrow, bool startedLeft);
     void drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high, int low);

@@ -115,6 +115,21 @@ void WaveView::drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes
                  dontCare ? Batch::LetterX : Batch::LetterZ);
 }
 
+quint64 WaveView::repetitionsWithin(int column, quint64 from, quint64 period) const
+{
+    // The last time still in the column, from the scale and then made exact
+    // against the very conversion that places the pixels.
+    const quint64 span = (quint64(column) + 1) * vp_.step / quint64(vp_.pixelsPerStep);
+    quint64 last = vp_.startTime + span;
+    if (last < from)
+        return 0;
+    while (last > from && px(vp_.xAt(last)) > column)
+        --last;
+    while (px(vp_.xAt(last + 1)) <= column)
+        ++last;
+    return (last - from) / period;
+}
+
 int WaveView::drawColumn(const WaveData* wave, int first, int to, int column, const std::string*& prev,
                         Kind& prevKind)
 {

@@ -360,6 +360,7 @@ private Q_SLOTS:
         WaveData* bus = addWave(busy, 5, 8);
         bus->expandFlag = true;
         addWave("0:3 (1:2 -1:1 0:1 -2:1", 1);
+        addWave("0:3 (1:1 0:1", 2);
         addWave(busy + tail, 0, 8);
         WaveData* selected = addWave(mixed, 0);
         selected->selected = true;
