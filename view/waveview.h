@@ -111,7 +111,7 @@ private:
     int primitives_ = 0;
 
     // Collects the lines of a paint so that runs of sub-pixel segments cost
-    // one painter call instead of thousands; defined in waveview.cpp.
+    // one painter call instead of thousands; defined in waveview_batch.h.
     class Batch;
     Batch* batch_ = nullptr;
     // Where the next segment of the row begins, in whole ticks: every x comes
