@@ -1,9 +1,11 @@
 // Paint time of the wave view: builds a large document in memory (by default
-// 1,000 waves of 10,000 segments, one wave in four a bus) and renders a
-// 1600 x 900 wave view of it offscreen at three places: the fit zoom, step 1
-// at time 0, and step 1 in the middle of the time axis.
+// 1,000 waves of 10,000 segments, one wave in four a bus; --one-wave: one
+// wave of 10,000,000) and renders a 1600 x 900 wave view of it offscreen at
+// four places: the fit zoom, and step 1 at time 0, in the middle and at the
+// end of the time axis. --place NAME (fit, start, middle, end) measures one.
 //
-//   bench_paint [--waves N] [--segments M] [--repeat R] [--seed S] [--png DIR]
+//   bench_paint [--waves N] [--segments M] [--one-wave] [--repeat R] [--seed S]
+//               [--place NAME] [--png DIR]
 //
 // Each figure is the median wall-clock time of R paints (default 15), with
 // the number of primitives the paint drew. --png writes the pictures.
@@ -38,6 +40,7 @@ struct Options {
     int repeat = 15;
     quint64 seed = 1;
     QString pngDir;
+    QString place;
 };
 
 double now()
@@ -75,6 +78,10 @@ bool parse(int argc, char** argv, Options& opt)
             opt.repeat = std::max(1, std::atoi(argv[++i]));
         else if (!std::strcmp(argv[i], "--seed") && more)
             opt.seed = std::strtoull(argv[++i], nullptr, 10);
+        else if (!std::strcmp(argv[i], "--one-wave"))
+            opt.waves = 1, opt.segments = 10000000;
+        else if (!std::strcmp(argv[i], "--place") && more)
+            opt.place = QString::fromLocal8Bit(argv[++i]);
         else if (!std::strcmp(argv[i], "--png") && more)
             opt.pngDir = QString::fromLocal8Bit(argv[++i]);
         else
@@ -89,7 +96,8 @@ int main(int argc, char** argv)
 {
     Options opt;
     if (!parse(argc, argv, opt)) {
-        std::fprintf(stderr, "usage: bench_paint [--waves N] [--segments M] [--repeat R] [--seed S] [--png DIR]\n");
+        std::fprintf(stderr, "usage: bench_paint [--waves N] [--segments M] [--one-wave] [--repeat R] [--seed S] "
+                             "[--place fit|start|middle|end] [--png DIR]\n");
         return 2;
     }
     QTemporaryDir config;
@@ -127,8 +135,11 @@ int main(int argc, char** argv)
         {"fit zoom", "fit.png", 0, 0},
         {"step 1 at time 0", "start.png", 0, 1},
         {"step 1 mid-axis", "middle.png", end / 2, 1},
+        {"step 1 at the end", "end.png", end - qMin(end, quint64(1600 / Viewport::PixelsPerStep)), 1},
     };
     for (const Place& place : places) {
+        if (!opt.place.isEmpty() && !QLatin1String(place.file).startsWith(opt.place))
+            continue;
         if (place.step == 0) {
             gui->viewZoomfit();
         } else {

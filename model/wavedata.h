@@ -65,6 +65,13 @@ public:
     // Where segment index begins: offset plus the durations before it; the
     // end of the wave for index patterns.size().
     quint64 segmentStart(int index) const;
+    // Whether start times rise with the index (no negative duration, no end
+    // past the time axis): what lets a look-up stand in for a walk.
+    bool timesRise() const
+    {
+        updateIndex();
+        return indexIsMonotonic();
+    }
     // Every change to `patterns` or to a segment's duration made outside
     // these member functions must be reported: segments from fromIndex on
     // were inserted, removed or resized. Changing `offset` needs no report.

@@ -40,6 +40,11 @@ struct Viewport
     }
     // The x of a time at or right of the start time.
     float xOf(quint64 t) const { return widthOf(static_cast<float>(t - startTime)); }
+    // The x of any time, negative left of the start time.
+    float xAt(quint64 t) const
+    {
+        return t >= startTime ? xOf(t) : -widthOf(static_cast<float>(startTime - t));
+    }
     // The x of a fractional time (a selection end).
     float xOfExact(double t) const { return widthOf(static_cast<float>(t - static_cast<double>(startTime))); }
 

@@ -17,28 +17,6 @@
 
 namespace kesu::toolvok {
 
-namespace {
-
-enum class Kind { Zero, One, DontCare, HighZ, Other };
-
-// The reserved texts of a value, told apart without string compares: a row
-// at the fit zoom asks this of thousands of patterns.
-Kind kindOf(const std::string& value)
-{
-    if (value.size() == 1)
-        return value[0] == '0' ? Kind::Zero : value[0] == '1' ? Kind::One : Kind::Other;
-    if (value.size() == 2 && value[0] == '-')
-        return value[1] == '1' ? Kind::DontCare : value[1] == '2' ? Kind::HighZ : Kind::Other;
-    return Kind::Other;
-}
-
-bool isSpecial(Kind kind)
-{
-    return kind == Kind::DontCare || kind == Kind::HighZ;
-}
-
-} // namespace
-
 WaveView::WaveView(VokGUI* owner, QWidget* parent) : QWidget(parent), owner_(owner)
 {
     setAutoFillBackground(true);
@@ -110,7 +88,6 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
         lowY = rowTop + Viewport::LowLevel;
         midY = rowTop + Viewport::MidLevel;
         xCursor = 0;
-        timeSum = 0;
         rangeDrawn_ = false;
 
         if (wave->offset > startTime) {
@@ -120,7 +97,6 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
             previousValue = "0";
         }
 
-        timeCursor = static_cast<float>(wave->offset);
         exactTime_ = wave->offset;
         const int count = static_cast<int>(wave->patterns.size());
         drawWave(false, painter, wave, 0, count);
@@ -129,29 +105,30 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
         if (tail >= 0 && tail < count) {
             qint64 period = 0;
             bool forward = true;
+            bool letters = false;
             for (int i = tail; i < count; ++i) {
                 const qint32 d = wave->patterns.at(i)->duration;
                 period += d;
                 forward = forward && d >= 0;
+                letters = letters || isSpecial(kindOf(wave->patterns.at(i)->value));
             }
-            while (xCursor <= rightEdge) {
+            while (vp_.xAt(exactTime_) <= rightEdge) {
                 // Repetitions wholly left of the view move the time on and
                 // nothing else: skip them in one stride.
-                if (xCursor == 0 && forward && period > 0 && exactTime_ < startTime
-                    && startTime - exactTime_ >= quint64(period)) {
-                    const quint64 skipped = (startTime - exactTime_) / quint64(period);
-                    exactTime_ += skipped * quint64(period);
-                    timeCursor = static_cast<float>(exactTime_);
-                    timeSum = static_cast<int>(static_cast<quint32>(timeSum)
-                                               + static_cast<quint32>(skipped * quint64(period)));
-                }
-                const float before = xCursor;
+                if (forward && period > 0 && exactTime_ < startTime && startTime - exactTime_ >= quint64(period))
+                    exactTime_ += (startTime - exactTime_) / quint64(period) * quint64(period);
                 const quint64 timeBefore = exactTime_;
                 drawWave(true, painter, wave, tail, count);
-                // A tail that takes no time, or whose width no longer moves
-                // the cursor, would repeat for ever.
-                if (period <= 0 || (xCursor == before && (xCursor != 0 || exactTime_ == timeBefore)))
+                // A tail that takes no time would repeat for ever, and one
+                // that runs off the end of the time axis has nothing to show.
+                if (period <= 0 || exactTime_ <= timeBefore)
                     break;
+                // Without letters a repetition draws only opaque shapes, so
+                // drawing it again in the same pixel column changes nothing:
+                // the repetitions that would fall into it again are skipped.
+                const int column = px(vp_.xAt(exactTime_));
+                if (!letters && forward && timeBefore > startTime && px(vp_.xAt(timeBefore)) == column)
+                    exactTime_ += quint64(period) * repetitionsWithin(column, exactTime_, quint64(period));
             }
         }
         batch.flushAll();
@@ -191,7 +168,6 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
 
     const quint64 startTime = vp_.startTime;
     const int firstVisibleRow = vp_.firstRow;
-    const float startF = static_cast<float>(startTime);
     const float rightEdge = static_cast<float>(width() + 1);
     const int viewHeight = height();
     const bool bus = wave->isBus;
@@ -214,20 +190,57 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
 
     from = qMax(0, from);
     to = qMin(to, static_cast<int>(wave->patterns.size()));
+    // Segments that end left of the view draw nothing and leave every state
+    // but the time alone: the index finds the first one that shows.
+    const bool rises = wave->timesRise();
+    if (exactTime_ < startTime && from < to && rises) {
+        const quint64 base = wave->segmentStart(from);
+        const quint64 ahead = startTime - exactTime_;
+        const int first = ahead > ~quint64(0) - base ? to : qMin(to, wave->firstSegmentEndingAfter(base + ahead));
+        if (first > from) {
+            exactTime_ += wave->segmentStart(first) - base;
+            from = first;
+        }
+    }
+    // A clone block narrower than a pixel paints nothing, so clones collapse too.
+    const bool columns = !batch.isDirect() && bitRows == 0 && !selecting;
     Pattern* const* list = wave->patterns.constData();
     for (int i = from; i < to; ++i) {
         Pattern* p = list[i];
         const qint32 d = p->duration;
         if (d == 0)
             continue;
-        timeSum = static_cast<int>(static_cast<quint32>(timeSum) + static_cast<quint32>(d));
-        timeCursor += static_cast<float>(d);
+        const quint64 begin = exactTime_;
         exactTime_ += static_cast<quint64>(static_cast<qint64>(d));
-        if (timeCursor <= startF)
+        if (exactTime_ <= startTime)
             continue;
 
-        const float x = xCursor;
-        const float w = vp_.widthOf(x == 0.0f ? timeCursor - startF : static_cast<float>(d));
+        const float x = begin <= startTime ? 0.0f : vp_.xAt(begin);
+        const float end = vp_.xAt(exactTime_);
+        const float w = end - x;
+        const bool rangeDue = selecting && selection.isRange && !rangeDrawn_;
+        if (rises && !rangeDue && x - static_cast<float>(fontSize) > rightEdge) {
+            // Nothing further right shows; the walk would only move the time
+            // on and leave the last value for the next row to compare with.
+            exactTime_ = begin + (wave->segmentStart(to) - wave->segmentStart(i));
+            xCursor = vp_.xAt(exactTime_);
+            for (int k = to - 1; k >= i; --k) {
+                if (list[k]->duration != 0) {
+                    prev = &list[k]->value;
+                    break;
+                }
+            }
+            break;
+        }
+        if (columns && x != 0.0f && px(x) == px(end) && x <= rightEdge) {
+            exactTime_ = begin;
+            const int next = drawColumn(wave, i, to, px(x), prev, prevKind);
+            if (next > i) {
+                i = next - 1;
+                continue;
+            }
+            exactTime_ = begin + static_cast<quint64>(d);
+        }
         const std::string& value = p->value;
         const Kind kind = kindOf(value);
         const bool picked = !clone && (p == selection.picked || p == selection.picked2);
@@ -244,7 +257,7 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
                         if (clone)
                             batch.cloneBlock(RowLayer, px(x), highY, px(x + w) - px(x), lowY - highY);
                         const QColor& color = owner_->color_signal;
-                        if (x != 0.0f && !isSpecial(prevKind) && value != *prev)
+                        if (x != 0.0f && !isSpecial(prevKind) && differs(kind, value, prevKind, *prev))
                             batch.line(RowLayer, color, 1, px(x), highY, px(x), lowY);
                         if (picked)
                             batch.styledLine(RowLayer, QPen(color, 1, Qt::DotLine), px(x), levelY, px(x + w), levelY);
@@ -262,7 +275,7 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
                 } else if (shapes) {
                     const QColor& color = owner_->color_bus;
                     const bool narrow = w < Viewport::PixelsPerStepF || picked;
-                    drawBusShape(RowLayer, color, picked, x, w, narrow, timeCursor - static_cast<float>(d) < startF);
+                    drawBusShape(RowLayer, color, picked, x, w, narrow, begin < startTime);
                     // No text of one or more characters fits a pattern of a
                     // font size or less, so its text is not even made.
                     if (w > static_cast<float>(fontSize)) {
@@ -332,7 +345,7 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
             }
         }
 
-        xCursor = x + w;
+        xCursor = end;
         prev = &value;
         prevKind = kind;
     }

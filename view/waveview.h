@@ -12,6 +12,7 @@ class QPainter;
 
 namespace kesu::toolvok {
 
+enum class Kind;
 class Pattern;
 class Selection;
 class VokGUI;
@@ -101,24 +102,31 @@ private:
     int rowIndex = 0;
     int bitRowsAbove = 0;
     int rowTop = 0;
-    float timeCursor = 0;
+    // The x where the segment drawn last ends.
     float xCursor = 0;
     int levelY = Viewport::HighLevel;
     int highY = 0;
     int lowY = 0;
     int midY = 0;
-    int timeSum = 0;
     int primitives_ = 0;
 
     // Collects the lines of a paint so that runs of sub-pixel segments cost
-    // one painter call instead of thousands; defined in waveview.cpp.
+    // one painter call instead of thousands; defined in waveview_batch.h.
     class Batch;
     Batch* batch_ = nullptr;
-    // The row's time in whole ticks alongside the single-precision
-    // timeCursor, for the selection's edges.
+    // Where the next segment of the row begins, in whole ticks: every x comes
+    // from such a time, so a row drawn from its middle has the pixels of one
+    // drawn from its first segment.
     quint64 exactTime_ = 0;
     bool rangeDrawn_ = false;
 
+    // Draws the run of plain segments from `first` on that begins and ends
+    // in pixel column `column` as that column once; returns the index after
+    // the run and leaves exactTime_, xCursor and the previous value after it.
+    int drawColumn(const WaveData* wave, int first, int to, int column, const std::string*& prev, Kind& prevKind);
+    // How many repetitions of a tail of the given period, begun at from,
+    // end within pixel column `column`.
+    quint64 repetitionsWithin(int column, quint64 from, quint64 period) const;
     void drawLeadingOffset(const WaveData* wave, float w);
     void drawBusShape(int layer, const QColor& color, bool dotted, float x, float w, bool narrow, bool startedLeft);
     void drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high, int low);

@@ -3,6 +3,8 @@
 #include <QFontMetricsF>
 #include <QPainter>
 
+#include <tuple>
+
 namespace kesu::toolvok {
 
 WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
@@ -33,8 +35,10 @@ void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, in
     if (!l.open || l.width != width || l.color != color) {
         flush(l);
         l.open = true;
-        if (l.width != width || l.color != color)
+        if (l.width != width || l.color != color) {
             l.pen = QPen(color, width);
+            l.brush = QBrush(color);
+        }
         l.color = color;
         l.width = width;
         // Drawing an opaque pixel twice changes nothing; a translucent one
@@ -112,6 +116,20 @@ void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, cons
     // A fill without an outline and without width or height paints nothing.
     if (!direct_ && pen.style() == Qt::NoPen && (r.width() == 0 || r.height() == 0))
         return;
+    // The outline of a solid one-pixel pen is exactly its four sides, whatever
+    // the rectangle's width (a high-impedance box narrower than a pixel has
+    // -1): gathered with the lines, they are filled instead of stroked.
+    if (!direct_ && brush.style() == Qt::NoBrush && pen.style() == Qt::SolidLine && pen.width() == 1
+        && pen.color().alpha() == 255) {
+        const QColor color = pen.color();
+        const int right = r.left() + r.width();
+        const int bottom = r.top() + r.height();
+        line(layer, color, 1, r.left(), r.top(), right, r.top());
+        line(layer, color, 1, r.left(), bottom, right, bottom);
+        line(layer, color, 1, r.left(), r.top(), r.left(), bottom);
+        line(layer, color, 1, right, r.top(), right, bottom);
+        return;
+    }
     flush(layer);
     painter_.setPen(pen);
     painter_.setBrush(brush);
@@ -172,15 +190,56 @@ void WaveView::Batch::flush(int layer)
 void WaveView::Batch::flush(Layer& l)
 {
     if (!l.lines.empty()) {
-        painter_.setPen(l.pen);
-        painter_.drawLines(l.lines.data(), static_cast<int>(l.lines.size()));
-        count_ += static_cast<int>(l.lines.size());
-        l.lines.clear();
+        if (l.merge && l.width == 1)
+            fillStraight(l);
+        if (!l.lines.empty()) {
+            painter_.setPen(l.pen);
+            painter_.drawLines(l.lines.data(), static_cast<int>(l.lines.size()));
+            count_ += static_cast<int>(l.lines.size());
+            l.lines.clear();
+        }
     }
     l.open = false;
     l.rows.clear();
     l.columns.clear();
     l.others.clear();
+}
+
+void WaveView::Batch::fillStraight(Layer& l)
+{
+    // A solid one-pixel line along a pixel row or column covers exactly the
+    // rectangle between its ends, and the raster engine fills rectangles far
+    // faster than it strokes lines; neighbouring columns of one height (a
+    // stretch where the wave changes in every column) become one rectangle.
+    rects_.clear();
+    auto slanted = l.lines.begin();
+    for (const QLine& s : l.lines) {
+        if (s.x1() != s.x2() && s.y1() != s.y2())
+            *slanted++ = s;
+        else
+            rects_.emplace_back(QPoint(std::min(s.x1(), s.x2()), std::min(s.y1(), s.y2())),
+                                QPoint(std::max(s.x1(), s.x2()), std::max(s.y1(), s.y2())));
+    }
+    // One colour, all opaque: the order of the fills does not matter, so
+    // spans of one height are sorted together and joined where they touch.
+    std::sort(rects_.begin(), rects_.end(), [](const QRect& a, const QRect& b) {
+        return std::make_tuple(a.top(), a.bottom(), a.left()) < std::make_tuple(b.top(), b.bottom(), b.left());
+    });
+    size_t kept = 0;
+    for (size_t i = 0; i < rects_.size(); ++i) {
+        const QRect& r = rects_[i];
+        QRect& last = rects_[kept > 0 ? kept - 1 : 0];
+        if (kept > 0 && last.top() == r.top() && last.bottom() == r.bottom() && r.left() <= last.right() + 1)
+            last.setRight(std::max(last.right(), r.right()));
+        else
+            rects_[kept++] = r;
+    }
+    rects_.resize(kept);
+    l.lines.erase(slanted, l.lines.end());
+    painter_.setPen(Qt::NoPen);
+    painter_.setBrush(l.brush);
+    painter_.drawRects(rects_.data(), static_cast<int>(rects_.size()));
+    count_ += static_cast<int>(rects_.size());
 }
 
 void WaveView::Batch::flushAll()

@@ -14,7 +14,10 @@
 #include <QColor>
 #include <QLine>
 #include <QPen>
+#include <QRect>
 #include <QStaticText>
+
+#include <string>
 
 #include <algorithm>
 #include <vector>
@@ -30,6 +33,31 @@ inline int px(float v)
     if (v > 1.0e9f)
         return 1000000000;
     return static_cast<int>(v);
+}
+
+enum class Kind { Zero, One, DontCare, HighZ, Other };
+
+// The reserved texts of a value, told apart without string compares: a row
+// at the fit zoom asks this of thousands of patterns.
+inline Kind kindOf(const std::string& value)
+{
+    if (value.size() == 1)
+        return value[0] == '0' ? Kind::Zero : value[0] == '1' ? Kind::One : Kind::Other;
+    if (value.size() == 2 && value[0] == '-')
+        return value[1] == '1' ? Kind::DontCare : value[1] == '2' ? Kind::HighZ : Kind::Other;
+    return Kind::Other;
+}
+
+inline bool isSpecial(Kind kind)
+{
+    return kind == Kind::DontCare || kind == Kind::HighZ;
+}
+
+// Whether a value differs from the one before it; levels by their kind alone.
+inline bool differs(Kind kind, const std::string& value, Kind before, const std::string& previous)
+{
+    const bool levels = (kind == Kind::Zero || kind == Kind::One) && (before == Kind::Zero || before == Kind::One);
+    return levels ? kind != before : value != previous;
 }
 
 // Batch layers: the selection marks, the wave's own row, then its bit rows.
@@ -61,6 +89,7 @@ public:
     void letter(int layer, const QColor& color, int x, int y, Letter which);
     void flush(int layer);
     void flushAll();
+    bool isDirect() const { return direct_; }
 
     // Pens and brushes of the boxes, made once per paint.
     const QBrush hatch;
@@ -95,6 +124,7 @@ private:
         QColor color;
         int width = 1;
         QPen pen;
+        QBrush brush;
         bool open = false;
         bool merge = false;
         std::vector<QLine> lines;
@@ -110,12 +140,14 @@ private:
         return layers_[static_cast<size_t>(layer)];
     }
     void flush(Layer& l);
+    void fillStraight(Layer& l);
     void setTextColor(const QColor& color);
 
     QPainter& painter_;
     int& count_;
     bool direct_;
     std::vector<Layer> layers_;
+    std::vector<QRect> rects_;
     QPen textPen_;
     QStaticText letters_[3];
     qreal ascent_ = 0;

@@ -39,12 +39,9 @@ bool spansRepetitions(const WaveData& wave, quint64 a, quint64 b)
     const qsizetype count = wave.patterns.size();
     if (wave.foreverIndex < 0 || wave.foreverIndex >= count)
         return false;
-    quint64 tailStart = wave.offset;
-    for (qsizetype i = 0; i < wave.foreverIndex; ++i)
-        tailStart += static_cast<quint64>(static_cast<qint64>(wave.patterns.at(i)->duration));
-    qint64 period = 0;
-    for (qsizetype i = wave.foreverIndex; i < count; ++i)
-        period += wave.patterns.at(i)->duration;
+    // The index holds both sums; a wave of millions is not walked per move.
+    const quint64 tailStart = wave.segmentStart(wave.foreverIndex);
+    const auto period = static_cast<qint64>(wave.segmentStart(int(count)) - tailStart);
     if (period <= 0)
         return false;
     return repetitionOf(a, tailStart, quint64(period)) != repetitionOf(b, tailStart, quint64(period));
@@ -163,7 +160,11 @@ bool WaveView::startEdgeDrag(int x)
     if (t < lo || t > s.hi() || !(lo < static_cast<double>(wave->getEndTime())))
         return false;
     Pattern* p = s.segments.first();
-    const qsizetype k = wave->patterns.indexOf(p);
+    // The selection begins where its segment does, so the index usually
+    // finds it at once; a selection in a repetition of the tail still looks.
+    qsizetype k = wave->firstSegmentEndingAfter(static_cast<quint64>(lo));
+    if (k >= wave->patterns.size() || wave->patterns.at(k) != p)
+        k = wave->patterns.indexOf(p);
     if (k < 0)
         return false;
 

@@ -2,6 +2,7 @@
 // outlines, don't-care and high-impedance boxes and the shading of clones.
 #include "waveview_batch.h"
 
+#include "selection.h"
 #include "vokgui.h"
 #include "wavedata.h"
 
@@ -112,6 +113,70 @@ void WaveView::drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes
     batch.letter(layer, dontCare ? owner_->color_x : QColor(Qt::gray),
                  px(x + w / 2.0f - static_cast<float>(fontSize / 2)), low - 8,
                  dontCare ? Batch::LetterX : Batch::LetterZ);
+}
+
+quint64 WaveView::repetitionsWithin(int column, quint64 from, quint64 period) const
+{
+    // The last time still in the column, from the scale and then made exact
+    // against the very conversion that places the pixels.
+    const quint64 span = (quint64(column) + 1) * vp_.step / quint64(vp_.pixelsPerStep);
+    quint64 last = vp_.startTime + span;
+    if (last < from)
+        return 0;
+    while (last > from && px(vp_.xAt(last)) > column)
+        --last;
+    while (px(vp_.xAt(last + 1)) <= column)
+        ++last;
+    return (last - from) / period;
+}
+
+int WaveView::drawColumn(const WaveData* wave, int first, int to, int column, const std::string*& prev,
+                        Kind& prevKind)
+{
+    // At a zoom that puts many segments into one pixel column, their lines
+    // all fall on that column: a level pixel or a line from high to low. The
+    // column gets the union once instead of a line per segment. Boxes, picked
+    // segments and anything reaching past the column end the run: they draw
+    // on their own, in their order.
+    const Selection& selection = sel();
+    const bool bus = wave->isBus;
+    bool high = false, low = false, edge = false;
+    Pattern* const* list = wave->patterns.constData();
+    int i = first;
+    for (; i < to; ++i) {
+        const Pattern* p = list[i];
+        const qint32 d = p->duration;
+        if (d == 0)
+            continue;
+        if (d < 0 || p == selection.picked || p == selection.picked2)
+            break;
+        const Kind kind = kindOf(p->value);
+        if (isSpecial(kind))
+            break;
+        const quint64 end = exactTime_ + static_cast<quint64>(d);
+        const float x = vp_.xAt(end);
+        if (px(x) != column)
+            break;
+        if (bus) {
+            edge = true;
+        } else if (kind != Kind::Other) {
+            edge = edge || (!isSpecial(prevKind) && differs(kind, p->value, prevKind, *prev));
+            (kind == Kind::One ? high : low) = true;
+        }
+        exactTime_ = end;
+        xCursor = x;
+        prev = &p->value;
+        prevKind = kind;
+    }
+    Batch& batch = *batch_;
+    const QColor& color = bus ? owner_->color_bus : owner_->color_signal;
+    if (edge)
+        batch.line(RowLayer, color, 1, column, highY, column, lowY);
+    if (high && !edge)
+        batch.line(RowLayer, color, 1, column, highY, column, highY);
+    if (low && !edge)
+        batch.line(RowLayer, color, 1, column, lowY, column, lowY);
+    return i;
 }
 
 } // namespace kesu::toolvok

@@ -339,8 +339,8 @@ private Q_SLOTS:
         QTest::addColumn<quint64>("start");
         QTest::addColumn<quint64>("step");
         QTest::newRow("step 1") << quint64(0) << quint64(1);
-        QTest::newRow("step 2") << quint64(3) << quint64(2);
-        QTest::newRow("sub-pixel") << quint64(0) << quint64(50);
+        QTest::newRow("step 2 mid-wave") << quint64(1003) << quint64(2);
+        QTest::newRow("many segments a column") << quint64(77) << quint64(200);
         QTest::newRow("fit") << quint64(0) << quint64(0);
     }
     void gatheredPaintingEqualsDirectPainting()
@@ -348,7 +348,7 @@ private Q_SLOTS:
         QFETCH(quint64, start);
         QFETCH(quint64, step);
         QString mixed, busy, tail;
-        for (int i = 0; i < 400; ++i) {
+        for (int i = 0; i < 3000; ++i) {
             const char* values[] = {"0", "1", "1", "-1", "0", "-2", "1", "0"};
             mixed += QStringLiteral("%1:%2 ").arg(values[i % 8]).arg(1 + i % 3);
             const QString number = i % 7 == 3 ? QStringLiteral("-1") : QString::number(i * 37 % 256, 16);
@@ -360,6 +360,7 @@ private Q_SLOTS:
         WaveData* bus = addWave(busy, 5, 8);
         bus->expandFlag = true;
         addWave("0:3 (1:2 -1:1 0:1 -2:1", 1);
+        addWave("0:3 (1:1 0:1", 2);
         addWave(busy + tail, 0, 8);
         WaveData* selected = addWave(mixed, 0);
         selected->selected = true;
