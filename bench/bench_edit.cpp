@@ -11,6 +11,7 @@
 //
 //   bench_edit [--segments N] [--repeat R] [--seed S]
 
+#include "editbench.h"
 #include "generated_document.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -37,46 +38,7 @@ using namespace kesu::toolvok;
 
 namespace {
 
-struct Options {
-    qint64 segments = 100000;
-    int repeat = 9;
-    quint64 seed = 1;
-};
-
-bool parse(int argc, char** argv, Options& opt)
-{
-    for (int i = 1; i < argc; ++i) {
-        const bool more = i + 1 < argc;
-        if (!std::strcmp(argv[i], "--segments") && more)
-            opt.segments = std::atoll(argv[++i]);
-        else if (!std::strcmp(argv[i], "--repeat") && more)
-            opt.repeat = std::max(1, std::atoi(argv[++i]));
-        else if (!std::strcmp(argv[i], "--seed") && more)
-            opt.seed = std::strtoull(argv[++i], nullptr, 10);
-        else
-            return false;
-    }
-    return opt.segments >= 100;
-}
-
-double elapsedMs(const std::function<void()>& work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return double(timer.nsecsElapsed()) / 1e6;
-}
-
-double median(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    return v[v.size() / 2];
-}
-
-struct Row {
-    const char* name;
-    std::vector<double> edit, undo, redo;
-};
+using namespace editbench;
 
 } // namespace
 
