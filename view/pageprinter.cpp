@@ -123,14 +123,15 @@ void PagePrinter::paintPage(QPainter* painter, int /*page*/, int& firstRow, quin
         firstRow = row;
         return;
     }
-    // Every wave is on the page, or not even one fits: move on in time. A
-    // page too narrow for one step still moves on by one, so that the walk
-    // over the range always ends.
     firstRow = 0;
-    if (full && row == firstRow) {
+    // A page that holds not even one row would repeat for ever: the print
+    // ends with it.
+    if (full) {
         pageStart = end;
         return;
     }
+    // Every wave is on the page: move on in time. A page too narrow for one
+    // step still moves on by one, so that the walk over the range ends.
     const quint64 steps = quint64(qMax(1, (pagewidth - g_startx) / pps));
     const quint64 advance = steps * vp_.step;
     pageStart = advance > end - qMin(end, pageStart) ? end : pageStart + advance;

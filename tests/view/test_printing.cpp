@@ -11,6 +11,7 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QSpinBox>
 
@@ -19,14 +20,13 @@
 using namespace guitest;
 
 namespace {
-const QRgb Blue = QColor(Qt::blue).rgb();
-const QRgb Red = QColor(Qt::red).rgb();
-const QRgb Black = QColor(Qt::black).rgb();
-const QRgb White = QColor(Qt::white).rgb();
+const QRgb Blue = qRgb(0, 0, 255), Red = qRgb(255, 0, 0), Black = qRgb(0, 0, 0), White = qRgb(255, 255, 255);
 
-// A signal 0, 1, 0 ten steps each, and a bus 5 then don't care.
+// A signal 0, 1, 0 ten steps each, a bus 5 then don't care, and a signal
+// (given an offset and a forever tail below) 1 then 0 for five steps each.
 const QByteArray Pair = wdl({"a { A I Default NRZ 0 1 50 } = 0 10 1 10 0 10;",
-                             "b[3:0] { A I Default NRZ 0 1 50 } = 5 10 DonTCare 10;"});
+                             "b[3:0] { A I Default NRZ 0 1 50 } = 5 10 DonTCare 10;",
+                             "c { A I Default NRZ 0 1 50 } = 1 5 0 5;"});
 
 int count(const QImage& image, QRgb color, QRect area)
 {
@@ -44,14 +44,6 @@ QByteArray waves(int n)
         lines << QByteArray("w") + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 10 1 10;";
     return wdl(lines);
 }
-
-void setRange(VokGUI& gui, quint64 start, quint64 end)
-{
-    PrintSettings& s = gui.printSettings();
-    s.printRangeType = PrintSettings::Customized;
-    s.printStart = start;
-    s.printEnd = end;
-}
 } // namespace
 
 class TestPrinting : public QObject
@@ -64,63 +56,52 @@ private Q_SLOTS:
         QTest::addColumn<int>("scale");
         QTest::addColumn<bool>("names");
         QTest::addColumn<bool>("ruler");
-        QTest::addColumn<int>("startX");
-        QTest::newRow("2 px per step, bare") << 10 << false << false << 0;
-        QTest::newRow("20 px per step, names") << 100 << true << false << 6 * 8 + 10;
-        QTest::newRow("40 px per step, names and ruler") << 200 << true << true << 6 * 8 + 10;
-        QTest::newRow("20 px per step, ruler") << 100 << false << true << 0;
+        QTest::newRow("2 px per step, bare") << 10 << false << false;
+        QTest::newRow("20 px per step, names") << 100 << true << false;
+        QTest::newRow("40 px per step, names and ruler") << 200 << true << true;
+        QTest::newRow("20 px per step, ruler") << 100 << false << true;
     }
     void firstPage()
     {
         QFETCH(int, scale);
         QFETCH(bool, names);
         QFETCH(bool, ruler);
-        QFETCH(int, startX);
         Tool tool(Pair);
         tool->changeStep(1);
-        PrintSettings& s = tool->printSettings();
-        s = PrintSettings{};
-        s.timeScale = scale;
-        s.printName = names;
-        s.printRuler = ruler;
+        tool.wave("c")->offset = 10;
+        tool.wave("c")->foreverIndex = 0;
+        tool->printSettings() = {0, 0, PrintSettings::All, scale, names, false, ruler};
         QImage page(1400, 600, QImage::Format_RGB32);
         page.fill(Qt::white);
         PagePrinter printer(*tool.gui, page.size());
+        // The name column: "b[3:0]" at 8 pixels a character, and 10 more.
+        const int startX = names ? 58 : 0;
         QCOMPARE(printer.startX(), startX);
         int firstRow = 0;
         quint64 pageStart = 0;
-        {
-            QPainter painter(&page);
-            printer.paintPage(&painter, 0, firstRow, pageStart, tool->getMaxEnd());
-        }
+        QPainter painter(&page);
+        printer.paintPage(&painter, 0, firstRow, pageStart, tool->getMaxEnd());
+        painter.end();
         const int pps = scale / 5;
         const int top = ruler ? 60 : 0;
         auto at = [&](int step, int y) { return page.pixel(startX + step * pps, top + y); };
-        // The signal: low, the rising edge, high, the falling edge.
-        QCOMPARE(at(5, 40), Blue);
-        QCOMPARE(at(5, 10), White);
-        QCOMPARE(at(10, 25), Blue);
-        QCOMPARE(at(15, 10), Blue);
-        QCOMPARE(at(15, 40), White);
-        QCOMPARE(at(20, 25), Blue);
-        QCOMPARE(at(25, 40), Blue);
-        // Nothing past the range's end.
+        // The signal: low, rising, high, falling; the bus outline; the third
+        // row low before its offset, then its tail up to the range's end.
+        const std::tuple<int, int, QRgb> probes[] = {
+            {5, 40, Blue},  {5, 10, White}, {10, 25, Blue}, {15, 10, Blue},  {15, 40, White}, {20, 25, Blue},
+            {25, 40, Blue}, {7, 50, Blue},  {7, 80, Blue},  {5, 120, Blue},  {12, 90, Blue},  {17, 120, Blue},
+            {22, 90, Blue}, {27, 120, Blue}, {32, 120, White}};
+        for (const auto& [step, y, color] : probes)
+            QVERIFY2(at(step, y) == color, qPrintable(QStringLiteral("step %1, y %2").arg(step).arg(y)));
         QCOMPARE(count(page, Blue, QRect(startX + 31 * pps, top, 1400 - startX - 31 * pps, 80)), 0);
-        // The bus outline, then the don't-care box in red.
-        QCOMPARE(at(7, 40 + 10), Blue);
-        QCOMPARE(at(7, 40 + 40), Blue);
         QVERIFY(count(page, Red, QRect(startX + 10 * pps + 1, top + 50, 10 * pps - 2, 30)) > 0);
-        // A dotted line under every row, across the page.
+        // Dotted lines under the rows; the names and their separator; the ruler.
         QVERIFY(count(page, Black, QRect(0, top + 48, 1000, 1)) > 100);
-        QVERIFY(count(page, Black, QRect(0, top + 88, 1000, 1)) > 100);
-        // The names and their separator.
         QCOMPARE(count(page, Black, QRect(0, top + 1, qMax(1, startX - 1), 38)) > 0, names);
         QCOMPARE(page.pixel(startX, 300) == Black, names);
-        // The ruler's line and labels.
         QCOMPARE(page.pixel(1390, 60) == Black, ruler);
         QCOMPARE(count(page, Black, QRect(startX + 1, 44, 1390 - startX, 3)) > 0, ruler);
         // One page held it all: the next starts a page width later.
-        QCOMPARE(firstRow, 0);
         QCOMPARE(pageStart, qMin<quint64>(tool->getMaxEnd(), quint64((1400 - startX) / pps)));
     }
 
@@ -129,58 +110,60 @@ private Q_SLOTS:
         QTest::addColumn<int>("waves");
         QTest::addColumn<int>("height");
         QTest::addColumn<int>("scale");
-        QTest::addColumn<quint64>("start");
         QTest::addColumn<quint64>("end");
         QTest::addColumn<int>("pages");
-        // 1000 pixels wide: 50 steps a page at 20 px, 500 at 2 px; the
-        // ruler and 13 rows fit 600 pixels.
-        QTest::newRow("one page") << 2 << 600 << 100 << quint64(0) << quint64(40) << 1;
-        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(0) << quint64(40) << 2;
-        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(0) << quint64(120) << 6;
-        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(0) << quint64(1200) << 3;
-        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << quint64(40) << 0;
-        QTest::newRow("reversed range") << 2 << 600 << 100 << quint64(40) << quint64(10) << 0;
-        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(0) << quint64(400) << 1;
+        // From time 40 on, 1000 pixels wide: 50 steps a page at 20 px, 500 at
+        // 2 px; the ruler and 13 rows fit 600 pixels.
+        QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1;
+        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2;
+        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6;
+        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(1240) << 3;
+        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << 0;
+        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(440) << 1;
     }
     void pages()
     {
         QFETCH(int, waves);
         QFETCH(int, height);
         QFETCH(int, scale);
-        QFETCH(quint64, start);
         QFETCH(quint64, end);
         QFETCH(int, pages);
         Tool tool(::waves(waves));
         tool->changeStep(1);
-        tool->printSettings() = PrintSettings{};
-        tool->printSettings().printName = false;
-        tool->printSettings().timeScale = scale;
-        setRange(*tool.gui, start, end);
+        tool->printSettings() = {40, end, PrintSettings::Customized, scale, false};
         QImage page(1000, height, QImage::Format_RGB32);
         QPainter painter(&page);
         QCOMPARE(PagePrinter(*tool.gui, page.size()).printPages(painter, [] { return true; }), pages);
     }
 
-    void printsToPdf()
+    // The menu commands, with their dialogs answered as a user would.
+    void commands()
     {
         Tool tool(waves(40));
-        tool->changeStep(1);
         QTemporaryDir dir;
-        const QString pdf = dir.filePath(QStringLiteral("out.pdf"));
-        QPrinter printer(QPrinter::ScreenResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(pdf);
-        tool->PreviewPages(&printer);
+        const QString pdf = dir.filePath(QStringLiteral("print.pdf"));
+        tool->printer()->setOutputFormat(QPrinter::PdfFormat);
+        tool->printer()->setOutputFileName(pdf);
+        int previewed = 0;
+        const auto accept = [](QWidget* w) { static_cast<QDialog*>(w)->accept(); };
+        const auto preview = [&](QWidget* w) {
+            previewed = w->findChild<QPrintPreviewWidget*>()->pageCount();
+            w->close();
+        };
+        const auto ok = [](QWidget* w) { w->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click(); };
+        ModalAnswerer answerer({act(accept), act(preview), act(ok)});
+        tool->filePrint();
         QFile file(pdf);
         QVERIFY(file.open(QIODevice::ReadOnly));
-        // 40 rows do not fit one page: the walk goes down before it goes on.
         QVERIFY(file.readAll().count("/Type /Page\n") >= 2);
-
-        setRange(*tool.gui, 10, 10);
-        const QString none = dir.filePath(QStringLiteral("none.pdf"));
-        printer.setOutputFileName(none);
-        tool->PreviewPages(&printer);
-        QVERIFY(!QFile::exists(none));
+        tool->filePrintPreview();
+        QVERIFY(previewed >= 2);
+        // OK stores what the dialog was opened with.
+        tool->printSettings().timeScale = 50;
+        tool->filePageSetup();
+        VERIFY_ANSWERED(answerer);
+        QCOMPARE(answerer.said().value(2), QStringLiteral("Page Setup"));
+        QCOMPARE(tool->printSettings().timeScale, 50);
     }
 
     void customizedRange_data()
@@ -201,26 +184,21 @@ private Q_SLOTS:
         QFETCH(QString, error);
         Tool tool(Pair);
         PageSetupDlg dlg(tool->printer(), tool.gui.get());
-        QCOMPARE(dlg.windowTitle(), QStringLiteral("Page Setup"));
         QCOMPARE(dlg.rangeBox()->itemText(2), QStringLiteral("Print Cusomized Range"));
-        QVERIFY(!dlg.startEdit()->isEnabled());
         dlg.rangeBox()->setCurrentIndex(2);
-        QVERIFY(dlg.startEdit()->isEnabled());
         dlg.startEdit()->setText(start);
         dlg.endEdit()->setText(end);
         dlg.scaleBox()->setValue(35);
         dlg.rulerBox()->setChecked(false);
-        ModalAnswerer answerer(error.isEmpty() ? QList<Answer>{} : QList<Answer>{press(QMessageBox::Ok)});
+        const bool taken = error.isEmpty();
+        ModalAnswerer answerer(taken ? QList<Answer>{} : QList<Answer>{press(QMessageBox::Ok)});
         dlg.buttonBox()->button(QDialogButtonBox::Ok)->click();
         VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.said(), error.isEmpty() ? QStringList{} : QStringList{error});
+        QCOMPARE(answerer.said(), taken ? QStringList{} : QStringList{error});
         const PrintSettings& s = tool->printSettings();
-        QCOMPARE(dlg.result(), error.isEmpty() ? int(QDialog::Accepted) : 0);
-        QCOMPARE(s.printRangeType, error.isEmpty() ? 2 : 0);
-        QCOMPARE(s.timeScale, error.isEmpty() ? 35 : 100);
-        QCOMPARE(s.printRuler, !error.isEmpty());
-        if (error.isEmpty())
-            QCOMPARE(std::make_pair(s.printStart, s.printEnd), std::make_pair(quint64(5), quint64(20)));
+        QCOMPARE(dlg.result(), taken ? int(QDialog::Accepted) : 0);
+        QCOMPARE(std::tuple(s.printRangeType, s.timeScale, s.printRuler, s.printStart),
+                 taken ? std::tuple(2, 35, false, quint64(5)) : std::tuple(0, 100, true, quint64(0)));
     }
 
     void fitPage()
@@ -232,15 +210,12 @@ private Q_SLOTS:
         dlg.rangeBox()->setCurrentIndex(2);
         auto fit = [&](const char* start, const char* end) {
             dlg.fitBox()->setChecked(false);
-            QVERIFY(dlg.rangeBox()->isEnabled() && dlg.scaleBox()->isEnabled() && !dlg.startEdit()->isReadOnly());
             dlg.startEdit()->setText(QString::fromLatin1(start));
             dlg.endEdit()->setText(QString::fromLatin1(end));
             dlg.fitBox()->setChecked(true);
             QVERIFY(!dlg.rangeBox()->isEnabled() && !dlg.scaleBox()->isEnabled() && dlg.startEdit()->isReadOnly());
-            QVERIFY(tool->printSettings().fitPage);
         };
-        // Three steps across a page: as wide as the scale goes; thousands:
-        // as narrow.
+        // Three steps across a page: the widest scale; thousands: the narrowest.
         fit("7", "10");
         QCOMPARE(dlg.scaleBox()->value(), 200);
         fit("0", "5000");
@@ -255,8 +230,9 @@ private Q_SLOTS:
         const int bare = dlg.scaleBox()->value();
         dlg.nameBox()->setChecked(true);
         QVERIFY2(dlg.scaleBox()->value() < bare && bare < 200, qPrintable(QString::number(bare)));
+        QVERIFY(tool->printSettings().fitPage);
         dlg.fitBox()->setChecked(false);
-        QVERIFY(!tool->printSettings().fitPage);
+        QVERIFY(!tool->printSettings().fitPage && dlg.rangeBox()->isEnabled() && dlg.scaleBox()->isEnabled());
     }
 };
 
