@@ -217,9 +217,4 @@ void VokGUI::editTimeUnit()
     setTimeDlg(this).exec();
 }
 
-// The dialogs that these open arrive with their own features.
-void VokGUI::filePageSetup() {}
-void VokGUI::filePrintPreview() {}
-void VokGUI::filePrint() {}
-
 } // namespace kesu::toolvok

@@ -54,7 +54,9 @@ VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool st
 
     m_centralFrame = new QFrame(this);
     m_data = new WaveformData;
-    m_printer = new QPrinter(QPrinter::HighResolution);
+    // Pages are laid out in the screen's pixels (rows 40 high, text at 8
+    // points), so the printer works at the screen's resolution.
+    m_printer = new QPrinter(QPrinter::ScreenResolution);
     m_undoStack = new QUndoStack(this);
 
     createViews();

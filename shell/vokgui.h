@@ -2,6 +2,7 @@
 
 #include "basguitool.h"
 #include "pattern.h"
+#include "printsettings.h"
 #include "selection.h"
 #include "viewport.h"
 
@@ -19,6 +20,7 @@
 class QFile;
 class QFrame;
 class QIODevice;
+class QPainter;
 class QPrinter;
 class QScrollBar;
 class QSettings;
@@ -131,6 +133,10 @@ public:
     const QMap<int, QAction*>& actionMap() const { return m_actionMap; }
     QUndoStack* undoStack() const { return m_undoStack; }
     QPrinter* printer() const { return m_printer; }
+    PrintSettings& printSettings() { return m_print; }
+    const PrintSettings& printSettings() const { return m_print; }
+    // Draws one printed page and moves firstRow and pageStart on to the next.
+    void paintPage(QPainter* painter, int page, int& firstRow, quint64& pageStart, quint64 end);
 
     WaveView* waveView() const { return m_waveView; }
     RulerView* rulerView() const { return m_ruler; }
@@ -227,6 +233,7 @@ public Q_SLOTS:
     void filePageSetup();
     void filePrintPreview();
     void filePrint();
+    void PreviewPages(QPrinter* printer);
 
     // Editing.
     void undo();
@@ -385,8 +392,7 @@ private:
     quint64 m_viewEndTime = 0;
     int m_busRadix = 0;
     int m_autoSave = 0;
-    quint64 m_printFrom = 0;
-    quint64 m_printTo = 0;
+    PrintSettings m_print;
     bool m_showGuideline = false;
     int m_storedListWidth = 150;
     std::unique_ptr<QSettings> m_settings;

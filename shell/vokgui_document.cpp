@@ -21,8 +21,8 @@ bool VokGUI::loadData(QFile& file)
     m_viewport.step = 2000;
     for (WaveData* wave : std::as_const(m_data->waves))
         m_waveList->addWave(wave);
-    m_printFrom = 0;
-    m_printTo = getMaxEnd();
+    m_print.printStart = 0;
+    m_print.printEnd = getMaxEnd();
     setBar();
     m_ruler->update();
     m_waveView->update();

@@ -1,0 +1,241 @@
+// Printed pages: what one page shows at the page setup's scale, how a range
+// is cut into pages, a print to a PDF file, and the page setup dialog.
+#include "guifixture.h"
+#include "modalanswerer.h"
+#include "pageprinter.h"
+#include "pagesetupdlg.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QImage>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
+#include <QSpinBox>
+
+#include "sandboxedtestmain.h"
+
+using namespace guitest;
+
+namespace {
+const QRgb Blue = qRgb(0, 0, 255), Red = qRgb(255, 0, 0), Black = qRgb(0, 0, 0), White = qRgb(255, 255, 255);
+
+// A signal 0, 1, 0 ten steps each, a bus 5 then don't care, and a signal
+// (given an offset and a forever tail below) 1 then 0 for five steps each.
+const QByteArray Pair = wdl({"a { A I Default NRZ 0 1 50 } = 0 10 1 10 0 10;",
+                             "b[3:0] { A I Default NRZ 0 1 50 } = 5 10 DonTCare 10;",
+                             "c { A I Default NRZ 0 1 50 } = 1 5 0 5;"});
+
+int count(const QImage& image, QRgb color, QRect area)
+{
+    int n = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            n += image.pixel(x, y) == color;
+    return n;
+}
+
+QByteArray waves(int n)
+{
+    QList<QByteArray> lines;
+    for (int i = 0; i < n; ++i)
+        lines << QByteArray("w") + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 10 1 10;";
+    return wdl(lines);
+}
+} // namespace
+
+class TestPrinting : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstPage_data()
+    {
+        QTest::addColumn<int>("scale");
+        QTest::addColumn<bool>("names");
+        QTest::addColumn<bool>("ruler");
+        QTest::newRow("2 px per step, bare") << 10 << false << false;
+        QTest::newRow("20 px per step, names") << 100 << true << false;
+        QTest::newRow("40 px per step, names and ruler") << 200 << true << true;
+        QTest::newRow("20 px per step, ruler") << 100 << false << true;
+    }
+    void firstPage()
+    {
+        QFETCH(int, scale);
+        QFETCH(bool, names);
+        QFETCH(bool, ruler);
+        Tool tool(Pair);
+        tool->changeStep(1);
+        tool.wave("c")->offset = 10;
+        tool.wave("c")->foreverIndex = 0;
+        tool->printSettings() = {0, 0, PrintSettings::All, scale, names, false, ruler};
+        QImage page(1400, 600, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        PagePrinter printer(*tool.gui, page.size());
+        // The name column: "b[3:0]" at 8 pixels a character, and 10 more.
+        const int startX = names ? 58 : 0;
+        QCOMPARE(printer.startX(), startX);
+        int firstRow = 0;
+        quint64 pageStart = 0;
+        QPainter painter(&page);
+        printer.paintPage(&painter, 0, firstRow, pageStart, tool->getMaxEnd());
+        painter.end();
+        const int pps = scale / 5;
+        const int top = ruler ? 60 : 0;
+        auto at = [&](int step, int y) { return page.pixel(startX + step * pps, top + y); };
+        // The signal: low, rising, high, falling; the bus outline; the third
+        // row low before its offset, then its tail up to the range's end.
+        const std::tuple<int, int, QRgb> probes[] = {
+            {5, 40, Blue},  {5, 10, White}, {10, 25, Blue}, {15, 10, Blue},  {15, 40, White}, {20, 25, Blue},
+            {25, 40, Blue}, {7, 50, Blue},  {7, 80, Blue},  {5, 120, Blue},  {12, 90, Blue},  {17, 120, Blue},
+            {22, 90, Blue}, {27, 120, Blue}, {32, 120, White}};
+        for (const auto& [step, y, color] : probes)
+            QVERIFY2(at(step, y) == color, qPrintable(QStringLiteral("step %1, y %2").arg(step).arg(y)));
+        QCOMPARE(count(page, Blue, QRect(startX + 31 * pps, top, 1400 - startX - 31 * pps, 80)), 0);
+        QVERIFY(count(page, Red, QRect(startX + 10 * pps + 1, top + 50, 10 * pps - 2, 30)) > 0);
+        // Dotted lines under the rows; the names and their separator; the ruler.
+        QVERIFY(count(page, Black, QRect(0, top + 48, 1000, 1)) > 100);
+        QCOMPARE(count(page, Black, QRect(0, top + 1, qMax(1, startX - 1), 38)) > 0, names);
+        QCOMPARE(page.pixel(startX, 300) == Black, names);
+        QCOMPARE(page.pixel(1390, 60) == Black, ruler);
+        QCOMPARE(count(page, Black, QRect(startX + 1, 44, 1390 - startX, 3)) > 0, ruler);
+        // One page held it all: the next starts a page width later.
+        QCOMPARE(pageStart, qMin<quint64>(tool->getMaxEnd(), quint64((1400 - startX) / pps)));
+    }
+
+    void pages_data()
+    {
+        QTest::addColumn<int>("waves");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<int>("scale");
+        QTest::addColumn<quint64>("end");
+        QTest::addColumn<int>("pages");
+        // From time 40 on, 1000 pixels wide: 50 steps a page at 20 px, 500 at
+        // 2 px; the ruler and 13 rows fit 600 pixels.
+        QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1;
+        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2;
+        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6;
+        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(1240) << 3;
+        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << 0;
+        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(440) << 1;
+    }
+    void pages()
+    {
+        QFETCH(int, waves);
+        QFETCH(int, height);
+        QFETCH(int, scale);
+        QFETCH(quint64, end);
+        QFETCH(int, pages);
+        Tool tool(::waves(waves));
+        tool->changeStep(1);
+        tool->printSettings() = {40, end, PrintSettings::Customized, scale, false};
+        QImage page(1000, height, QImage::Format_RGB32);
+        QPainter painter(&page);
+        QCOMPARE(PagePrinter(*tool.gui, page.size()).printPages(painter, [] { return true; }), pages);
+    }
+
+    // The menu commands, with their dialogs answered as a user would.
+    void commands()
+    {
+        Tool tool(waves(40));
+        QTemporaryDir dir;
+        const QString pdf = dir.filePath(QStringLiteral("print.pdf"));
+        tool->printer()->setOutputFormat(QPrinter::PdfFormat);
+        tool->printer()->setOutputFileName(pdf);
+        int previewed = 0;
+        const auto accept = [](QWidget* w) { static_cast<QDialog*>(w)->accept(); };
+        const auto preview = [&](QWidget* w) {
+            previewed = w->findChild<QPrintPreviewWidget*>()->pageCount();
+            w->close();
+        };
+        const auto ok = [](QWidget* w) { w->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click(); };
+        ModalAnswerer answerer({act(accept), act(preview), act(ok)});
+        tool->filePrint();
+        QFile file(pdf);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().count("/Type /Page\n") >= 2);
+        tool->filePrintPreview();
+        QVERIFY(previewed >= 2);
+        // OK stores what the dialog was opened with.
+        tool->printSettings().timeScale = 50;
+        tool->filePageSetup();
+        VERIFY_ANSWERED(answerer);
+        QCOMPARE(answerer.said().value(2), QStringLiteral("Page Setup"));
+        QCOMPARE(tool->printSettings().timeScale, 50);
+    }
+
+    void customizedRange_data()
+    {
+        QTest::addColumn<QString>("start");
+        QTest::addColumn<QString>("end");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("no start") << "" << "20" << "Please input Start Time.";
+        QTest::newRow("bad start") << "x1" << "20" << "Invalid Start Time.";
+        QTest::newRow("no end") << "5" << "" << "Please input End Time.";
+        QTest::newRow("bad end") << "5" << "2..0" << "Invalid End Time.";
+        QTest::newRow("taken") << "5" << "20" << "";
+    }
+    void customizedRange()
+    {
+        QFETCH(QString, start);
+        QFETCH(QString, end);
+        QFETCH(QString, error);
+        Tool tool(Pair);
+        PageSetupDlg dlg(tool->printer(), tool.gui.get());
+        QCOMPARE(dlg.rangeBox()->itemText(2), QStringLiteral("Print Cusomized Range"));
+        dlg.rangeBox()->setCurrentIndex(2);
+        dlg.startEdit()->setText(start);
+        dlg.endEdit()->setText(end);
+        dlg.scaleBox()->setValue(35);
+        dlg.rulerBox()->setChecked(false);
+        const bool taken = error.isEmpty();
+        ModalAnswerer answerer(taken ? QList<Answer>{} : QList<Answer>{press(QMessageBox::Ok)});
+        dlg.buttonBox()->button(QDialogButtonBox::Ok)->click();
+        VERIFY_ANSWERED(answerer);
+        QCOMPARE(answerer.said(), taken ? QStringList{} : QStringList{error});
+        const PrintSettings& s = tool->printSettings();
+        QCOMPARE(dlg.result(), taken ? int(QDialog::Accepted) : 0);
+        QCOMPARE(std::tuple(s.printRangeType, s.timeScale, s.printRuler, s.printStart),
+                 taken ? std::tuple(2, 35, false, quint64(5)) : std::tuple(0, 100, true, quint64(0)));
+    }
+
+    void fitPage()
+    {
+        Tool tool(Pair);
+        tool->changeStep(1);
+        PageSetupDlg dlg(tool->printer(), tool.gui.get());
+        dlg.nameBox()->setChecked(false);
+        dlg.rangeBox()->setCurrentIndex(2);
+        auto fit = [&](const char* start, const char* end) {
+            dlg.fitBox()->setChecked(false);
+            dlg.startEdit()->setText(QString::fromLatin1(start));
+            dlg.endEdit()->setText(QString::fromLatin1(end));
+            dlg.fitBox()->setChecked(true);
+            QVERIFY(!dlg.rangeBox()->isEnabled() && !dlg.scaleBox()->isEnabled() && dlg.startEdit()->isReadOnly());
+        };
+        // Three steps across a page: the widest scale; thousands: the narrowest.
+        fit("7", "10");
+        QCOMPARE(dlg.scaleBox()->value(), 200);
+        fit("0", "5000");
+        QCOMPARE(dlg.scaleBox()->value(), 10);
+        // A range of no length keeps the scale it had.
+        dlg.fitBox()->setChecked(false);
+        dlg.scaleBox()->setValue(42);
+        fit("7", "7");
+        QCOMPARE(dlg.scaleBox()->value(), 42);
+        // 25 steps, then room for the names: a narrower page, a smaller scale.
+        fit("7", "32");
+        const int bare = dlg.scaleBox()->value();
+        dlg.nameBox()->setChecked(true);
+        QVERIFY2(dlg.scaleBox()->value() < bare && bare < 200, qPrintable(QString::number(bare)));
+        QVERIFY(tool->printSettings().fitPage);
+        dlg.fitBox()->setChecked(false);
+        QVERIFY(!tool->printSettings().fitPage && dlg.rangeBox()->isEnabled() && dlg.scaleBox()->isEnabled());
+    }
+};
+
+VOK_SANDBOXED_TEST_MAIN(TestPrinting)
+
+#include "test_printing.moc"
