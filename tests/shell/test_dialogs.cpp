@@ -344,6 +344,7 @@ private Q_SLOTS:
         QTest::newRow("import") << QByteArray("importWave") << "Import Wave" << "import_wave";
         QTest::newRow("show") << QByteArray("showWave") << "Show Waves" << "show_wave";
         QTest::newRow("remove") << QByteArray("removeWave") << "Remove Waves" << "remove_wave";
+        QTest::newRow("page setup") << QByteArray("filePageSetup") << "Page Setup" << "page_setup";
     }
     void slotsOpenDialogsWithHelp()
     {
