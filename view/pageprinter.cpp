@@ -350,9 +350,11 @@ void PagePrinter::paintBox(QPainter& painter, bool dontCare, float x, float w)
     const int right = ipx(x + w) - 1;
     const QColor letterColor = dontCare ? gui_.color_x : QColor(Qt::gray);
     batch_->flush(RowLayer);
-    if (dontCare) {
+    // A box narrower than a pixel has no hatch to show; skipping it spares
+    // the print a pattern object per box.
+    if (dontCare && right >= left) {
         painter.fillRect(QRect(left, high_, right - left + 1, low_ - high_), QBrush(gui_.color_x, Qt::BDiagPattern));
-    } else {
+    } else if (!dontCare) {
         painter.setPen(QColor(Qt::gray));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(QRect(left, high_, right - left, low_ - 1 - high_));
