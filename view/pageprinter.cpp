@@ -5,6 +5,7 @@
 #include "printsettings.h"
 #include "vokgui.h"
 #include "wavedata.h"
+#include "waveview_batch.h"
 #include "waveformdata.h"
 
 #include <QApplication>
@@ -183,6 +184,8 @@ void PagePrinter::paintWave(QPainter& painter, const WaveData& wave, int top, qu
     painter.save();
     painter.setClipRect(QRect(g_startx, top, pagewidth - g_startx + 1, Viewport::RowHeight + 1));
     painter.translate(g_startx, 0);
+    WaveView::Batch batch(painter, primitives_, direct_, gui_.color_x);
+    batch_ = &batch;
 
     quint64 t = wave.offset;
     if (t > start && t < end) {
@@ -190,10 +193,17 @@ void PagePrinter::paintWave(QPainter& painter, const WaveData& wave, int top, qu
         if (wave.isBus) {
             paintBus(painter, QStringLiteral("0"), 0, w, start != 0);
         } else {
-            painter.setPen(gui_.color_signal);
-            painter.drawLine(0, low_, ipx(w), low_);
+            batch.line(RowLayer, gui_.color_signal, 1, 0, low_, ipx(w), low_);
         }
         previousValue_ = "0";
+    }
+    const int count = static_cast<int>(wave.patterns.size());
+    // Segments that end left of the page draw nothing and change no state:
+    // the index finds the first one that shows.
+    int from = 0;
+    if (t < start && wave.timesRise()) {
+        from = wave.firstSegmentEndingAfter(start);
+        t = wave.segmentStart(from);
     }
     // Walks segments [from, to); false once the page's width or the range's
     // end is passed.
@@ -209,13 +219,22 @@ void PagePrinter::paintWave(QPainter& painter, const WaveData& wave, int top, qu
             const float x = begin <= start ? 0.0f : vp_.xAt(begin);
             if (begin >= end || x > right)
                 return false;
+            const int column = ipx(x);
+            if (!direct_ && x != 0.0f && column == ipx(vp_.xAt(t))) {
+                t = begin;
+                const int next = paintColumn(wave, i, to, column, t, end);
+                if (next > i) {
+                    i = next - 1;
+                    continue;
+                }
+                t = begin + static_cast<quint64>(static_cast<qint64>(p->duration));
+            }
             paintSegment(painter, wave, p->value, x, vp_.xAt(t) - x, begin < start);
             previousValue_ = p->value;
         }
         return true;
     };
-    const int count = static_cast<int>(wave.patterns.size());
-    if (walk(0, count) && wave.foreverIndex >= 0 && wave.foreverIndex < count) {
+    if (walk(from, count) && wave.foreverIndex >= 0 && wave.foreverIndex < count) {
         qint64 period = 0;
         for (int i = wave.foreverIndex; i < count; ++i)
             period += wave.patterns.at(i)->duration;
@@ -228,6 +247,8 @@ void PagePrinter::paintWave(QPainter& painter, const WaveData& wave, int top, qu
                 break;
         }
     }
+    batch.flushAll();
+    batch_ = nullptr;
     painter.restore();
 }
 
@@ -244,17 +265,64 @@ void PagePrinter::paintSegment(QPainter& painter, const WaveData& wave, const st
     }
     if (!isLevel(value))
         return;
-    painter.setPen(gui_.color_signal);
+    const QColor& color = gui_.color_signal;
     const int level = value == "1" ? high_ : low_;
     if (x != 0.0f && isLevel(previousValue_) && previousValue_ != value)
-        painter.drawLine(ipx(x), high_, ipx(x), low_);
-    painter.drawLine(ipx(x), level, ipx(x + w), level);
+        batch_->line(RowLayer, color, 1, ipx(x), high_, ipx(x), low_);
+    batch_->line(RowLayer, color, 1, ipx(x), level, ipx(x + w), level);
+}
+
+int PagePrinter::paintColumn(const WaveData& wave, int first, int to, int column, quint64& t, quint64 end)
+{
+    // Many segments in one pixel column: their lines all fall on it, a level
+    // pixel or a line from high to low (a narrow bus is one too). The column
+    // gets their union once. Boxes, wide segments and the page's edges end
+    // the run; they draw on their own.
+    const float right = static_cast<float>(pagewidth - g_startx);
+    bool high = false, low = false, edge = false;
+    const std::string* prev = &previousValue_;
+    Kind prevKind = kindOf(previousValue_);
+    int i = first;
+    for (; i < to; ++i) {
+        const Pattern* p = wave.patterns.at(i);
+        const qint32 d = p->duration;
+        if (d == 0)
+            continue;
+        const Kind kind = kindOf(p->value);
+        if (d < 0 || isSpecial(kind) || t >= end || vp_.xAt(t) > right)
+            break;
+        const quint64 next = t + static_cast<quint64>(d);
+        if (ipx(vp_.xAt(next)) != column)
+            break;
+        const bool level = kind == Kind::Zero || kind == Kind::One;
+        if (wave.isBus) {
+            edge = true;
+        } else if (level) {
+            edge = edge || ((prevKind == Kind::Zero || prevKind == Kind::One) && kind != prevKind);
+            (kind == Kind::One ? high : low) = true;
+        }
+        t = next;
+        prev = &p->value;
+        prevKind = kind;
+    }
+    if (prev != &previousValue_)
+        previousValue_ = *prev;
+    const QColor& color = wave.isBus ? gui_.color_bus : gui_.color_signal;
+    if (edge)
+        batch_->line(RowLayer, color, 1, column, high_, column, low_);
+    if (high && !edge)
+        batch_->line(RowLayer, color, 1, column, high_, column, high_);
+    if (low && !edge)
+        batch_->line(RowLayer, color, 1, column, low_, column, low_);
+    return i;
 }
 
 void PagePrinter::paintBus(QPainter& painter, const QString& text, float x, float w, bool startedLeft)
 {
-    painter.setPen(gui_.color_bus);
-    auto line = [&](float x1, int y1, float x2, int y2) { painter.drawLine(ipx(x1), y1, ipx(x2), y2); };
+    const QColor& color = gui_.color_bus;
+    auto line = [&](float x1, int y1, float x2, int y2) {
+        batch_->line(RowLayer, color, 1, ipx(x1), y1, ipx(x2), y2);
+    };
     const float tip = w < NarrowBus ? w / 2.0f : Bevel;
     if (startedLeft) {
         line(x, high_, x + w - tip, high_);
@@ -268,8 +336,12 @@ void PagePrinter::paintBus(QPainter& painter, const QString& text, float x, floa
     line(x + w, mid_, x + w - tip, high_);
     line(x + w, mid_, x + w - tip, low_);
     const int length = static_cast<int>(text.length());
-    if (w >= NarrowBus && static_cast<float>(FontSize * length) < w)
+    if (w >= NarrowBus && static_cast<float>(FontSize * length) < w) {
+        // Text goes over the lines gathered before it, as it would unbatched.
+        batch_->flush(RowLayer);
+        painter.setPen(color);
         painter.drawText(ipx(x + w / 2.0f - static_cast<float>(FontSize * length / 2)), low_ - 8, text);
+    }
 }
 
 void PagePrinter::paintBox(QPainter& painter, bool dontCare, float x, float w)
@@ -277,9 +349,12 @@ void PagePrinter::paintBox(QPainter& painter, bool dontCare, float x, float w)
     const int left = ipx(x);
     const int right = ipx(x + w) - 1;
     const QColor letterColor = dontCare ? gui_.color_x : QColor(Qt::gray);
-    if (dontCare) {
+    batch_->flush(RowLayer);
+    // A box narrower than a pixel has no hatch to show; skipping it spares
+    // the print a pattern object per box.
+    if (dontCare && right >= left) {
         painter.fillRect(QRect(left, high_, right - left + 1, low_ - high_), QBrush(gui_.color_x, Qt::BDiagPattern));
-    } else {
+    } else if (!dontCare) {
         painter.setPen(QColor(Qt::gray));
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(QRect(left, high_, right - left, low_ - 1 - high_));

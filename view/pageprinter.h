@@ -1,6 +1,7 @@
 #pragma once
 
 #include "viewport.h"
+#include "waveview.h"
 
 #include <QSize>
 
@@ -35,12 +36,16 @@ public:
     void paintPage(QPainter* painter, int page, int& firstRow, quint64& pageStart, quint64 end);
 
     int startX() const { return g_startx; }
+    // Draws every segment on its own: the reference the gathered picture
+    // must equal pixel for pixel.
+    void setDrawEverySegment(bool on) { direct_ = on; }
 
 private:
     void paintRuler(QPainter& painter, quint64 pageStart);
     void paintWave(QPainter& painter, const WaveData& wave, int top, quint64 end);
     void paintSegment(QPainter& painter, const WaveData& wave, const std::string& value, float x, float w,
                       bool startedLeft);
+    int paintColumn(const WaveData& wave, int first, int to, int column, quint64& t, quint64 end);
     void paintBus(QPainter& painter, const QString& text, float x, float w, bool startedLeft);
     void paintBox(QPainter& painter, bool dontCare, float x, float w);
 
@@ -54,6 +59,9 @@ private:
     Viewport vp_;
     int high_ = 0, mid_ = 0, low_ = 0;
     std::string previousValue_;
+    bool direct_ = false;
+    WaveView::Batch* batch_ = nullptr;
+    int primitives_ = 0;
 };
 
 } // namespace kesu::toolvok

@@ -113,6 +113,8 @@ private:
     // Collects the lines of a paint so that runs of sub-pixel segments cost
     // one painter call instead of thousands; defined in waveview_batch.h.
     class Batch;
+    // Pages are printed through the same batch.
+    friend class PagePrinter;
     Batch* batch_ = nullptr;
     // Where the next segment of the row begins, in whole ticks: every x comes
     // from such a time, so a row drawn from its middle has the pixels of one

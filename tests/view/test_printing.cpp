@@ -44,6 +44,20 @@ QByteArray waves(int n)
         lines << QByteArray("w") + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 10 1 10;";
     return wdl(lines);
 }
+
+// Thousands of segments a row, one to thirty ticks long with now and then a
+// wide one: levels, don't-care boxes, and a bus with its values.
+QByteArray crowded()
+{
+    QByteArray a = "a { A I Default NRZ 0 1 50 } =", c = "c { A I Default NRZ 0 1 50 } =", b = "b[3:0] { A I Default NRZ 0 1 50 } =";
+    for (int j = 0; j < 6000; ++j) {
+        const QByteArray d = " " + QByteArray::number(j % 300 == 0 ? 1500 : 1 + j * j % 29);
+        a += (j % 97 == 0 ? " DonTCare" : j * 7 % 3 ? " 1" : " 0") + d;
+        c += QByteArray(j % 13 ? " 1" : " 0") + d;
+        b += " " + QByteArray::number(j % 16, 16) + d;
+    }
+    return wdl({a + ";", b + ";", c + ";"});
+}
 } // namespace
 
 class TestPrinting : public QObject
@@ -112,14 +126,18 @@ private Q_SLOTS:
         QTest::addColumn<int>("scale");
         QTest::addColumn<quint64>("end");
         QTest::addColumn<int>("pages");
+        QTest::addColumn<quint64>("step");
         // From time 40 on, 1000 pixels wide: 50 steps a page at 20 px, 500 at
         // 2 px; the ruler and 13 rows fit 600 pixels.
-        QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1;
-        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2;
-        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6;
-        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(1240) << 3;
-        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << 0;
-        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(440) << 1;
+        QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1 << quint64(1);
+        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2 << quint64(1);
+        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6 << quint64(1);
+        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(1240) << 3 << quint64(1);
+        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << 0 << quint64(1);
+        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(440) << 1 << quint64(1);
+        // Dozens of segments a pixel column, drawn once a column.
+        QTest::newRow("crowded") << 0 << 600 << 10 << quint64(100040) << 2 << quint64(100);
+        QTest::newRow("crowded, finer") << 0 << 600 << 40 << quint64(30040) << 3 << quint64(100);
     }
     void pages()
     {
@@ -128,12 +146,22 @@ private Q_SLOTS:
         QFETCH(int, scale);
         QFETCH(quint64, end);
         QFETCH(int, pages);
-        Tool tool(::waves(waves));
-        tool->changeStep(1);
+        QFETCH(quint64, step);
+        Tool tool(waves ? ::waves(waves) : crowded());
+        tool->changeStep(step);
         tool->printSettings() = {40, end, PrintSettings::Customized, scale, false};
-        QImage page(1000, height, QImage::Format_RGB32);
-        QPainter painter(&page);
-        QCOMPARE(PagePrinter(*tool.gui, page.size()).printPages(painter, [] { return true; }), pages);
+        // Pages painted column by column look exactly as with every segment drawn.
+        QImage picture[2];
+        for (bool every : {false, true}) {
+            QImage& page = picture[every];
+            page = QImage(1000, height, QImage::Format_RGB32);
+            page.fill(Qt::white);
+            QPainter painter(&page);
+            PagePrinter printer(*tool.gui, page.size());
+            printer.setDrawEverySegment(every);
+            QCOMPARE(printer.printPages(painter, [] { return true; }), pages);
+        }
+        QCOMPARE(picture[0], picture[1]);
     }
 
     // The menu commands, with their dialogs answered as a user would.
