@@ -324,8 +324,8 @@ private Q_SLOTS:
         t->ResetDirtyBit();
         dialog.buttonBox()->button(QDialogButtonBox::Ok)->click();
         QVERIFY(dialog.result() == QDialog::Accepted && t->undoStack()->count() == 1 && t->isModified());
-        QCOMPARE(QPair(t->document()->smallestUnit, t->document()->decimals),
-                 QPair(newUnit * 3 + 3, dialog.precisionBox()->currentIndex()));
+        QCOMPARE(qMakePair(t->document()->smallestUnit, t->document()->decimals),
+                 qMakePair(newUnit * 3 + 3, dialog.precisionBox()->currentIndex()));
         t->ResetDirtyBit();
         t->undoStack()->undo();
         QCOMPARE(t.saved(), text);
