@@ -2,6 +2,8 @@
 // page setup's scale, and the walk over pages down the waves and across time.
 #include "pageprinter.h"
 
+#include "busoutline.h"
+
 #include "printsettings.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -14,10 +16,7 @@
 namespace kesu::toolvok {
 
 namespace {
-constexpr float Bevel = 5.0f;
 constexpr int FontSize = 8;
-// A bus drawn narrower than this has no room for its flat top.
-constexpr float NarrowBus = 20.0f;
 
 int ipx(float v)
 {
@@ -323,18 +322,7 @@ void PagePrinter::paintBus(QPainter& painter, const QString& text, float x, floa
     auto line = [&](float x1, int y1, float x2, int y2) {
         batch_->line(RowLayer, color, 1, ipx(x1), y1, ipx(x2), y2);
     };
-    const float tip = w < NarrowBus ? w / 2.0f : Bevel;
-    if (startedLeft) {
-        line(x, high_, x + w - tip, high_);
-        line(x, low_, x + w - tip, low_);
-    } else {
-        line(x, mid_, x + tip, high_);
-        line(x, mid_, x + tip, low_);
-        line(x + tip, high_, x + w - tip, high_);
-        line(x + tip, low_, x + w - tip, low_);
-    }
-    line(x + w, mid_, x + w - tip, high_);
-    line(x + w, mid_, x + w - tip, low_);
+    busOutline(x, w, w < NarrowBus, startedLeft, high_, mid_, low_, line);
     const int length = static_cast<int>(text.length());
     if (w >= NarrowBus && static_cast<float>(FontSize * length) < w) {
         // Text goes over the lines gathered before it, as it would unbatched.

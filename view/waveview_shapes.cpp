@@ -2,6 +2,7 @@
 // outlines, don't-care and high-impedance boxes and the shading of clones.
 #include "waveview_batch.h"
 
+#include "busoutline.h"
 #include "selection.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -9,11 +10,6 @@
 #include <QPainter>
 
 namespace kesu::toolvok {
-
-namespace {
-// The slant of a bus hexagon's ends, in pixels.
-constexpr float Bevel = 5.0f;
-} // namespace
 
 void WaveView::drawCloneBlock(QPainter& painter, int x, int y, int width, int height)
 {
@@ -62,30 +58,7 @@ void WaveView::drawBusShape(int layer, const QColor& color, bool dotted, float x
         else
             batch.line(layer, color, 1, px(x1), y1, px(x2), y2);
     };
-    if (narrow) {
-        const float middle = x + w / 2.0f;
-        if (startedLeft) {
-            line(x, highY, middle, highY);
-            line(x, lowY, middle, lowY);
-        } else {
-            line(x, midY, middle, highY);
-            line(x, midY, middle, lowY);
-        }
-        line(x + w, midY, middle, highY);
-        line(x + w, midY, middle, lowY);
-        return;
-    }
-    if (startedLeft) {
-        line(x, highY, x + w - Bevel, highY);
-        line(x, lowY, x + w - Bevel, lowY);
-    } else {
-        line(x, midY, x + Bevel, highY);
-        line(x, midY, x + Bevel, lowY);
-        line(x + Bevel, highY, x + w - Bevel, highY);
-        line(x + Bevel, lowY, x + w - Bevel, lowY);
-    }
-    line(x + w, midY, x + w - Bevel, highY);
-    line(x + w, midY, x + w - Bevel, lowY);
+    busOutline(x, w, narrow, startedLeft, highY, midY, lowY, line);
 }
 
 void WaveView::drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high,
