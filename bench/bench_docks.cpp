@@ -14,6 +14,7 @@
 
 #include "editdlg.h"
 #include "editbench.h"
+#include "benchtool.h"
 #include "generated_document.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -56,13 +57,8 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: bench_docks [--segments N (>= 100)] [--repeat R] [--seed S]\n");
         return 2;
     }
-    QTemporaryDir config;
-    sandboxToolSettings(config.path());
-    QApplication app(argc, argv);
-
-    QString project;
-    auto gui = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
-    gui->initialize();
+    BenchTool tool(argc, argv);
+    const std::unique_ptr<VokGUI>& gui = tool.gui;
     // Waves 0 and 3 of the generated document: a single signal and a bus.
     WaveData* signal = makeGeneratedWave(opt.seed, 0, opt.segments).release();
     WaveData* bus = makeGeneratedWave(opt.seed, 3, opt.segments).release();

@@ -12,6 +12,7 @@
 //   bench_edit [--segments N] [--repeat R] [--seed S]
 
 #include "editbench.h"
+#include "benchtool.h"
 #include "generated_document.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -49,13 +50,8 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "usage: bench_edit [--segments N (>= 100)] [--repeat R] [--seed S]\n");
         return 2;
     }
-    QTemporaryDir config;
-    sandboxToolSettings(config.path());
-    QApplication app(argc, argv);
-
-    QString project;
-    auto gui = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
-    gui->initialize();
+    BenchTool tool(argc, argv);
+    const std::unique_ptr<VokGUI>& gui = tool.gui;
 
     // Wave 0 of the generated document is a single signal without a tail.
     WaveData* wave = makeGeneratedWave(opt.seed, 0, opt.segments).release();

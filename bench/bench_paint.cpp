@@ -10,6 +10,7 @@
 // Each figure is the median wall-clock time of R paints (default 15), with
 // the number of primitives the paint drew. --png writes the pictures.
 
+#include "benchtool.h"
 #include "generated_document.h"
 #include "vokgui.h"
 #include "waveformdata.h"
@@ -100,13 +101,8 @@ int main(int argc, char** argv)
                              "[--place fit|start|middle|end] [--png DIR]\n");
         return 2;
     }
-    QTemporaryDir config;
-    sandboxToolSettings(config.path());
-    QApplication app(argc, argv);
-
-    QString project;
-    auto gui = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
-    gui->initialize();
+    BenchTool tool(argc, argv);
+    const std::unique_ptr<VokGUI>& gui = tool.gui;
 
     const double t0 = now();
     for (int i = 0; i < opt.waves; ++i)

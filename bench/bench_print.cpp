@@ -4,6 +4,7 @@
 //
 //   bench_print [--waves N] [--segments M] [--seed S]
 
+#include "benchtool.h"
 #include "generated_document.h"
 #include "printsettings.h"
 #include "vokgui.h"
@@ -44,12 +45,8 @@ int main(int argc, char** argv)
             return 2;
         }
     }
-    QTemporaryDir config;
-    sandboxToolSettings(config.path());
-    QApplication app(argc, argv);
-    QString project;
-    auto gui = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
-    gui->initialize();
+    BenchTool tool(argc, argv);
+    const std::unique_ptr<VokGUI>& gui = tool.gui;
     for (int i = 0; i < waves; ++i)
         gui->document()->addWave(makeGeneratedWave(seed, i, segments).release());
     QImage image(1600, 900, QImage::Format_RGB32);
@@ -59,7 +56,7 @@ int main(int argc, char** argv)
 
     QPrinter printer(QPrinter::ScreenResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(config.filePath(QStringLiteral("doc.pdf")));
+    printer.setOutputFileName(tool.scratch(QStringLiteral("doc.pdf")));
     // Fit Page's rule: the range over the usable width, in steps.
     PrintSettings& print = gui->printSettings();
     print.printRangeType = PrintSettings::All;
