@@ -11,6 +11,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QImage>
 #include <QSize>
 #include <QTest>
 
@@ -40,6 +41,18 @@ inline QByteArray savedText(kesu::toolvok::VokGUI& gui)
     if (!gui.saveData(buffer))
         return QByteArrayLiteral("<save failed>");
     return buffer.data();
+}
+
+// An untitled tool window, never shown but laid out once, so that sizes set
+// on its views afterwards stay.
+inline std::unique_ptr<kesu::toolvok::VokGUI> laidOutTool()
+{
+    QString project;
+    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, QStringList{}, project, true);
+    gui->initialize();
+    QImage settle(8, 8, QImage::Format_RGB32);
+    gui->render(&settle);
+    return gui;
 }
 
 // The file opened in a stand-alone tool window, shown at that size and

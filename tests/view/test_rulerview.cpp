@@ -8,6 +8,7 @@
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 #include <memory>
 
@@ -64,14 +65,10 @@ class TestRulerView : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QString project;
-        gui_ = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
-        gui_->initialize();
+        gui_ = toolfixture::laidOutTool();
         ruler_ = gui_->rulerView();
-        // The first render lays the hidden window out; sizes set after it stay.
-        QImage settle(8, 8, QImage::Format_RGB32);
-        gui_->render(&settle);
         ruler_->resize(600, 50);
+        QImage settle(8, 8, QImage::Format_RGB32);
         ruler_->render(&settle);
         QCOMPARE(ruler_->size(), QSize(600, 50));
     }

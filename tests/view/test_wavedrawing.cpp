@@ -13,6 +13,7 @@
 #include <QtTest>
 
 #include "sandboxedtestmain.h"
+#include "toolfixture.h"
 
 #include <memory>
 
@@ -135,13 +136,8 @@ class TestWaveDrawing : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        QString project;
-        gui_ = std::make_unique<VokGUI>(nullptr, QStringList{}, project, true);
-        gui_->initialize();
+        gui_ = toolfixture::laidOutTool();
         view_ = gui_->waveView();
-        // The first render lays the hidden window out; sizes set after it stay.
-        QImage settle(8, 8, QImage::Format_RGB32);
-        gui_->render(&settle);
     }
 
     void init()
