@@ -1,23 +1,44 @@
 // wdl: reads, checks and converts waveform documents without a display.
-#include "documentjson.h"
-#include "exportwaveforms.h"
+#include "wdlcommand.h"
+
 #include "waveformdata.h"
-#include "wavewriter.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonDocument>
-#include <QTextStream>
 
 #include <cstdio>
 
 using namespace kesu::toolvok;
 
+namespace wdl {
+
 namespace {
 
-enum Exit { Ok = 0, Failed = 1, Usage = 2 };
+const Command commands[] = {
+    {"dump", dumpCommand, "dump FILE     print the document as read, as JSON"},
+    {"format", formatCommand, "format FILE   print the document as the editor saves it"},
+    {"export", exportCommand,
+     "export TYPE FILE -out=OUTPUT\n"
+     "                write the document as TYPE: tf, vht, tb or vcd\n"
+     "  export --list name the export types"},
+};
+
+QString helpText()
+{
+    QString text = QStringLiteral("Usage: wdl [options] command [arguments]\n"
+                                  "Reads, checks and converts waveform documents (.wdl).\n\n"
+                                  "Commands:\n");
+    for (const Command& command : commands)
+        text += QStringLiteral("  ") + QString::fromUtf8(command.help) + QLatin1Char('\n');
+    text += QStringLiteral("\nOptions:\n"
+                           "  -h, --help     show this help\n"
+                           "  -v, --version  show the version\n");
+    return text;
+}
+
+} // namespace
 
 QTextStream& err()
 {
@@ -25,7 +46,6 @@ QTextStream& err()
     return stream;
 }
 
-// Opens and reads a document; on failure says why on stderr.
 bool readDocument(const QString& path, WaveformData& document)
 {
     QFile file(path);
@@ -52,58 +72,15 @@ bool writeOut(const QByteArray& bytes)
         && std::fflush(stdout) == 0;
 }
 
-// The export types by their short names, as the Export dialog lists them,
-// and by the exporter's own options.
-struct ExportType {
-    const char* name;
-    const char* option;
-    const char* what;
-};
-const ExportType exportTypes[] = {
-    {"tf", "-verilog", "Verilog test vectors"},
-    {"vht", "-vhdl93", "VHDL test vectors"},
-    {"tb", "-vhdl94", "VHDL test bench"},
-    {"vcd", "-vcd", "value change dump"},
-};
-
-const ExportType* exportType(const QString& text)
-{
-    for (const ExportType& type : exportTypes) {
-        if (text == QLatin1String(type.name) || text == QLatin1String(type.option))
-            return &type;
-    }
-    return nullptr;
-}
-
-int usage(const QCommandLineParser& parser, const QString& problem)
+int usage(const QString& problem)
 {
     if (!problem.isEmpty())
         err() << "wdl: " << problem << Qt::endl;
-    err() << parser.helpText() << Qt::flush;
+    err() << helpText() << Qt::flush;
     return Usage;
 }
 
-int exportCommand(const QCommandLineParser& parser, const QStringList& args)
-{
-    if (args.size() == 2 && args.at(1) == QLatin1String("--list")) {
-        QTextStream out(stdout);
-        for (const ExportType& type : exportTypes)
-            out << type.name << '\t' << type.option << '\t' << type.what << '\n';
-        return Ok;
-    }
-    if (args.size() != 4)
-        return usage(parser, QStringLiteral("'export' takes a type, a file and -out=OUTPUT"));
-    const ExportType* type = exportType(args.at(1));
-    if (!type)
-        return usage(parser, QStringLiteral("unknown export type '%1' (wdl export --list)").arg(args.at(1)));
-    QByteArray input = args.at(2).toLocal8Bit();
-    QByteArray output = args.at(3).toLocal8Bit();
-    QByteArray option(type->option);
-    char* argv[] = {option.data(), input.data(), output.data()};
-    return ExportWaveforms(3, argv) == 0 ? Ok : Failed;
-}
-
-} // namespace
+} // namespace wdl
 
 int main(int argc, char** argv)
 {
@@ -111,55 +88,25 @@ int main(int argc, char** argv)
     QCoreApplication::setApplicationName(QStringLiteral("wdl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VOK_VERSION));
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Reads, checks and converts waveform documents (.wdl).\n\n"
-        "Commands:\n"
-        "  dump FILE     print the document as read, as JSON\n"
-        "  format FILE   print the document as the editor saves it\n"
-        "  export TYPE FILE -out=OUTPUT\n"
-        "                write the document as TYPE: tf, vht, tb or vcd\n"
-        "  export --list name the export types"));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("dump, format or export"));
-    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("the waveform document"));
-
-    // After the command everything is its own: export takes "-out=FILE".
-    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    if (!parser.parse(QCoreApplication::arguments()))
-        return usage(parser, parser.errorText());
-    // --help-all comes with addHelpOption and is listed in the help text; a
-    // console tool has no Qt options to add, so it shows the same text.
-    if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("help-all"))) {
-        QTextStream(stdout) << parser.helpText();
-        return Ok;
-    }
-    if (parser.isSet(QStringLiteral("version"))) {
-        QTextStream(stdout) << "wdl " << QCoreApplication::applicationVersion() << Qt::endl;
-        return Ok;
-    }
-
-    const QStringList args = parser.positionalArguments();
+    // Options before the command are wdl's own; everything after the command
+    // belongs to it (export takes "-out=FILE", render "--scale N").
+    QStringList args = QCoreApplication::arguments().mid(1);
     if (args.isEmpty())
-        return usage(parser, QStringLiteral("no command given"));
-    const QString command = args.first();
-    if (command == QLatin1String("export"))
-        return exportCommand(parser, args);
-    if (command != QLatin1String("dump") && command != QLatin1String("format"))
-        return usage(parser, QStringLiteral("unknown command '%1'").arg(command));
-    if (args.size() != 2)
-        return usage(parser, QStringLiteral("'%1' takes one file").arg(command));
-
-    WaveformData document;
-    if (!readDocument(args.at(1), document))
-        return Failed;
-    const QByteArray out = command == QLatin1String("dump")
-        ? QJsonDocument(documentToJson(document)).toJson(QJsonDocument::Indented)
-        : formatWaveform(document);
-    if (!writeOut(out)) {
-        err() << "wdl: cannot write the output" << Qt::endl;
-        return Failed;
+        return wdl::usage(QStringLiteral("no command given"));
+    const QString first = args.first();
+    if (first == QLatin1String("-h") || first == QLatin1String("--help") || first == QLatin1String("--help-all")) {
+        QTextStream(stdout) << wdl::helpText();
+        return wdl::Ok;
     }
-    return Ok;
+    if (first == QLatin1String("-v") || first == QLatin1String("--version")) {
+        QTextStream(stdout) << "wdl " << QCoreApplication::applicationVersion() << Qt::endl;
+        return wdl::Ok;
+    }
+    if (first.startsWith(QLatin1Char('-')))
+        return wdl::usage(QStringLiteral("unknown option '%1'").arg(first));
+    for (const wdl::Command& command : wdl::commands) {
+        if (first == QLatin1String(command.name))
+            return command.run(args);
+    }
+    return wdl::usage(QStringLiteral("unknown command '%1'").arg(first));
 }
