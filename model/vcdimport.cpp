@@ -24,7 +24,12 @@ struct Track {
     quint64 start = 0;
     std::string value = Values::DontCare;   // unknown until the dump says
     int sameCode = -1;                      // the next track of the same code
+    // Segments laid down but not made yet. A wave's segments are made in
+    // runs so that they lie together in memory, not interleaved with every
+    // other wave's, which each later walk along one wave would pay for.
+    std::vector<std::pair<std::string, qint32>> staged;
 };
+constexpr size_t StagedRun = 256;
 
 // The document's name for a variable: reference and range, a lone bit
 // "d[3]" as the one-bit range "d[3:3]", a vector without range counting
@@ -121,6 +126,7 @@ private:
     bool ticksAt(quint64 time, quint64& ticks) const;
     void change(Track& track, quint64 at, const std::string& value);
     void close(Track& track, quint64 at);
+    void flush(Track& track);
 
     VcdReader reader_;
     WaveformData& document_;
@@ -227,7 +233,12 @@ void Importer::change(Track& track, quint64 at, const std::string& value)
         // to the value before resumes its segment.
         track.value = value;
         WaveData* wave = track.wave;
-        if (!wave->patterns.isEmpty() && Values::same(wave->patterns.last()->value, value)) {
+        if (!track.staged.empty()) {
+            if (Values::same(track.staged.back().first, value)) {
+                track.start -= quint64(track.staged.back().second);
+                track.staged.pop_back();
+            }
+        } else if (!wave->patterns.isEmpty() && Values::same(wave->patterns.last()->value, value)) {
             Pattern* last = wave->patterns.takeLast();
             wave->segmentsChanged(int(wave->patterns.size()));
             track.start -= quint64(last->duration);
@@ -242,14 +253,24 @@ void Importer::change(Track& track, quint64 at, const std::string& value)
     track.value = value;
 }
 
-// Lays the value down from its start to at, in pieces a duration can hold.
+// Lays the value down from its start to at, in pieces a duration can hold;
+// the track's value is used up.
 void Importer::close(Track& track, quint64 at)
 {
     for (quint64 left = at - track.start; left > 0;) {
         const qint32 piece = qint32(std::min<quint64>(left, quint64(std::numeric_limits<qint32>::max())));
-        track.wave->insertData(new Pattern(track.value, piece), nullptr);
         left -= quint64(piece);
+        track.staged.emplace_back(left > 0 ? track.value : std::move(track.value), piece);
     }
+    if (track.staged.size() >= StagedRun)
+        flush(track);
+}
+
+void Importer::flush(Track& track)
+{
+    for (auto& [value, duration] : track.staged)
+        track.wave->insertData(new Pattern(std::move(value), duration), nullptr);
+    track.staged.clear();
 }
 
 bool Importer::run(const VcdImportOptions& options, QStringList& notes, QString& error)
@@ -302,6 +323,8 @@ bool Importer::run(const VcdImportOptions& options, QStringList& notes, QString&
     document_.endTime = end;
     for (Track& track : tracks_) {
         close(track, end);
+        flush(track);
+        track.staged.shrink_to_fit();
         // Unknown until the first value: the wave starts there.
         WaveData* wave = track.wave;
         while (wave->patterns.size() > 1 && Values::isDontCare(wave->patterns.first()->value)) {

@@ -52,6 +52,11 @@ private Q_SLOTS:
                                  "[one0...one0] { A O Default NRZ 0 1 50 } = 1 3 0 9;\n"
                                  "e[p,q,r] { A B Default NRZ 2 1 50 } = 5 4 5 4 HighZ 8 DonTCare 3 7 2;\n"
                                  "w[0:69] { A I Default NRZ 0 1 50 } = 3FFFFFFFFFFFFFFFFF 4 0 5;\n";
+        // Several megabytes: words cross the reader's buffer.
+        QByteArray wide = "%ENDTIME = 0;\nh[255:0] { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < 20000; ++i)
+            wide += ' ' + QByteArray::number(0x9e3779b97f4a7c15ULL * quint64(i + 1), 16) + ' ' + QByteArray::number(i % 7 + 1);
+        QTest::newRow("a long dump") << wide + ";\n";
         for (const auto& [unit, decimals] : {std::pair{12, 3}, {9, 1}, {3, 0}, {6, 2}}) {
             QTest::addRow("unit %d, %d decimals", unit, decimals)
                 << "%SMALLESTUNIT = " + QByteArray::number(unit) + ";\n%DECIMALS = " + QByteArray::number(decimals)
@@ -188,6 +193,32 @@ private Q_SLOTS:
                      run.output.constData());
             QVERIFY(!QFileInfo::exists(file("out.wdl")));
         }
+    }
+
+    // Each wave in steps of the common divisor: x before the offset, each
+    // bus segment an "=" even where its value repeats, tails up to the end.
+    void waveJsonLanes_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QByteArray>("lanes");
+        QTest::newRow("offset and z") << QByteArray("%ENDTIME = 20;\na { A I Default NRZ 5 1 50 } = 1 5 3 5 0 5;\n")
+                                      << QByteArray("{\"name\": \"a\", \"wave\": \"x1z0\"}], step 5 ps");
+        QTest::newRow("bus") << QByteArray("%ENDTIME = 40;\nd[7:0] { A I Default NRZ 0 1 50 } = 5A 10 5A 10 DonTCare 10;\n")
+                             << QByteArray("{\"name\": \"d[7:0]\", \"wave\": \"==x.\", \"data\": [\"5A\", \"5A\"]}], step 10 ps");
+        QTest::newRow("tail, a quote") << QByteArray("%ENDTIME = 12;\nsay\"c { A I Default NRZ 0 1 50 } =(1 2 0 4)##;\n")
+                                       << QByteArray("{\"name\": \"say\\\"c\", \"wave\": \"10.10.\"}], step 2 ps");
+        QTest::newRow("tenths of a ns") << QByteArray("%SMALLESTUNIT = 9;\n%DECIMALS = 1;\n%ENDTIME = 30;\n"
+                                                      "a { A I Default NRZ 0 1 50 } = 1 10 0 20;\n")
+                                        << QByteArray("{\"name\": \"a\", \"wave\": \"10.\"}], step 1 ns");
+    }
+    void waveJsonLanes()
+    {
+        QFETCH(QByteArray, document);
+        QFETCH(QByteArray, lanes);
+        QVERIFY(writeFile(file("lanes.wdl"), document));
+        QCOMPARE(exportFile("-wavejson", file("lanes.wdl"), file("lanes.json")), 0);
+        QCOMPARE(readFile(file("lanes.json")).replace("\n", "").replace(",\"foot\": {\"text\": \"", ", "),
+                 "{\"signal\": [  " + lanes + "\"}}");
     }
 
     // The examples' WaveJSON as expected; every wave as long as the others
