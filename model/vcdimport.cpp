@@ -171,9 +171,10 @@ bool Importer::choose(const QStringList& names, QStringList& notes, QString& err
         ++uses[waveNameOf(*var, false)];
     firstTrack_.assign(size_t(reader_.codeCount()), -1);
     tracks_.reserve(chosen.size());
+    QSet<QString> taken;   // a design's dump may declare a hundred thousand variables
     for (const VcdVariable* var : chosen) {
         const QString name = waveNameOf(*var, uses.value(waveNameOf(*var, false)) > 1);
-        if (document_.findWavebyName(name)) {
+        if (taken.contains(name)) {
             notes << QStringLiteral("skipped %1, declared twice").arg(name);
             continue;
         }
@@ -186,6 +187,7 @@ bool Importer::choose(const QStringList& names, QStringList& notes, QString& err
             continue;
         }
         document_.addWave(wave);
+        taken.insert(name);
         Track track;
         track.wave = wave;
         track.width = var->width;
@@ -199,7 +201,8 @@ bool Importer::cropTimes(const VcdImportOptions& options, QString& error)
 {
     const int magnitude = reader_.unitMagnitude();
     const int exponent = reader_.unitExponent();
-    // The dump's unit, with a tick of one ps or one fs below it.
+    // Times show in the dump's own unit; s and fs, which the document has no
+    // unit for, in ms and in ps with three decimals.
     document_.smallestUnit = exponent == 0 ? 3 : exponent == 15 ? 12 : exponent;
     document_.decimals = exponent == 15 ? 3 : 0;
     scale_ = quint64(magnitude) * (exponent == 0 ? 1000 : 1);
