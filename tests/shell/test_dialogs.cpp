@@ -206,6 +206,10 @@ private Q_SLOTS:
                 QVERIFY(dialog);
                 auto* list = dialog->findChild<QListWidget*>();
                 QCOMPARE(list->item(2)->text(), QStringLiteral("top.r (real, not imported)"));
+                QTest::keyRelease(list, Qt::Key_F1);
+                QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/import_vcd.html"));
+                QVERIFY(list->whatsThis().size() > 40);
+                BaseHelp::helpWindow()->hide();
                 for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
                     const QList<QLineEdit*> edits = dialog->findChildren<QLineEdit*>();
                     if (step.startsWith('-'))
