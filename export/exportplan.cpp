@@ -16,7 +16,10 @@ namespace {
 
 const char* languageName(Language language)
 {
-    return language == Language::Vhdl ? "VHDL" : language == Language::Verilog ? "Verilog" : "VCD";
+    return language == Language::Vhdl      ? "VHDL"
+        : language == Language::Verilog  ? "Verilog"
+        : language == Language::WaveJson ? "WaveJSON"
+                                         : "VCD";
 }
 
 // -1 for a character that is no hexadecimal digit.
@@ -189,7 +192,8 @@ bool makePlan(const WaveformData& document, Language language, const QSet<QByteA
         if (!describeSignal(*wave, language, signal, error) || !checkSegments(*wave, signal, plan.endTime, error))
             return false;
         const QByteArray key = identifierKey(signal.id, language);
-        const auto other = taken.constFind(key);
+        // WaveJSON names its waves with their own names, which may repeat.
+        const auto other = language == Language::WaveJson ? taken.constEnd() : taken.constFind(key);
         if (other != taken.constEnd()) {
             const QString id = QString::fromLatin1(signal.id.trimmed());
             error = other.value()

@@ -24,6 +24,7 @@ const Format formats[] = {
     {"-vhdl93", Language::Vhdl, writeVhdlVectors},
     {"-vhdl94", Language::Vhdl, writeVhdlTestBench},
     {"-vcd", Language::Vcd, writeVcd},
+    {"-wavejson", Language::WaveJson, writeWaveJson},
 };
 
 struct Arguments {
@@ -61,7 +62,7 @@ QString parseArguments(int argc, char** argv, Arguments& args)
         }
     }
     if (!args.format)
-        return QStringLiteral("no export type given (-verilog, -vhdl93, -vhdl94 or -vcd)");
+        return QStringLiteral("no export type given (-verilog, -vhdl93, -vhdl94, -vcd or -wavejson)");
     if (args.input.isEmpty())
         return QStringLiteral("no input file given");
     if (args.output.isEmpty())

@@ -4,7 +4,7 @@ namespace kesu::toolvok {
 
 // Exports a saved waveform file. The arguments, in any order: the type
 // ("-verilog" Verilog test vectors, "-vhdl93" VHDL test vectors, "-vhdl94"
-// a VHDL test bench, "-vcd" a value change dump), the input file and
+// a VHDL test bench, "-vcd" a value change dump, "-wavejson" WaveJSON for WaveDrom), the input file and
 // "-out=" with the output file; no program name in front. Returns 0 on
 // success; otherwise 1 with one line on stderr, and an existing output file
 // is left as it was.

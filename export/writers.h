@@ -15,6 +15,7 @@ void writeVerilogVectors(const ExportPlan& plan, OutputStream& out);
 void writeVhdlVectors(const ExportPlan& plan, OutputStream& out);
 void writeVhdlTestBench(const ExportPlan& plan, OutputStream& out);
 void writeVcd(const ExportPlan& plan, OutputStream& out);
+void writeWaveJson(const ExportPlan& plan, OutputStream& out);
 
 // Shared by the two VHDL writers: "signal name : std_logic_vector(7 downto 0)"
 // without the keyword, and the stimulus process of one signal.

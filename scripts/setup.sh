@@ -25,6 +25,17 @@ vok_install_packages() {
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
 
+# Optional and small (3 MB): the WaveDrom renderer that the WaveJSON test
+# draws the examples with; without it that check is skipped.
+vok_install_wavedrom() {
+    command -v npm >/dev/null || return 0
+    [ -d "$(npm root -g)/wavedrom" ] && return 0
+    local sudo=""
+    [ "$(id -u)" -ne 0 ] && sudo="sudo"
+    $sudo npm install -g --no-audit --no-fund wavedrom@3 >/dev/null 2>&1 \
+        || echo "wavedrom not installed: the WaveJSON test will not draw the examples"
+}
+
 # vok_build DIR [cmake options...]: configure (once) and build into DIR.
 vok_build() {
     local dir=$1; shift

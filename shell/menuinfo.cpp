@@ -6,6 +6,7 @@ namespace kesu::toolvok {
 
 const vok_MenuInfo CResource::m_MenuInfo[] = {
     {20, QT_TRANSLATE_NOOP("VokGUI", "Export..."), QT_TRANSLATE_NOOP("VokGUI", "Export Waveform to File\nExport Waveform to File"), "", ""},
+    {26, QT_TRANSLATE_NOOP("VokGUI", "Import VCD..."), QT_TRANSLATE_NOOP("VokGUI", "Import a Value Change Dump as a New Document\nImport a Value Change Dump as a New Document"), "", ""},
     {37, QT_TRANSLATE_NOOP("VokGUI", "Edit Mode"), QT_TRANSLATE_NOOP("VokGUI", "Switch between Query Mode and Edit Mode\nSwitch between Query Mode and Edit Mode"), ":/images/edit_mode.png", "F2"},
     {38, QT_TRANSLATE_NOOP("VokGUI", "New Wave..."), QT_TRANSLATE_NOOP("VokGUI", "New Wave\nNew Wave"), ":/images/new_wave.png", ""},
     {39, QT_TRANSLATE_NOOP("VokGUI", "Import Wave..."), QT_TRANSLATE_NOOP("VokGUI", "Import Wave\nImport Wave"), "", ""},

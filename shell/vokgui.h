@@ -64,7 +64,7 @@ public:
     };
     // Identifiers of the tool's own actions.
     enum ActionId {
-        ActExport = 20, ActEditMode = 37, ActNewWave = 38, ActImportWave = 39, ActDupWave = 40,
+        ActExport = 20, ActImportVcd = 26, ActEditMode = 37, ActNewWave = 38, ActImportWave = 39, ActDupWave = 40,
         ActShowWave = 41, ActHideWave = 42, ActRemoveWave = 43, ActInsertPattern = 45,
         ActTimeSettings = 48, ActPlaceMarker = 65, ActHideMarker = 66, ActNextChange = 67,
         ActJumpMarker = 68, ActJumpTime = 69, ActJumpZero = 70, ActJumpEnd = 71, ActTickLeft = 72,
@@ -230,6 +230,8 @@ public Q_SLOTS:
     void changeReadonlyMode(bool readOnly);
     void onEditDataChanged();
     void fileExport();
+    // A value change dump as a new document (shell/vokgui_vcd.cpp).
+    void fileImportVcd();
     void filePageSetup();
     void filePrintPreview();
     void filePrint();
@@ -343,6 +345,8 @@ private:
     void mergeEditedRange(WaveData* wave, const SegmentRange& before);
     void mergeNeighbours(WaveData* wave, int from, int to);
     QString dialogFolder() const;
+    // Shows the document just read or imported, fitted to the view.
+    void showDocument();
     bool askToSave();
 
     // Host contract state.

@@ -33,6 +33,7 @@ void VokGUI::buildMenuLists()
         return s;
     };
     m_menuItems[FileMenu] = {action(ActExport)};
+    m_menuItems[FileMenu].prepend(action(ActImportVcd));
     m_menuItems[EditMenu] = {action(ActEditMode), separator(), action(ActNewWave), action(ActImportWave),
                              action(ActDupWave), action(ActShowWave), action(ActHideWave),
                              action(ActRemoveWave), separator(), action(ActTimeSettings)};
@@ -150,6 +151,7 @@ void VokGUI::wireTableActions()
     struct Wiring { int id; void (VokGUI::*slot)(); void (VokGUI::*enabler)(bool); };
     const Wiring wiring[] = {
         {ActExport, &VokGUI::fileExport, nullptr},
+        {ActImportVcd, &VokGUI::fileImportVcd, nullptr},
         {ActNewWave, &VokGUI::newWave, &VokGUI::editAvailable},
         {ActImportWave, &VokGUI::importWave, &VokGUI::editAvailable},
         {ActDupWave, &VokGUI::dupWave, &VokGUI::activeWaveChanged},

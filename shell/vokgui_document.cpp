@@ -16,6 +16,12 @@ namespace kesu::toolvok {
 bool VokGUI::loadData(QFile& file)
 {
     m_data->loadData(file);
+    showDocument();
+    return file.error() == QFileDevice::NoError;
+}
+
+void VokGUI::showDocument()
+{
     m_viewEndTime = m_data->endTime;
     // Either 1 or 2000, whatever it was before: the fit below sets the real step.
     m_viewport.step = 2000;
@@ -27,7 +33,6 @@ bool VokGUI::loadData(QFile& file)
     m_ruler->update();
     m_waveView->update();
     viewZoomfit();
-    return file.error() == QFileDevice::NoError;
 }
 
 bool VokGUI::saveData(QIODevice& file)

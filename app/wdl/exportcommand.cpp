@@ -19,6 +19,7 @@ const ExportType exportTypes[] = {
     {"vht", "-vhdl93", "VHDL test vectors"},
     {"tb", "-vhdl94", "VHDL test bench"},
     {"vcd", "-vcd", "value change dump"},
+    {"wavejson", "-wavejson", "WaveJSON for WaveDrom"},
 };
 
 const ExportType* exportType(const QString& text)

@@ -21,8 +21,11 @@ const Command commands[] = {
     {"format", formatCommand, "format FILE   print the document as the editor saves it"},
     {"export", exportCommand,
      "export TYPE FILE -out=OUTPUT\n"
-     "                write the document as TYPE: tf, vht, tb or vcd\n"
+     "                write the document as TYPE: tf, vht, tb, vcd or wavejson\n"
      "  export --list name the export types"},
+    {"import-vcd", importVcdCommand,
+     "import-vcd FILE.vcd -out=DOC.wdl [--signals a,b,...] [--from TIME] [--to TIME]\n"
+     "                make a value change dump a document"},
 };
 
 QString helpText()

@@ -39,5 +39,6 @@ struct Command {
 int dumpCommand(const QStringList& args);
 int formatCommand(const QStringList& args);
 int exportCommand(const QStringList& args);
+int importVcdCommand(const QStringList& args);
 
 } // namespace wdl

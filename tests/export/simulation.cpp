@@ -1,7 +1,9 @@
 #include "simulation.h"
 
 #include "exportwaveforms.h"
+#include "vcdreader.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -44,18 +46,6 @@ int exportFile(const char* option, const QString& input, const QString& output)
 
 namespace {
 
-// "100ps" or "1 fs" in femtoseconds.
-quint64 femtosecondsPer(const QByteArray& timescale)
-{
-    static const QStringList units{"fs", "ps", "ns", "us", "ms", "s"};
-    const QRegularExpressionMatch match =
-        QRegularExpression(QStringLiteral("^([0-9]+)([a-z]+)$")).match(QString::fromLatin1(timescale).remove(' '));
-    quint64 scale = match.captured(1).toULongLong();
-    for (qsizetype i = units.indexOf(match.captured(2)); i > 0; --i)
-        scale *= 1000;
-    return scale;
-}
-
 // Names as both simulators and our own VCD spell them, vector ranges
 // included: escapes, blanks and case left out, and the range of one bit,
 // which iverilog leaves out.
@@ -68,8 +58,6 @@ QByteArray nameKey(const QByteArray& name)
 QByteArray fullWidth(QByteArray value, int width)
 {
     value = value.toLower();
-    if (value.startsWith('b'))
-        value.remove(0, 1);
     const char fill = value.startsWith('1') ? '0' : value.at(0);
     return QByteArray(width - value.size(), fill) + value;
 }
@@ -78,49 +66,36 @@ QByteArray fullWidth(QByteArray value, int width)
 
 Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime)
 {
-    const QList<QByteArray> words = text.simplified().split(' ');
-    QMap<QByteArray, std::pair<QByteArray, int>> vars;   // code -> name, width
+    QBuffer buffer;
+    buffer.setData(text);
+    buffer.open(QIODevice::ReadOnly);
+    kesu::toolvok::VcdReader reader(buffer);
     Dump dump;
-    quint64 scale = 1;
-    quint64 time = 0;
-    auto change = [&](const QByteArray& code, const QByteArray& value) {
-        const auto var = vars.value(code);
+    if (!reader.readHeader()) {
+        qWarning("%s", qPrintable(reader.error()));
+        return dump;
+    }
+    quint64 scale = quint64(reader.unitMagnitude());
+    for (int e = reader.unitExponent(); e < 15; ++e)
+        scale *= 10;
+    std::vector<std::pair<QByteArray, int>> vars(size_t(reader.codeCount()));   // by code: name, width
+    for (const kesu::toolvok::VcdVariable& var : reader.variables())
+        vars[size_t(var.code)] = {nameKey(var.reference + var.range), var.width};
+    for (auto item = reader.next(); item != kesu::toolvok::VcdReader::End; item = reader.next()) {
+        const quint64 time = reader.time() * scale;
+        if (lastTime)
+            *lastTime = time;
+        if (item != kesu::toolvok::VcdReader::Change)
+            continue;
+        const auto& var = vars[size_t(reader.code())];
         Changes& changes = dump[var.first];
         if (time >= end)
-            return;
+            continue;
         if (!changes.empty() && changes.back().first == time)
             changes.pop_back();
-        const QByteArray full = fullWidth(value, var.second);
+        const QByteArray full = fullWidth(QByteArray(reader.value().data(), qsizetype(reader.value().size())), var.second);
         if (changes.empty() || changes.back().second != full)
             changes.emplace_back(time, full);
-    };
-    for (qsizetype i = 0; i < words.size(); ++i) {
-        const QByteArray& w = words.at(i);
-        if (w == "$timescale") {
-            QByteArray scaleText;
-            while (words.at(++i) != "$end")
-                scaleText += words.at(i);
-            scale = femtosecondsPer(scaleText);
-        } else if (w == "$var") {
-            const int width = words.at(i + 2).toInt();
-            const QByteArray code = words.at(i + 3);
-            QByteArray name;
-            for (i += 4; words.at(i) != "$end"; ++i)
-                name += words.at(i);
-            vars.insert(code, {nameKey(name), width});
-        } else if (w == "$comment" || w == "$version" || w == "$date") {
-            while (words.at(i) != "$end")
-                ++i;
-        } else if (w.startsWith('#')) {
-            time = w.mid(1).toULongLong() * scale;
-            if (lastTime)
-                *lastTime = time;
-        } else if (w.startsWith('b') || w.startsWith('B')) {
-            change(words.at(i + 1), w);
-            ++i;
-        } else if (!w.isEmpty() && !w.startsWith('$') && vars.contains(w.mid(1))) {
-            change(w.mid(1), w.left(1));
-        }
     }
     return dump;
 }

@@ -3,6 +3,7 @@
 // dialog, and every dialog's help.
 #include "basehelp.h"
 #include "importdlg.h"
+#include "importvcddlg.h"
 #include "newwavedlg.h"
 #include "settimedlg.h"
 #include "wavedata.h"
@@ -17,6 +18,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QDialogButtonBox>
 #include <QListView>
 #include <QStandardItemModel>
@@ -169,6 +172,71 @@ private Q_SLOTS:
             QCOMPARE(listRows(), 10);
             gui->undoStack()->redo();
         }
+    }
+
+    // File > Import VCD: the dump as a new untitled document, after the
+    // changes of the old one were offered for saving; a faulty dump or a
+    // Cancel leaves the document as it was.
+    void importVcd_data()
+    {
+        QTest::addColumn<QByteArray>("vcd");
+        QTest::addColumn<QString>("steps");      // -name unticks, from:T and to:T type; "edit" changes the document first
+        QTest::addColumn<QString>("outcome");    // the waves, the unit and the end, or the message shown
+        const QByteArray vcd = "$timescale 10ns $end\n$scope module top $end\n$var wire 1 ! clk $end\n"
+                               "$var reg 4 # d [3:0] $end\n$var real 64 % r $end\n$upscope $end\n$enddefinitions $end\n"
+                               "#0\n0!\nb0 #\n#2\n1!\nbz #\n#4\n";
+        QTest::newRow("every signal") << vcd << "" << "clk:0 d[3:0]:0 unit 9 end 40";
+        QTest::newRow("one, cropped") << vcd << "-top.d[3:0] from:10ns to:3" << "clk:0 unit 9 end 20";
+        QTest::newRow("changes kept") << vcd << "edit cancel" << "unchanged";
+        QTest::newRow("faulty dump") << vcd.left(60) << "" << "Cannot import @: line 3: $var has no $end";
+    }
+    void importVcd()
+    {
+        QFETCH(QByteArray, vcd);
+        QFETCH(QString, steps);
+        QFETCH(QString, outcome);
+        auto gui = open();
+        QVERIFY(gui && toolfixture::writeFile(path("sim.vcd"), vcd));
+        if (steps.startsWith("edit"))
+            gui->SetDirtyBit();
+        QList<Answer> answers{choose(path("sim.vcd"))};
+        if (!outcome.startsWith("Cannot")) {
+            answers << act([&](QWidget* modal) {
+                auto* dialog = qobject_cast<ImportVcdDlg*>(modal);
+                QVERIFY(dialog);
+                auto* list = dialog->findChild<QListWidget*>();
+                QCOMPARE(list->item(2)->text(), QStringLiteral("top.r (real, not imported)"));
+                QTest::keyRelease(list, Qt::Key_F1);
+                QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/import_vcd.html"));
+                QVERIFY(list->whatsThis().size() > 40);
+                BaseHelp::helpWindow()->hide();
+                for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
+                    const QList<QLineEdit*> edits = dialog->findChildren<QLineEdit*>();
+                    if (step.startsWith('-'))
+                        list->findItems(step.mid(1), Qt::MatchExactly).value(0)->setCheckState(Qt::Unchecked);
+                    else if (step.startsWith("from:") || step.startsWith("to:"))
+                        edits.value(step.startsWith("to:"))->setText(step.section(':', 1));
+                }
+                dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+            });
+        }
+        if (outcome.startsWith("Cannot") || outcome == "unchanged")
+            answers << press(outcome == "unchanged" ? QMessageBox::Cancel : QMessageBox::Ok);
+        const QByteArray before = toolfixture::savedText(*gui);
+        ModalAnswerer answerer(answers);
+        gui->fileImportVcd();
+        VERIFY_ANSWERED(answerer);
+        if (outcome.startsWith("Cannot")) {
+            QCOMPARE(answerer.seen.value(1).text, outcome.replace('@', path("sim.vcd")));
+        } else if (outcome == "unchanged") {
+            QCOMPARE(answerer.seen.value(2).text, QStringLiteral("Do you want to save your changes?"));
+        } else {
+            const WaveformData* doc = gui->document();
+            QCOMPARE(QStringLiteral("%1 unit %2 end %3").arg(names(doc->waves)).arg(doc->smallestUnit).arg(doc->endTime), outcome);
+            QVERIFY(gui->isModified() && gui->fullFileName().isEmpty() && gui->windowTitle().contains("Untitled"));
+            return;
+        }
+        QCOMPARE(toolfixture::savedText(*gui), before);
     }
 
     void showAndRemove_data()

@@ -1,0 +1,151 @@
+// `wdl import-vcd` beside GTKWave's vcd2fst on the same dump: the benchmark
+// document (1,000 waves of 10,000 segments by default) exported as a VCD,
+// then each program run under /usr/bin/time -v, turn about, and the median
+// wall time and peak memory of each printed. A last run imports three
+// signals only, which must cost memory for their segments, not the file.
+//
+//   bench_vcdimport [--waves N] [--segments M] [--repeat R] [--dump FILE]
+//
+// --dump keeps the VCD in FILE, and uses FILE as it is when it exists.
+#include "exportwaveforms.h"
+#include "generated_document.h"
+#include "waveformdata.h"
+#include "wavewriter.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+using namespace kesu::toolvok;
+
+namespace {
+
+struct Measure {
+    double seconds = 0;
+    double cpu = 0;   // user and system: steadier than the wall clock on a shared machine
+    double peakMb = 0;
+    bool ok = false;
+};
+
+// "Elapsed (wall clock) time (h:mm:ss or m:ss): 0:03.21" and
+// "Maximum resident set size (kbytes): 12345" from time -v.
+Measure timed(const QString& program, const QStringList& args)
+{
+    QProcess process;
+    process.start(QStringLiteral("/usr/bin/time"), QStringList{"-v", program} + args);
+    Measure m;
+    if (!process.waitForFinished(-1))
+        return m;
+    const QString report = QString::fromLocal8Bit(process.readAllStandardError());
+    const QRegularExpressionMatch wall =
+        QRegularExpression(QStringLiteral("Elapsed \\(wall clock\\).*: (?:(\\d+):)?(\\d+):([\\d.]+)")).match(report);
+    const QRegularExpressionMatch peak = QRegularExpression(QStringLiteral("Maximum resident set size.*: (\\d+)")).match(report);
+    m.ok = process.exitCode() == 0 && wall.hasMatch() && peak.hasMatch();
+    m.seconds = wall.captured(1).toDouble() * 3600 + wall.captured(2).toDouble() * 60 + wall.captured(3).toDouble();
+    m.peakMb = peak.captured(1).toDouble() / 1024;
+    for (const char* kind : {"User", "System"}) {
+        const QRegularExpression line(QStringLiteral("%1 time \\(seconds\\): ([\\d.]+)").arg(QLatin1String(kind)));
+        m.cpu += line.match(report).captured(1).toDouble();
+    }
+    if (!m.ok)
+        std::fprintf(stderr, "%s failed:\n%s\n", qPrintable(program), qPrintable(report));
+    return m;
+}
+
+Measure median(std::vector<Measure> runs)
+{
+    std::sort(runs.begin(), runs.end(), [](const Measure& a, const Measure& b) { return a.seconds < b.seconds; });
+    return runs[runs.size() / 2];
+}
+
+bool writeDump(const QString& dump, qint64 waves, qint64 segments, const QDir& scratch)
+{
+    const QString document = scratch.filePath(QStringLiteral("bench.wdl"));
+    {
+        WaveformData generated;
+        generated.endTime = quint64(segments + 1) * 1000;
+        for (qint64 i = 0; i < waves; ++i)
+            generated.addWave(makeGeneratedWave(1, i, segments).release());
+        QFile file(document);
+        if (!file.open(QIODevice::WriteOnly) || !writeWaveform(generated, file))
+            return false;
+    }
+    QByteArray args[] = {"-vcd", document.toLocal8Bit(), "-out=" + dump.toLocal8Bit()};
+    char* argv[] = {args[0].data(), args[1].data(), args[2].data()};
+    return ExportWaveforms(3, argv) == 0;
+}
+
+// Value changes: the lines that are neither time stamps nor declarations.
+qint64 changesIn(const QString& dump)
+{
+    QFile file(dump);
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    qint64 changes = 0;
+    bool body = false;
+    char line[4096];
+    for (qint64 n; (n = file.readLine(line, sizeof line)) > 0;) {
+        if (!body)
+            body = std::strncmp(line, "$enddefinitions", 15) == 0;
+        else if (line[0] != '#' && line[0] != '$')
+            ++changes;
+    }
+    return changes;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qint64 waves = 1000, segments = 10000;
+    int repeat = 3;
+    QString kept;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        if (!std::strcmp(argv[i], "--waves"))
+            waves = std::atoll(argv[i + 1]);
+        else if (!std::strcmp(argv[i], "--segments"))
+            segments = std::atoll(argv[i + 1]);
+        else if (!std::strcmp(argv[i], "--repeat"))
+            repeat = std::max(1, std::atoi(argv[i + 1]));
+        else if (!std::strcmp(argv[i], "--dump"))
+            kept = QString::fromLocal8Bit(argv[i + 1]);
+    }
+    QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/bench_vcdimport-XXXXXX"));
+    const QString dump = kept.isEmpty() ? dir.filePath(QStringLiteral("bench.vcd")) : kept;
+    if (!QFile::exists(dump) && !writeDump(dump, waves, segments, QDir(dir.path()))) {
+        std::fprintf(stderr, "bench_vcdimport: cannot write %s\n", qPrintable(dump));
+        return 1;
+    }
+    std::printf("%s: %.0f MB, %lld value changes, median of %d runs\n\n", qPrintable(QFileInfo(dump).fileName()),
+                double(QFile(dump).size()) / 1e6, qlonglong(changesIn(dump)), repeat);
+
+    const QString wdl = QStringLiteral(VOK_WDL_PATH);
+    const QString imported = dir.filePath(QStringLiteral("imported.wdl"));
+    const QString fst = dir.filePath(QStringLiteral("bench.fst"));
+    std::vector<Measure> ours, theirs;
+    for (int r = 0; r < repeat; ++r) {
+        ours.push_back(timed(wdl, {"import-vcd", dump, "-out=" + imported}));
+        theirs.push_back(timed(QStringLiteral("vcd2fst"), {dump, fst}));
+    }
+    const Measure three = timed(wdl, {"import-vcd", dump, "-out=" + imported, "--signals", "sig0,sig1,data3"});
+    std::printf("%-32s %9s %10s %10s\n", "job", "time", "processor", "peak");
+    const std::pair<const char*, Measure> rows[] = {
+        {"wdl import-vcd, every signal", median(ours)},
+        {"vcd2fst", median(theirs)},
+        {"wdl import-vcd, three signals", three},
+    };
+    bool ok = true;
+    for (const auto& [name, m] : rows) {
+        std::printf("%-32s %8.2fs %9.2fs %7.0f MB%s\n", name, m.seconds, m.cpu, m.peakMb, m.ok ? "" : "  FAILED");
+        ok = ok && m.ok;
+    }
+    return ok ? 0 : 1;
+}

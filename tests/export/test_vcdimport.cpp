@@ -1,0 +1,261 @@
+// VCD in and WaveJSON out, through `wdl`: dumps of iverilog and GHDL and our
+// own VCD export come back as the same waves, options and faults of a dump
+// give exact documents or errors with their line, and the examples' WaveJSON
+// is what the expected files hold and what a WaveDrom renderer draws.
+#include "simulation.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+const QByteArray vcdHead = "$timescale 1 ns $end\n$scope module top $end\n$var wire 1 ! clk $end\n"
+                           "$var reg 4 # d [3:0] $end\n$var real 64 % r $end\n$upscope $end\n$enddefinitions $end\n";
+const QByteArray vcdBody = "#0\n$dumpvars\n0!\nbxxxx #\nr0.5 %\n$end\n#5\n1!\nb1010 #\n#10\n0!\nb1z1z #\n"
+                           "#15\nb1 #\nU!\n#20\nH!\nbzzzz #\n#30\n";
+
+Run wdl(const QString& dir, const QStringList& args)
+{
+    return runProgram(dir, QStringLiteral(VOK_WDL_PATH), args);
+}
+
+// The document's lines from the first wave on, after its time settings.
+QByteArray wavesOf(const QByteArray& document)
+{
+    const QList<QByteArray> lines = document.split('\n');
+    return lines.mid(1, 4).join(' ') + '\n' + lines.mid(5).join('\n');
+}
+
+} // namespace
+
+class TestVcdImport : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir tmp_;
+
+    QString file(const QString& name) const { return tmp_.filePath(name); }
+
+private Q_SLOTS:
+    // Export, import, export again: the two dumps hold the same changes.
+    void ownExportComesBack_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        for (const char* name : {"counter.wdl", "cpu_bus.wdl"})
+            QTest::newRow(name) << readFile(exampleFile(QLatin1String(name)));
+        const QByteArray waves = "a.b { A I Default NRZ 7 1 50 } = 1 5 3 4 0 6(2 3 1 2)##;\n"
+                                 "[one0...one0] { A O Default NRZ 0 1 50 } = 1 3 0 9;\n"
+                                 "e[p,q,r] { A B Default NRZ 2 1 50 } = 5 4 5 4 HighZ 8 DonTCare 3 7 2;\n"
+                                 "w[0:69] { A I Default NRZ 0 1 50 } = 3FFFFFFFFFFFFFFFFF 4 0 5;\n";
+        // Several megabytes: words cross the reader's buffer.
+        QByteArray wide = "%ENDTIME = 0;\nh[255:0] { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < 20000; ++i)
+            wide += ' ' + QByteArray::number(0x9e3779b97f4a7c15ULL * quint64(i + 1), 16) + ' ' + QByteArray::number(i % 7 + 1);
+        QTest::newRow("a long dump") << wide + ";\n";
+        for (const auto& [unit, decimals] : {std::pair{12, 3}, {9, 1}, {3, 0}, {6, 2}}) {
+            QTest::addRow("unit %d, %d decimals", unit, decimals)
+                << "%SMALLESTUNIT = " + QByteArray::number(unit) + ";\n%DECIMALS = " + QByteArray::number(decimals)
+                       + ";\n%ENDTIME = 60;\n" + waves;
+        }
+    }
+    void ownExportComesBack()
+    {
+        QFETCH(QByteArray, document);
+        QVERIFY(writeFile(file("doc.wdl"), document));
+        QCOMPARE(exportFile("-vcd", file("doc.wdl"), file("doc.vcd")), 0);
+        const Run run = wdl(tmp_.path(), {"import-vcd", "doc.vcd", "-out=back.wdl"});
+        QVERIFY2(run.code == 0 && run.output.isEmpty(), run.output.constData());
+        QCOMPARE(exportFile("-vcd", file("back.wdl"), file("back.vcd")), 0);
+        quint64 end = 0, backEnd = 0;
+        const Dump before = readVcd(readFile(file("doc.vcd")), ~quint64(0), &end);
+        const Dump after = readVcd(readFile(file("back.vcd")), ~quint64(0), &backEnd);
+        QCOMPARE(backEnd, end);
+        const QString difference = differenceOf(before, after);
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    // A small design run by each simulator, dumped, imported and exported:
+    // every change the simulator dumped is in our dump, the real left out.
+    void simulatorDumpsComeIn_data()
+    {
+        QTest::addColumn<QString>("simulator");
+        QTest::addColumn<QByteArray>("source");
+        QTest::addColumn<QByteArray>("skipped");
+        QTest::newRow("iverilog") << "iverilog" << QByteArray(
+            "`timescale 1ns/100ps\nmodule top;\n  reg clk = 0;\n  reg [7:0] d;\n  wire [0:3] w;\n  real r = 1.5;\n"
+            "  assign w = clk ? 4'b1001 : 4'bzzzz;\n  always #2.5 clk = !clk;\n"
+            "  initial begin\n    $dumpfile(\"sim.vcd\");\n    $dumpvars(0, top);\n"
+            "    #3.3 d = 8'hA5;\n    #4 d = 8'bxxxxxxxx;\n    #1.1 d = 8'h0F; r = 2.5;\n    #10 $finish;\n  end\nendmodule\n")
+                                  << QByteArray("skipped the real variable top.r");
+        QTest::newRow("ghdl") << "ghdl" << QByteArray(
+            "library ieee;\nuse ieee.std_logic_1164.all;\nentity top is\nend entity;\narchitecture sim of top is\n"
+            "  signal clk : std_logic := '0';\n  signal d : std_logic_vector(7 downto 0) := (others => '0');\n"
+            "  signal r : real := 1.5;\nbegin\n  clk <= not clk after 5 ns when now < 40 ns;\n"
+            "  process begin\n    wait for 7 ns; d <= x\"A5\";\n    wait for 8 ns; d <= (others => 'Z');\n"
+            "    wait for 2 ns; d <= x\"3C\"; r <= 2.5;\n    wait;\n  end process;\nend architecture;\n")
+                              << QByteArray("skipped the real variable top.r");
+    }
+    void simulatorDumpsComeIn()
+    {
+        QFETCH(QString, simulator);
+        QFETCH(QByteArray, source);
+        QFETCH(QByteArray, skipped);
+        const QString dir = file(simulator);
+        QVERIFY(QDir().mkpath(dir));
+        Run run;
+        if (simulator == QLatin1String("iverilog")) {
+            QVERIFY(writeFile(dir + "/top.v", source));
+            run = runProgram(dir, simulator, {"-o", "sim.vvp", "top.v"});
+            QVERIFY2(run.code == 0, run.output.constData());
+            run = runProgram(dir, QStringLiteral("vvp"), {"-n", "sim.vvp"});
+            QVERIFY2(run.code == 0, run.output.constData());
+        } else {
+            QVERIFY(writeFile(dir + "/top.vhd", source));
+            const QString failed = runGhdl(dir, QStringLiteral("08"), {"top.vhd"}, "top", {"--vcd=sim.vcd"}, run);
+            QVERIFY2(failed.isEmpty(), qPrintable(failed));
+        }
+        run = wdl(dir, {"import-vcd", "sim.vcd", "-out=sim.wdl"});
+        QVERIFY2(run.code == 0 && run.output.contains(skipped), run.output.constData());
+        QCOMPARE(exportFile("-vcd", dir + "/sim.wdl", dir + "/back.vcd"), 0);
+        // A change at the last time stamp, where the document ends, lasts no time.
+        quint64 end = 0;
+        readVcd(readFile(dir + "/sim.vcd"), ~quint64(0), &end);
+        Dump simulated = readVcd(readFile(dir + "/sim.vcd"), end);
+        QCOMPARE(simulated.remove("r"), 1);
+        const QString difference = differenceOf(simulated, readVcd(readFile(dir + "/back.vcd"), end));
+        QVERIFY2(difference.isEmpty(), qPrintable(difference));
+    }
+
+    // What a dump and the options make: the time settings and the waves as
+    // saved, or the one line that says what is wrong (and no document).
+    void importsExactly_data()
+    {
+        QTest::addColumn<QByteArray>("vcd");
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QByteArray>("expected");   // from %SMALLESTUNIT on, or stderr of a failure
+        const QByteArray dump = vcdHead + vcdBody;
+        QTest::newRow("all") << dump << QStringList{} << QByteArray(
+            "%SMALLESTUNIT = 9; %AUTOASSIGN = 0; %DECIMALS = 0; %ENDTIME = 30;\n"
+            "clk { A I Default NRZ 0 1 50 } = 0 5 1 5 0 5 2 5 1 10;\n"
+            "d[3:0] { A I Default NRZ 5 1 50 } = A 5 DonTCare 5 1 5 HighZ 10;\n");
+        QTest::newRow("chosen and cropped, 10 ns") << QByteArray(dump).replace("1 ns", "10ns")
+            << QStringList{"--signals", "top.d,clk", "--from", "80 ns", "--to", "25"} << QByteArray(
+            "%SMALLESTUNIT = 9; %AUTOASSIGN = 0; %DECIMALS = 0; %ENDTIME = 170;\n"
+            "clk { A I Default NRZ 0 1 50 } = 1 20 0 50 2 50 1 50;\n"
+            "d[3:0] { A I Default NRZ 0 1 50 } = A 20 DonTCare 50 1 50 HighZ 50;\n");
+        QTest::newRow("1 fs, one-bit range") << QByteArray("$timescale 1fs $end\n$var reg 1 a v[2] $end\n$enddefinitions $end\n#3\n1a\n#9\n")
+            << QStringList{} << QByteArray("%SMALLESTUNIT = 12; %AUTOASSIGN = 0; %DECIMALS = 3; %ENDTIME = 9;\n"
+                                           "v[2:2] { A I Default NRZ 3 1 50 } = 1 6;\n");
+        QTest::newRow("the real alone") << dump << QStringList{"--signals", "r"}
+            << QByteArray("skipped the real variable top.r\nthe dump has no variable of bits to import");
+        const std::pair<const char*, QByteArray> faults[] = {
+            {"line 7: the file ends before $enddefinitions", vcdHead.left(vcdHead.indexOf("$enddef"))},
+            {"line 1: the timescale \"3ns\" is not 1, 10 or 100 of s, ms, us, ns, ps or fs", "$timescale 3 ns $end\n"},
+            {"line 2: $var needs a type, a width of at least 1, a code and a name", "\n$var wire 0 ! a $end\n"},
+            {"line 1: \"x\" where a declaration was expected", "x"},
+            {"line 9: no variable has the code \"?\"", vcdHead + "#0\n1?\n"},
+            {"line 10: \"#1a\" is no time stamp", vcdHead + "#0\n1!\n#1a\n"},
+            {"line 9: the time goes back from 5 to 4", vcdHead + "#5\n#4\n"},
+            {"line 8: \"b102\" is no binary value", vcdHead + "b102 #\n"},
+            {"line 8: the value \"b10\" names no variable", vcdHead + "b10\n#3\n"},
+            {"line 8: 10101 is no value of the 4-bit d[3:0]", vcdHead + "b10101 #\n"},
+            {"line 8: \"$scope\" among the value changes", vcdHead + "$scope module x $end\n"},
+            {"line 8: $comment has no $end", vcdHead + "$comment unfinished\n"},
+            {"the dump has no variable q", dump + "\n--signals=q,clk"},
+            {"1.5ns is no time in whole units of the dump (1 ns)", dump + "\n--from=1.5ns"},
+        };
+        for (const auto& [message, text] : faults) {
+            const qsizetype option = text.indexOf("\n--");
+            QTest::newRow(message) << (option < 0 ? text : text.left(option)) << (option < 0 ? QStringList{} : QStringList{text.mid(option + 1)})
+                                   << QByteArray(message);
+        }
+    }
+    void importsExactly()
+    {
+        QFETCH(QByteArray, vcd);
+        QFETCH(QStringList, options);
+        QFETCH(QByteArray, expected);
+        QVERIFY(writeFile(file("in.vcd"), vcd));
+        QFile::remove(file("out.wdl"));
+        const Run run = wdl(tmp_.path(), QStringList{"import-vcd", "in.vcd", "-out=out.wdl"} + options);
+        if (expected.startsWith('%')) {
+            QVERIFY2(run.code == 0, run.output.constData());
+            QCOMPARE(wavesOf(readFile(file("out.wdl"))), expected);
+        } else {
+            QCOMPARE(run.code, 1);
+            // Notes on what was left out may come first.
+            QVERIFY2(run.output.endsWith("wdl: in.vcd: " + expected.replace("\n", "\nwdl: in.vcd: ") + '\n'),
+                     run.output.constData());
+            QVERIFY(!QFileInfo::exists(file("out.wdl")));
+        }
+    }
+
+    // Each wave in steps of the common divisor: x before the offset, each
+    // bus segment an "=" even where its value repeats, tails up to the end.
+    void waveJsonLanes_data()
+    {
+        QTest::addColumn<QByteArray>("document");
+        QTest::addColumn<QByteArray>("lanes");
+        QTest::newRow("offset and z") << QByteArray("%ENDTIME = 20;\na { A I Default NRZ 5 1 50 } = 1 5 3 5 0 5;\n")
+                                      << QByteArray("{\"name\": \"a\", \"wave\": \"x1z0\"}], step 5 ps");
+        QTest::newRow("bus") << QByteArray("%ENDTIME = 40;\nd[7:0] { A I Default NRZ 0 1 50 } = 5A 10 5A 10 DonTCare 10;\n")
+                             << QByteArray("{\"name\": \"d[7:0]\", \"wave\": \"==x.\", \"data\": [\"5A\", \"5A\"]}], step 10 ps");
+        QTest::newRow("tail, a quote") << QByteArray("%ENDTIME = 12;\nsay\"c { A I Default NRZ 0 1 50 } =(1 2 0 4)##;\n")
+                                       << QByteArray("{\"name\": \"say\\\"c\", \"wave\": \"10.10.\"}], step 2 ps");
+        QTest::newRow("tenths of a ns") << QByteArray("%SMALLESTUNIT = 9;\n%DECIMALS = 1;\n%ENDTIME = 30;\n"
+                                                      "a { A I Default NRZ 0 1 50 } = 1 10 0 20;\n")
+                                        << QByteArray("{\"name\": \"a\", \"wave\": \"10.\"}], step 1 ns");
+    }
+    void waveJsonLanes()
+    {
+        QFETCH(QByteArray, document);
+        QFETCH(QByteArray, lanes);
+        QVERIFY(writeFile(file("lanes.wdl"), document));
+        QCOMPARE(exportFile("-wavejson", file("lanes.wdl"), file("lanes.json")), 0);
+        QCOMPARE(readFile(file("lanes.json")).replace("\n", "").replace(",\"foot\": {\"text\": \"", ", "),
+                 "{\"signal\": [  " + lanes + "\"}}");
+    }
+
+    // The examples' WaveJSON as expected; every wave as long as the others
+    // and one datum for each "="; drawn by WaveDrom where it is installed.
+    void waveJsonOfTheExamples_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("counter") << "counter";
+        QTest::newRow("cpu_bus") << "cpu_bus";
+    }
+    void waveJsonOfTheExamples()
+    {
+        QFETCH(QString, name);
+        const QString json = file(name + ".json");
+        const Run run = wdl(tmp_.path(), {"export", "wavejson", exampleFile(name + ".wdl"), "-out=" + json});
+        QVERIFY2(run.code == 0, run.output.constData());
+        QCOMPARE(readFile(json), readFile(QStringLiteral(VOK_SOURCE_DIR "/tests/export/data/") + name + ".json"));
+        const QJsonArray lanes = QJsonDocument::fromJson(readFile(json)).object().value("signal").toArray();
+        QVERIFY(!lanes.isEmpty());
+        for (const QJsonValue& lane : lanes) {
+            const QString wave = lane["wave"].toString();
+            QCOMPARE(wave.size(), lanes[0]["wave"].toString().size());
+            QCOMPARE(wave.count(QLatin1Char('=')), lane["data"].toArray().size());
+        }
+        const Run root = runProgram(tmp_.path(), QStringLiteral("npm"), {"root", "-g"});
+        const QString modules = QString::fromLocal8Bit(root.output).trimmed();
+        if (root.code != 0 || !QFileInfo::exists(modules + "/wavedrom"))
+            QSKIP("the wavedrom package is not installed (npm install -g wavedrom)");
+        QVERIFY(writeFile(file("render.js"),
+            "const w = require('" + modules.toUtf8() + "/wavedrom');\nconst src = require(process.argv[2]);\n"
+            "process.stdout.write(w.onml.stringify(w.renderAny(0, src, w.waveSkin)));\n"));
+        const Run drawn = runProgram(tmp_.path(), QStringLiteral("node"), {"render.js", json});
+        QVERIFY2(drawn.code == 0 && drawn.output.startsWith("<svg"), drawn.output.left(2000).constData());
+        for (const QJsonValue& lane : lanes)
+            QVERIFY2(drawn.output.contains(">" + lane["name"].toString().toUtf8() + "<"), qPrintable(lane["name"].toString()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestVcdImport)
+#include "test_vcdimport.moc"
