@@ -3,6 +3,7 @@
 #include "basguitool.h"
 #include "pattern.h"
 #include "printsettings.h"
+#include "rowstyle.h"
 #include "selection.h"
 #include "viewport.h"
 
@@ -104,6 +105,9 @@ public:
     QString getTimeString(quint64 t, bool withUnit) const;
     quint64 convertTime(bool& ok, const QString& text) const;
     QString getBusValueString(const std::string& value, int width) const;
+    // The colours and bus radix the waves are drawn with, in the wave font
+    // made from base.
+    RowStyle rowStyle(const QFont& base) const;
     quint64 getMaxEnd() const;
     quint64 getEndTime() const;
 

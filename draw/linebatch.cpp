@@ -1,4 +1,4 @@
-#include "waveview_batch.h"
+#include "linebatch.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -7,7 +7,7 @@
 
 namespace kesu::toolvok {
 
-WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
+LineBatch::LineBatch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
     : hatch(dontCare, Qt::BDiagPattern),
       dontCareDots(dontCare, 1, Qt::DotLine),
       highZPen(QColor(Qt::gray)),
@@ -23,7 +23,7 @@ WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor&
     }
 }
 
-void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2)
+void LineBatch::line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2)
 {
     if (direct_) {
         painter_.setPen(QPen(color, width));
@@ -103,7 +103,7 @@ void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, in
     lines.push_back(slanted);
 }
 
-void WaveView::Batch::styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2)
+void LineBatch::styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2)
 {
     flush(layer);
     painter_.setPen(pen);
@@ -111,7 +111,7 @@ void WaveView::Batch::styledLine(int layer, const QPen& pen, int x1, int y1, int
     ++count_;
 }
 
-void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r)
+void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r)
 {
     // A fill without an outline and without width or height paints nothing.
     if (!direct_ && pen.style() == Qt::NoPen && (r.width() == 0 || r.height() == 0))
@@ -137,23 +137,31 @@ void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, cons
     ++count_;
 }
 
-void WaveView::Batch::cloneBlock(int layer, int x, int y, int width, int height)
+void LineBatch::cloneBlock(int layer, int x, int y, int width, int height)
 {
     if (!direct_ && (width == 0 || height == 0))
         return;
     flush(layer);
-    WaveView::drawCloneBlock(painter_, x, y, width, height);
+    drawCloneBlock(painter_, x, y, width, height);
     ++count_;
 }
 
-void WaveView::Batch::setTextColor(const QColor& color)
+void LineBatch::drawCloneBlock(QPainter& painter, int x, int y, int width, int height)
+{
+    static const QBrush clone(Qt::gray, Qt::Dense6Pattern);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(clone);
+    painter.drawRect(x, y, width, height);
+}
+
+void LineBatch::setTextColor(const QColor& color)
 {
     if (textPen_.color() != color || textPen_.style() != Qt::SolidLine)
         textPen_ = QPen(color);
     painter_.setPen(textPen_);
 }
 
-void WaveView::Batch::text(int layer, const QColor& color, int x, int y, const QString& text)
+void LineBatch::text(int layer, const QColor& color, int x, int y, const QString& text)
 {
     flush(layer);
     setTextColor(color);
@@ -161,7 +169,7 @@ void WaveView::Batch::text(int layer, const QColor& color, int x, int y, const Q
     ++count_;
 }
 
-void WaveView::Batch::letter(int layer, const QColor& color, int x, int y, Letter which)
+void LineBatch::letter(int layer, const QColor& color, int x, int y, Letter which)
 {
     if (direct_) {
         text(layer, color, x, y, letters_[which].text());
@@ -181,13 +189,13 @@ void WaveView::Batch::letter(int layer, const QColor& color, int x, int y, Lette
     ++count_;
 }
 
-void WaveView::Batch::flush(int layer)
+void LineBatch::flush(int layer)
 {
     if (layer < static_cast<int>(layers_.size()))
         flush(layers_[static_cast<size_t>(layer)]);
 }
 
-void WaveView::Batch::flush(Layer& l)
+void LineBatch::flush(Layer& l)
 {
     if (!l.lines.empty()) {
         if (l.merge && l.width == 1)
@@ -205,7 +213,7 @@ void WaveView::Batch::flush(Layer& l)
     l.others.clear();
 }
 
-void WaveView::Batch::fillStraight(Layer& l)
+void LineBatch::fillStraight(Layer& l)
 {
     // A solid one-pixel line along a pixel row or column covers exactly the
     // rectangle between its ends, and the raster engine fills rectangles far
@@ -242,7 +250,7 @@ void WaveView::Batch::fillStraight(Layer& l)
     count_ += static_cast<int>(rects_.size());
 }
 
-void WaveView::Batch::flushAll()
+void LineBatch::flushAll()
 {
     for (Layer& l : layers_)
         flush(l);
