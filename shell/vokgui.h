@@ -69,7 +69,8 @@ public:
         ActShowWave = 41, ActHideWave = 42, ActRemoveWave = 43, ActInsertPattern = 45,
         ActTimeSettings = 48, ActPlaceMarker = 65, ActHideMarker = 66, ActNextChange = 67,
         ActJumpMarker = 68, ActJumpTime = 69, ActJumpZero = 70, ActJumpEnd = 71, ActTickLeft = 72,
-        ActTickRight = 73, ActLeft10 = 74, ActRight10 = 75, ActOptions = 91
+        ActTickRight = 73, ActLeft10 = 74, ActRight10 = 75, ActOptions = 91,
+        ActExportImage = 92
     };
 
     VokGUI(QWidget* parent, QStringList files, QString& project, bool standalone);
@@ -234,6 +235,10 @@ public Q_SLOTS:
     void changeReadonlyMode(bool readOnly);
     void onEditDataChanged();
     void fileExport();
+    // File > Export Image...: asks for a .pdf, .svg or .png file name.
+    void fileExportImage();
+    // Writes the view's range as wdl render would; false after an error message.
+    bool exportImage(const QString& path);
     void filePageSetup();
     void filePrintPreview();
     void filePrint();

@@ -32,7 +32,7 @@ void VokGUI::buildMenuLists()
         s->setSeparator(true);
         return s;
     };
-    m_menuItems[FileMenu] = {action(ActExport)};
+    m_menuItems[FileMenu] = {action(ActExport), action(ActExportImage)};
     m_menuItems[EditMenu] = {action(ActEditMode), separator(), action(ActNewWave), action(ActImportWave),
                              action(ActDupWave), action(ActShowWave), action(ActHideWave),
                              action(ActRemoveWave), separator(), action(ActTimeSettings)};
@@ -150,6 +150,7 @@ void VokGUI::wireTableActions()
     struct Wiring { int id; void (VokGUI::*slot)(); void (VokGUI::*enabler)(bool); };
     const Wiring wiring[] = {
         {ActExport, &VokGUI::fileExport, nullptr},
+        {ActExportImage, &VokGUI::fileExportImage, nullptr},
         {ActNewWave, &VokGUI::newWave, &VokGUI::editAvailable},
         {ActImportWave, &VokGUI::importWave, &VokGUI::editAvailable},
         {ActDupWave, &VokGUI::dupWave, &VokGUI::activeWaveChanged},
