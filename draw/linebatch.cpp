@@ -1,6 +1,7 @@
 #include "linebatch.h"
 
 #include <QFontMetricsF>
+#include <QPaintEngine>
 #include <QPainter>
 
 #include <tuple>
@@ -14,7 +15,8 @@ LineBatch::LineBatch(QPainter& painter, int& count, bool direct, const QColor& d
       highZDots(QColor(Qt::gray), 1, Qt::DotLine),
       painter_(painter),
       count_(count),
-      direct_(direct)
+      direct_(direct),
+      raster_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Raster)
 {
     const QString texts[] = {QStringLiteral("X"), QStringLiteral("Z"), QStringLiteral("0")};
     for (int i = 0; i < 3; ++i) {
@@ -118,8 +120,9 @@ void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRec
         return;
     // The outline of a solid one-pixel pen is exactly its four sides, whatever
     // the rectangle's width (a high-impedance box narrower than a pixel has
-    // -1): gathered with the lines, they are filled instead of stroked.
-    if (!direct_ && brush.style() == Qt::NoBrush && pen.style() == Qt::SolidLine && pen.width() == 1
+    // -1): gathered with the lines, they are filled instead of stroked. Only
+    // pixels gain by it; a PDF or SVG would get four shapes for one.
+    if (!direct_ && raster_ && brush.style() == Qt::NoBrush && pen.style() == Qt::SolidLine && pen.width() == 1
         && pen.color().alpha() == 255) {
         const QColor color = pen.color();
         const int right = r.left() + r.width();
@@ -134,6 +137,10 @@ void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRec
     painter_.setPen(pen);
     painter_.setBrush(brush);
     painter_.drawRect(r);
+    // A PDF makes a pattern object for every pen or brush change under a
+    // patterned brush; text and lines after the box need no brush.
+    if (brush.style() != Qt::NoBrush)
+        painter_.setBrush(Qt::NoBrush);
     ++count_;
 }
 

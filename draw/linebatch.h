@@ -146,6 +146,8 @@ private:
     QPainter& painter_;
     int& count_;
     bool direct_;
+    // Drawing pixels, not shapes for a PDF or SVG file.
+    bool raster_;
     std::vector<Layer> layers_;
     std::vector<QRect> rects_;
     QPen textPen_;
