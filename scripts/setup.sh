@@ -10,6 +10,8 @@ VOK_PACKAGES=(
     xvfb xauth
     # the simulators the export tests run every export through
     iverilog verilator ghdl ghdl-mcode
+    # SVG pictures; pdfinfo checks the PDF pages in the tests
+    qt6-svg-dev poppler-utils
 )
 
 vok_install_packages() {

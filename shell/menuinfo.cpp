@@ -29,6 +29,7 @@ const vok_MenuInfo CResource::m_MenuInfo[] = {
     {74, QT_TRANSLATE_NOOP("VokGUI", "10 Left"), QT_TRANSLATE_NOOP("VokGUI", "Jump to 10 Left\nJump to 10 Left"), "", "Shift+Left"},
     {75, QT_TRANSLATE_NOOP("VokGUI", "10 Right"), QT_TRANSLATE_NOOP("VokGUI", "Jump to 10 Right\nJump to 10 Right"), "", "Shift+Right"},
     {91, QT_TRANSLATE_NOOP("VokGUI", "Options..."), QT_TRANSLATE_NOOP("VokGUI", "Options\nOptions"), "", ""},
+    {92, QT_TRANSLATE_NOOP("VokGUI", "Export Image..."), QT_TRANSLATE_NOOP("VokGUI", "Export the View as PDF, SVG or PNG\nExport the View as PDF, SVG or PNG"), "", ""},
 };
 
 int CResource::getSize()

@@ -3,6 +3,7 @@
 #include "basguitool.h"
 #include "pattern.h"
 #include "printsettings.h"
+#include "rowstyle.h"
 #include "selection.h"
 #include "viewport.h"
 
@@ -68,7 +69,8 @@ public:
         ActShowWave = 41, ActHideWave = 42, ActRemoveWave = 43, ActInsertPattern = 45,
         ActTimeSettings = 48, ActPlaceMarker = 65, ActHideMarker = 66, ActNextChange = 67,
         ActJumpMarker = 68, ActJumpTime = 69, ActJumpZero = 70, ActJumpEnd = 71, ActTickLeft = 72,
-        ActTickRight = 73, ActLeft10 = 74, ActRight10 = 75, ActOptions = 91
+        ActTickRight = 73, ActLeft10 = 74, ActRight10 = 75, ActOptions = 91,
+        ActExportImage = 92
     };
 
     VokGUI(QWidget* parent, QStringList files, QString& project, bool standalone);
@@ -104,6 +106,9 @@ public:
     QString getTimeString(quint64 t, bool withUnit) const;
     quint64 convertTime(bool& ok, const QString& text) const;
     QString getBusValueString(const std::string& value, int width) const;
+    // The colours and bus radix the waves are drawn with, in the wave font
+    // made from base.
+    RowStyle rowStyle(const QFont& base) const;
     quint64 getMaxEnd() const;
     quint64 getEndTime() const;
 
@@ -232,6 +237,10 @@ public Q_SLOTS:
     void fileExport();
     // A value change dump as a new document (shell/vokgui_vcd.cpp).
     void fileImportVcd();
+    // File > Export Image...: asks for a .pdf, .svg or .png file name.
+    void fileExportImage();
+    // Writes the view's range as wdl render would; false after an error message.
+    bool exportImage(const QString& path);
     void filePageSetup();
     void filePrintPreview();
     void filePrint();

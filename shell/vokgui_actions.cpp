@@ -32,7 +32,7 @@ void VokGUI::buildMenuLists()
         s->setSeparator(true);
         return s;
     };
-    m_menuItems[FileMenu] = {action(ActExport)};
+    m_menuItems[FileMenu] = {action(ActExport), action(ActExportImage)};
     m_menuItems[FileMenu].prepend(action(ActImportVcd));
     m_menuItems[EditMenu] = {action(ActEditMode), separator(), action(ActNewWave), action(ActImportWave),
                              action(ActDupWave), action(ActShowWave), action(ActHideWave),
@@ -152,6 +152,7 @@ void VokGUI::wireTableActions()
     const Wiring wiring[] = {
         {ActExport, &VokGUI::fileExport, nullptr},
         {ActImportVcd, &VokGUI::fileImportVcd, nullptr},
+        {ActExportImage, &VokGUI::fileExportImage, nullptr},
         {ActNewWave, &VokGUI::newWave, &VokGUI::editAvailable},
         {ActImportWave, &VokGUI::importWave, &VokGUI::editAvailable},
         {ActDupWave, &VokGUI::dupWave, &VokGUI::activeWaveChanged},

@@ -55,6 +55,17 @@ QString VokGUI::getBusValueString(const std::string& value, int width) const
     return TimeText::busValueString(value, width, m_busRadix);
 }
 
+RowStyle VokGUI::rowStyle(const QFont& base) const
+{
+    RowStyle style;
+    style.signal = color_signal;
+    style.bus = color_bus;
+    style.dontCare = color_x;
+    style.busRadix = m_busRadix;
+    style.font = RowStyle::waveFont(base);
+    return style;
+}
+
 quint64 VokGUI::getMaxEnd() const
 {
     return TimeText::maxEnd(*m_data);

@@ -7,7 +7,7 @@
 #include "selection.h"
 #include "vokgui.h"
 #include "waveformdata.h"
-#include "waveview_batch.h"
+#include "rowpainter.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -46,12 +46,9 @@ void WaveView::setMarkerTime(quint64 t)
 void WaveView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    QFont font = this->font();
-    font.setPointSize(8);
-    font.setFamily(QStringLiteral("Arial"));
-    font.setWeight(QFont::Bold);
-    painter.setFont(font);
-    fontSize = 8;
+    const RowStyle style = owner_->rowStyle(font());
+    painter.setFont(style.font);
+    fontSize = RowStyle::FontSize;
     vp_ = view();
     const quint64 startTime = vp_.startTime;
     const int firstVisibleRow = vp_.firstRow;
@@ -63,8 +60,10 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
 
     // directPaint draws every primitive on its own: the reference picture
     // the gathered painting must equal pixel for pixel.
-    Batch batch(painter, primitives_, property("directPaint").toBool(), owner_->color_x);
+    LineBatch batch(painter, primitives_, property("directPaint").toBool(), owner_->color_x);
     batch_ = &batch;
+    RowPainter row(batch, style, vp_);
+    row_ = &row;
 
     const int viewWidth = width();
     const int viewHeight = height();
@@ -84,9 +83,9 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
         // Below the bottom edge nothing shows.
         if (rowTop >= viewHeight)
             break;
-        highY = rowTop + Viewport::HighLevel;
-        lowY = rowTop + Viewport::LowLevel;
-        midY = rowTop + Viewport::MidLevel;
+        row.setTop(rowTop);
+        highY = row.highY();
+        lowY = row.lowY();
         xCursor = 0;
         rangeDrawn_ = false;
 
@@ -154,17 +153,25 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
     batch.rect(RowLayer, QPen(palette().dark().color()), Qt::NoBrush, QRect(0, 0, viewWidth - 1, viewHeight - 1));
     batch.flushAll();
     batch_ = nullptr;
+    row_ = nullptr;
 }
 
 void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from, int to)
 {
     // Called on its own, outside a paint, the wave still goes through a batch.
-    std::optional<Batch> own;
+    std::optional<LineBatch> own;
+    std::optional<RowStyle> ownStyle;
+    std::optional<RowPainter> ownRow;
     if (!batch_) {
         own.emplace(painter, primitives_, false, owner_->color_x);
         batch_ = &*own;
+        ownStyle.emplace(owner_->rowStyle(font()));
+        ownRow.emplace(*own, *ownStyle, vp_);
+        ownRow->setTop(rowTop);
+        row_ = &*ownRow;
     }
-    Batch& batch = *batch_;
+    LineBatch& batch = *batch_;
+    RowPainter& row = *row_;
 
     const quint64 startTime = vp_.startTime;
     const int firstVisibleRow = vp_.firstRow;
@@ -204,6 +211,9 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
     }
     // A clone block narrower than a pixel paints nothing, so clones collapse too.
     const bool columns = !batch.isDirect() && bitRows == 0 && !selecting;
+    RowPainter::Limit crowdLimit;
+    crowdLimit.picked = selection.picked;
+    crowdLimit.picked2 = selection.picked2;
     Pattern* const* list = wave->patterns.constData();
     for (int i = from; i < to; ++i) {
         Pattern* p = list[i];
@@ -234,8 +244,9 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
         }
         if (columns && x != 0.0f && px(x) == px(end) && x <= rightEdge) {
             exactTime_ = begin;
-            const int next = drawColumn(wave, i, to, px(x), prev, prevKind);
+            const int next = row.column(*wave, i, to, px(x), exactTime_, prev, prevKind, crowdLimit);
             if (next > i) {
+                xCursor = vp_.xAt(exactTime_);
                 i = next - 1;
                 continue;
             }
@@ -250,42 +261,16 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
             const bool shapes = left <= rightEdge;
             const bool dontCare = kind == Kind::DontCare;
             const bool highZ = kind == Kind::HighZ;
-            if (!bus) {
-                if (kind == Kind::One || kind == Kind::Zero) {
-                    levelY = kind == Kind::One ? highY : lowY;
-                    if (shapes) {
-                        if (clone)
-                            batch.cloneBlock(RowLayer, px(x), highY, px(x + w) - px(x), lowY - highY);
-                        const QColor& color = owner_->color_signal;
-                        if (x != 0.0f && !isSpecial(prevKind) && differs(kind, value, prevKind, *prev))
-                            batch.line(RowLayer, color, 1, px(x), highY, px(x), lowY);
-                        if (picked)
-                            batch.styledLine(RowLayer, QPen(color, 1, Qt::DotLine), px(x), levelY, px(x + w), levelY);
-                        else
-                            batch.line(RowLayer, color, 1, px(x), levelY, px(x + w), levelY);
-                    }
-                } else if (dontCare || highZ) {
-                    drawSpecialBox(RowLayer, dontCare, picked, shapes, x, w, highY, lowY);
-                }
-            } else if (busRowShown) {
-                if (clone && shapes)
+            const bool levels = kind == Kind::One || kind == Kind::Zero;
+            if (!bus || busRowShown) {
+                if (clone && shapes && (bus || levels))
                     batch.cloneBlock(RowLayer, px(x), highY, px(x + w) - px(x), lowY - highY);
-                if (dontCare || highZ) {
-                    drawSpecialBox(RowLayer, dontCare, picked, shapes, x, w, highY, lowY);
-                } else if (shapes) {
-                    const QColor& color = owner_->color_bus;
-                    const bool narrow = w < Viewport::PixelsPerStepF || picked;
-                    drawBusShape(RowLayer, color, picked, x, w, narrow, begin < startTime);
-                    // No text of one or more characters fits a pattern of a
-                    // font size or less, so its text is not even made.
-                    if (w > static_cast<float>(fontSize)) {
-                        const QString text = owner_->getBusValueString(value, wave->busWidth);
-                        const int length = static_cast<int>(text.length());
-                        if (static_cast<float>(fontSize * length) < w)
-                            batch.text(RowLayer, color, px(x + w / 2.0f - static_cast<float>(fontSize * length / 2)),
-                                       lowY - 8, text);
-                    }
-                }
+                RowPainter::Look look;
+                look.edge = x != 0.0f && RowPainter::edgeBefore(kind, value, prevKind, *prev);
+                look.startedLeft = begin < startTime;
+                look.picked = picked;
+                look.shapes = shapes;
+                row.segment(*wave, value, kind, x, w, look);
             }
 
             if (bitRows > 0) {
@@ -306,7 +291,7 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
                     const int high = top + Viewport::HighLevel;
                     const int low = top + Viewport::LowLevel;
                     if (dontCare || highZ) {
-                        drawSpecialBox(bitLayer(j), dontCare, picked, shapes, x, w, high, low);
+                        row.box(bitLayer(j), dontCare, picked, shapes, x, w, high, low);
                         continue;
                     }
                     if (!shapes)
@@ -354,6 +339,7 @@ void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from,
     if (own) {
         own->flushAll();
         batch_ = nullptr;
+        row_ = nullptr;
     }
 }
 

@@ -13,7 +13,9 @@ class QPainter;
 namespace kesu::toolvok {
 
 enum class Kind;
+class LineBatch;
 class Pattern;
+class RowPainter;
 class Selection;
 class VokGUI;
 class WaveData;
@@ -40,7 +42,6 @@ public:
     void reselect();
 
     void drawWave(bool clone, QPainter& painter, WaveData* wave, int from, int to);
-    static void drawCloneBlock(QPainter& painter, int x, int y, int width, int height);
 
     // The second vertical line, set by clicks and jumps.
     quint64 cursorTime() const { return cursorTime_; }
@@ -104,34 +105,24 @@ private:
     int rowTop = 0;
     // The x where the segment drawn last ends.
     float xCursor = 0;
-    int levelY = Viewport::HighLevel;
     int highY = 0;
     int lowY = 0;
-    int midY = 0;
     int primitives_ = 0;
 
-    // Collects the lines of a paint so that runs of sub-pixel segments cost
-    // one painter call instead of thousands; defined in waveview_batch.h.
-    class Batch;
-    // Pages are printed through the same batch.
-    friend class PagePrinter;
-    Batch* batch_ = nullptr;
+    // The paint's lines are gathered (linebatch.h), and the wave's own row
+    // is drawn by the row painter the printed pages use too.
+    LineBatch* batch_ = nullptr;
+    RowPainter* row_ = nullptr;
     // Where the next segment of the row begins, in whole ticks: every x comes
     // from such a time, so a row drawn from its middle has the pixels of one
     // drawn from its first segment.
     quint64 exactTime_ = 0;
     bool rangeDrawn_ = false;
 
-    // Draws the run of plain segments from `first` on that begins and ends
-    // in pixel column `column` as that column once; returns the index after
-    // the run and leaves exactTime_, xCursor and the previous value after it.
-    int drawColumn(const WaveData* wave, int first, int to, int column, const std::string*& prev, Kind& prevKind);
     // How many repetitions of a tail of the given period, begun at from,
     // end within pixel column `column`.
     quint64 repetitionsWithin(int column, quint64 from, quint64 period) const;
     void drawLeadingOffset(const WaveData* wave, float w);
-    void drawBusShape(int layer, const QColor& color, bool dotted, float x, float w, bool narrow, bool startedLeft);
-    void drawSpecialBox(int layer, bool dontCare, bool picked, bool shapes, float x, float w, int high, int low);
 };
 
 } // namespace kesu::toolvok

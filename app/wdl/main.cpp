@@ -4,11 +4,13 @@
 #include "waveformdata.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QFile>
 #include <QFileInfo>
 
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 using namespace kesu::toolvok;
 
@@ -26,6 +28,9 @@ const Command commands[] = {
     {"import-vcd", importVcdCommand,
      "import-vcd FILE.vcd -out=DOC.wdl [--signals a,b,...] [--from TIME] [--to TIME]\n"
      "                make a value change dump a document"},
+    {"render", renderCommand,
+     "render FILE -out=OUTPUT.pdf|.svg|.png [--from T] [--to T] [--scale N] [--names] [--ruler]\n"
+     "                draw the waves as printed: PDF pages or one picture", true},
 };
 
 QString helpText()
@@ -39,6 +44,27 @@ QString helpText()
                            "  -h, --help     show this help\n"
                            "  -v, --version  show the version\n");
     return text;
+}
+
+// Whether the command named first draws; known before the application is made.
+bool draws(int argc, char** argv)
+{
+    for (const Command& command : commands) {
+        if (argc > 1 && std::strcmp(argv[1], command.name) == 0)
+            return command.draws;
+    }
+    return false;
+}
+
+QtMessageHandler qtMessages = nullptr;
+
+// A GUI application without a display asks for a runtime folder it never
+// uses; the warning about it would be a stray line in a batch run's errors.
+void withoutRuntimeFolderWarning(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtWarningMsg && message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR")))
+        return;
+    qtMessages(type, context, message);
 }
 
 } // namespace
@@ -87,7 +113,14 @@ int usage(const QString& problem)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    // Drawing needs fonts and so a GUI application, but never a display.
+    const bool draws = wdl::draws(argc, argv);
+    if (draws) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        wdl::qtMessages = qInstallMessageHandler(wdl::withoutRuntimeFolderWarning);
+    }
+    const std::unique_ptr<QCoreApplication> app(draws ? new QGuiApplication(argc, argv)
+                                                      : new QCoreApplication(argc, argv));
     QCoreApplication::setApplicationName(QStringLiteral("wdl"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VOK_VERSION));
 

@@ -33,6 +33,8 @@ struct Command {
     const char* name;
     Handler run;
     const char* help; // lines for the help text, each indented by two spaces
+    // Draws text, which takes a GUI application (on the offscreen platform).
+    bool draws = false;
 };
 
 // Each command lives in its own file and is listed once in main.cpp.
@@ -40,5 +42,6 @@ int dumpCommand(const QStringList& args);
 int formatCommand(const QStringList& args);
 int exportCommand(const QStringList& args);
 int importVcdCommand(const QStringList& args);
+int renderCommand(const QStringList& args);
 
 } // namespace wdl

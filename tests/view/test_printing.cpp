@@ -8,6 +8,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QImage>
 #include <QLineEdit>
 #include <QPainter>
@@ -192,6 +193,31 @@ private Q_SLOTS:
         VERIFY_ANSWERED(answerer);
         QCOMPARE(answerer.said().value(2), QStringLiteral("Page Setup"));
         QCOMPARE(tool->printSettings().timeScale, 50);
+    }
+
+    // File > Export Image...: the view's range at the screen's scale.
+    void exportImage()
+    {
+        Tool tool(Pair);
+        tool->changeStep(1);
+        tool->printSettings().printName = tool->printSettings().printRuler = false;
+        QTemporaryDir dir;
+        const QString png = dir.filePath(QStringLiteral("view.png"));
+        const auto save = [&](QWidget* w) {
+            static_cast<QFileDialog*>(w)->selectFile(png);
+            static_cast<QDialog*>(w)->accept();
+        };
+        ModalAnswerer answerer({act(save), press(QMessageBox::Ok)});
+        tool->action(VokGUI::ActExportImage)->trigger();
+        const QImage image(png);
+        QCOMPARE(image.size(), QSize(int(tool->getEndTime() - tool->startTime()) * 20 + 12, 3 * 40 + 10));
+        // Signal a low and the bus's top edge from the view's left edge on.
+        QCOMPARE(image.pixel(10, 40), Blue);
+        QCOMPARE(image.pixel(10, 50), Blue);
+        // Only the three formats are written.
+        QVERIFY(!tool->exportImage(dir.filePath(QStringLiteral("view.jpg"))));
+        VERIFY_ANSWERED(answerer);
+        QVERIFY(answerer.said().value(1).contains(QStringLiteral("not a .pdf, .svg or .png")));
     }
 
     void customizedRange_data()

@@ -1,20 +1,22 @@
-#include "waveview_batch.h"
+#include "linebatch.h"
 
 #include <QFontMetricsF>
+#include <QPaintEngine>
 #include <QPainter>
 
 #include <tuple>
 
 namespace kesu::toolvok {
 
-WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
+LineBatch::LineBatch(QPainter& painter, int& count, bool direct, const QColor& dontCare)
     : hatch(dontCare, Qt::BDiagPattern),
       dontCareDots(dontCare, 1, Qt::DotLine),
       highZPen(QColor(Qt::gray)),
       highZDots(QColor(Qt::gray), 1, Qt::DotLine),
       painter_(painter),
       count_(count),
-      direct_(direct)
+      direct_(direct),
+      raster_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Raster)
 {
     const QString texts[] = {QStringLiteral("X"), QStringLiteral("Z"), QStringLiteral("0")};
     for (int i = 0; i < 3; ++i) {
@@ -23,7 +25,7 @@ WaveView::Batch::Batch(QPainter& painter, int& count, bool direct, const QColor&
     }
 }
 
-void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2)
+void LineBatch::line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2)
 {
     if (direct_) {
         painter_.setPen(QPen(color, width));
@@ -103,7 +105,7 @@ void WaveView::Batch::line(int layer, const QColor& color, int width, int x1, in
     lines.push_back(slanted);
 }
 
-void WaveView::Batch::styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2)
+void LineBatch::styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2)
 {
     flush(layer);
     painter_.setPen(pen);
@@ -111,15 +113,16 @@ void WaveView::Batch::styledLine(int layer, const QPen& pen, int x1, int y1, int
     ++count_;
 }
 
-void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r)
+void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r)
 {
     // A fill without an outline and without width or height paints nothing.
     if (!direct_ && pen.style() == Qt::NoPen && (r.width() == 0 || r.height() == 0))
         return;
     // The outline of a solid one-pixel pen is exactly its four sides, whatever
     // the rectangle's width (a high-impedance box narrower than a pixel has
-    // -1): gathered with the lines, they are filled instead of stroked.
-    if (!direct_ && brush.style() == Qt::NoBrush && pen.style() == Qt::SolidLine && pen.width() == 1
+    // -1): gathered with the lines, they are filled instead of stroked. Only
+    // pixels gain by it; a PDF or SVG would get four shapes for one.
+    if (!direct_ && raster_ && brush.style() == Qt::NoBrush && pen.style() == Qt::SolidLine && pen.width() == 1
         && pen.color().alpha() == 255) {
         const QColor color = pen.color();
         const int right = r.left() + r.width();
@@ -134,26 +137,38 @@ void WaveView::Batch::rect(int layer, const QPen& pen, const QBrush& brush, cons
     painter_.setPen(pen);
     painter_.setBrush(brush);
     painter_.drawRect(r);
+    // A PDF makes a pattern object for every pen or brush change under a
+    // patterned brush; text and lines after the box need no brush.
+    if (brush.style() != Qt::NoBrush)
+        painter_.setBrush(Qt::NoBrush);
     ++count_;
 }
 
-void WaveView::Batch::cloneBlock(int layer, int x, int y, int width, int height)
+void LineBatch::cloneBlock(int layer, int x, int y, int width, int height)
 {
     if (!direct_ && (width == 0 || height == 0))
         return;
     flush(layer);
-    WaveView::drawCloneBlock(painter_, x, y, width, height);
+    drawCloneBlock(painter_, x, y, width, height);
     ++count_;
 }
 
-void WaveView::Batch::setTextColor(const QColor& color)
+void LineBatch::drawCloneBlock(QPainter& painter, int x, int y, int width, int height)
+{
+    static const QBrush clone(Qt::gray, Qt::Dense6Pattern);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(clone);
+    painter.drawRect(x, y, width, height);
+}
+
+void LineBatch::setTextColor(const QColor& color)
 {
     if (textPen_.color() != color || textPen_.style() != Qt::SolidLine)
         textPen_ = QPen(color);
     painter_.setPen(textPen_);
 }
 
-void WaveView::Batch::text(int layer, const QColor& color, int x, int y, const QString& text)
+void LineBatch::text(int layer, const QColor& color, int x, int y, const QString& text)
 {
     flush(layer);
     setTextColor(color);
@@ -161,7 +176,7 @@ void WaveView::Batch::text(int layer, const QColor& color, int x, int y, const Q
     ++count_;
 }
 
-void WaveView::Batch::letter(int layer, const QColor& color, int x, int y, Letter which)
+void LineBatch::letter(int layer, const QColor& color, int x, int y, Letter which)
 {
     if (direct_) {
         text(layer, color, x, y, letters_[which].text());
@@ -181,13 +196,13 @@ void WaveView::Batch::letter(int layer, const QColor& color, int x, int y, Lette
     ++count_;
 }
 
-void WaveView::Batch::flush(int layer)
+void LineBatch::flush(int layer)
 {
     if (layer < static_cast<int>(layers_.size()))
         flush(layers_[static_cast<size_t>(layer)]);
 }
 
-void WaveView::Batch::flush(Layer& l)
+void LineBatch::flush(Layer& l)
 {
     if (!l.lines.empty()) {
         if (l.merge && l.width == 1)
@@ -205,7 +220,7 @@ void WaveView::Batch::flush(Layer& l)
     l.others.clear();
 }
 
-void WaveView::Batch::fillStraight(Layer& l)
+void LineBatch::fillStraight(Layer& l)
 {
     // A solid one-pixel line along a pixel row or column covers exactly the
     // rectangle between its ends, and the raster engine fills rectangles far
@@ -242,7 +257,7 @@ void WaveView::Batch::fillStraight(Layer& l)
     count_ += static_cast<int>(rects_.size());
 }
 
-void WaveView::Batch::flushAll()
+void LineBatch::flushAll()
 {
     for (Layer& l : layers_)
         flush(l);

@@ -8,8 +8,6 @@
 // relative order does not matter.
 #pragma once
 
-#include "waveview.h"
-
 #include <QBrush>
 #include <QColor>
 #include <QLine>
@@ -65,15 +63,15 @@ constexpr int SelectionLayer = 0;
 constexpr int RowLayer = 1;
 constexpr int bitLayer(int bitRow) { return 2 + bitRow; }
 
-class WaveView::Batch
+class LineBatch
 {
 public:
     // direct: draw every primitive on its own, the reference the gathered
     // picture must equal pixel for pixel.
-    Batch(QPainter& painter, int& count, bool direct, const QColor& dontCare);
-    ~Batch() { flushAll(); }
-    Batch(const Batch&) = delete;
-    Batch& operator=(const Batch&) = delete;
+    LineBatch(QPainter& painter, int& count, bool direct, const QColor& dontCare);
+    ~LineBatch() { flushAll(); }
+    LineBatch(const LineBatch&) = delete;
+    LineBatch& operator=(const LineBatch&) = delete;
 
     void line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2);
     // A dotted or dashed line: its dash pattern starts afresh with every
@@ -81,6 +79,8 @@ public:
     void styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2);
     void rect(int layer, const QPen& pen, const QBrush& brush, const QRect& r);
     void cloneBlock(int layer, int x, int y, int width, int height);
+    // The grey shading under a repeated forever tail.
+    static void drawCloneBlock(QPainter& painter, int x, int y, int width, int height);
     // Text with its baseline at y.
     void text(int layer, const QColor& color, int x, int y, const QString& text);
     // One of the letters of a don't-care or high-impedance box, or the 0 of
@@ -146,6 +146,8 @@ private:
     QPainter& painter_;
     int& count_;
     bool direct_;
+    // Drawing pixels, not shapes for a PDF or SVG file.
+    bool raster_;
     std::vector<Layer> layers_;
     std::vector<QRect> rects_;
     QPen textPen_;

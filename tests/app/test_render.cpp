@@ -1,0 +1,182 @@
+// wdl render run as a user would: each format checked by reading it back,
+// and the option errors that leave an existing output alone.
+#include <QImage>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QXmlStreamReader>
+
+namespace {
+
+// A signal low then high, a bus 5 then don't care, ten steps each.
+const QByteArray Pair = "%SMALLESTUNIT = 9;\n"
+                        "a { A I Default NRZ 0 1 50 } = 0 10 1 10;\n"
+                        "bus[3:0] { A I Default NRZ 0 1 50 } = 5 10 DonTCare 10;\n";
+
+QByteArray waves(int n)
+{
+    QByteArray text;
+    for (int i = 0; i < n; ++i)
+        text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 10 1 10;\n";
+    return text;
+}
+
+int run(const QStringList& args, QByteArray* err = nullptr)
+{
+    QProcess process;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove(QStringLiteral("DISPLAY"));
+    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(VOK_WDL_PATH), args);
+    process.waitForFinished(120000);
+    if (err)
+        *err = process.readAllStandardError();
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+} // namespace
+
+class TestRender : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir tmp_;
+
+    QString file(const QString& name, const QByteArray& bytes = QByteArray())
+    {
+        const QString path = tmp_.filePath(name);
+        QFile f(path);
+        if (!bytes.isEmpty() && !(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size()))
+            qFatal("cannot write %s", qPrintable(path));
+        return path;
+    }
+
+private Q_SLOTS:
+    // Pixel probes "x,y" in the wave colour (blue signal and bus, red don't
+    // care) and "W" for background; the picture fits 1,600 pixels by default.
+    void png_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("probes");
+        // 20 steps at 40 pixels (the widest scale) and a little room right.
+        QTest::newRow("fitted") << QStringList{} << QSize(812, 90) << "B200,40 B600,10 W600,40 B200,50 R500,60";
+        QTest::newRow("from 10 at 20 px") << QStringList{"--from", "10", "--scale", "100"} << QSize(212, 90)
+                                          << "B100,10 W100,40 R100,60 W205,10";
+        // "bus[3:0]": a name column of 8 characters at 8 pixels and 10 more.
+        QTest::newRow("names and ruler") << QStringList{"--names", "--ruler", "--to", "10"} << QSize(74 + 412, 150)
+                                         << "K75,60 B274,100 W274,70 B274,110";
+    }
+    void png()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QSize, size);
+        QFETCH(QString, probes);
+        const QString out = file(QStringLiteral("pair.png"));
+        QCOMPARE(run(QStringList{"render", file("pair.wdl", Pair), "-out=" + out} + options), 0);
+        const QImage image(out);
+        QCOMPARE(image.size(), size);
+        const QMap<QChar, QRgb> colors{{'B', qRgb(0, 0, 255)}, {'R', qRgb(255, 0, 0)}, {'W', qRgb(255, 255, 255)},
+                                       {'K', qRgb(0, 0, 0)}};
+        for (const QString& probe : probes.split(QLatin1Char(' '))) {
+            const QStringList xy = probe.mid(1).split(QLatin1Char(','));
+            const QPoint at(xy[0].toInt(), xy[1].toInt());
+            // Hatching leaves gaps: red is looked for in the probe's row.
+            bool found = false;
+            for (int dx = 0; dx < (probe[0] == 'R' ? 20 : 1); ++dx)
+                found = found || image.pixel(at + QPoint(dx, 0)) == colors.value(probe[0]);
+            QVERIFY2(found, qPrintable(probe));
+        }
+    }
+
+    void svgIsXmlWithEveryName()
+    {
+        const QString out = file(QStringLiteral("pair.svg"));
+        QCOMPARE(run({"render", file("pair.wdl", Pair), "-out=" + out, "--names"}), 0);
+        QFile svg(out);
+        QVERIFY(svg.open(QIODevice::ReadOnly));
+        QXmlStreamReader xml(&svg);
+        QString text;
+        while (!xml.atEnd()) {
+            if (xml.readNext() == QXmlStreamReader::Characters)
+                text += xml.text();
+        }
+        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+        for (const char* name : {"a", "bus[3:0]", "0101"})
+            QVERIFY2(text.contains(QLatin1String(name)), name);
+    }
+
+    // A landscape page holds 16 rows under the ruler and 40 steps at the
+    // widest scale; pages go down the rows, then across time.
+    void pdfPages_data()
+    {
+        QTest::addColumn<int>("waves");
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<int>("pages");
+        QTest::newRow("one page") << 3 << QStringList{"--ruler"} << 1;
+        QTest::newRow("rows over three pages") << 40 << QStringList{"--ruler"} << 3;
+        QTest::newRow("and across time") << 20 << QStringList{"--ruler", "--to", "100", "--scale", "200"} << 4;
+    }
+    void pdfPages()
+    {
+        QFETCH(int, waves);
+        QFETCH(QStringList, options);
+        QFETCH(int, pages);
+        const QString pdfinfo = QStandardPaths::findExecutable(QStringLiteral("pdfinfo"));
+        if (pdfinfo.isEmpty())
+            QSKIP("pdfinfo (poppler-utils) is not installed");
+        const QString out = file(QStringLiteral("waves.pdf"));
+        QCOMPARE(run(QStringList{"render", file("waves.wdl", ::waves(waves)), "-out=" + out} + options), 0);
+        QProcess info;
+        info.start(pdfinfo, {out});
+        QVERIFY(info.waitForFinished());
+        const QRegularExpression count(QStringLiteral("Pages:\\s+(\\d+)"));
+        QCOMPARE(count.match(QString::fromLatin1(info.readAllStandardOutput())).captured(1).toInt(), pages);
+    }
+
+    // 2 for a wrong command line, 1 with one line for what could not be
+    // done; the file already at the output's place survives either. IN is
+    // a readable document, OUT that file.
+    void errors_data()
+    {
+        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("err");
+        QTest::newRow("no output") << QStringList{"IN"} << 2 << "-out=";
+        QTest::newRow("unknown format") << QStringList{"IN", "-out=x.jpg"} << 2 << "-out=";
+        QTest::newRow("scale too small") << QStringList{"IN", "OUT", "--scale", "5"} << 2 << "10 to 200";
+        QTest::newRow("scale no number") << QStringList{"IN", "OUT", "--scale", "x"} << 2 << "10 to 200";
+        QTest::newRow("no time") << QStringList{"IN", "OUT", "--from", "1x"} << 2 << "--from";
+        QTest::newRow("unknown option") << QStringList{"IN", "OUT", "--colour"} << 2 << "colour";
+        QTest::newRow("two inputs") << QStringList{"IN", "IN", "OUT"} << 2 << "one file";
+        QTest::newRow("missing input") << QStringList{"missing.wdl", "OUT"} << 1 << "missing.wdl";
+        QTest::newRow("empty range") << QStringList{"IN", "OUT", "--from", "20"} << 1 << "empty";
+        QTest::newRow("no folder") << QStringList{"IN", "-out=/no/such/folder/x.png"} << 1 << "cannot write";
+    }
+    void errors()
+    {
+        QFETCH(QStringList, args);
+        QFETCH(int, code);
+        QFETCH(QString, err);
+        const QString old = file(QStringLiteral("old.png"), "not overwritten");
+        for (QString& arg : args)
+            arg = arg == QLatin1String("IN") ? file(QStringLiteral("pair.wdl"), Pair)
+                  : arg == QLatin1String("OUT") ? QStringLiteral("-out=") + old
+                  : arg.endsWith(QLatin1String(".wdl")) ? tmp_.filePath(arg)
+                                                        : arg;
+        QByteArray stderrText;
+        QCOMPARE(run(QStringList{"render"} + args, &stderrText), code);
+        QVERIFY2(stderrText.startsWith("wdl: ") && stderrText.contains(err.toUtf8()), stderrText.constData());
+        if (code == 1)
+            QCOMPARE(stderrText.count('\n'), 1);
+        QFile kept(old);
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), QByteArray("not overwritten"));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestRender)
+#include "test_render.moc"

@@ -1,0 +1,2 @@
+// Must not compile: the drawing library has no widgets.
+#include <QWidget>
