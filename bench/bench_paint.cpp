@@ -5,10 +5,11 @@
 // end of the time axis. --place NAME (fit, start, middle, end) measures one.
 //
 //   bench_paint [--waves N] [--segments M] [--one-wave] [--repeat R] [--seed S]
-//               [--place NAME] [--png DIR]
+//               [--place NAME] [--png DIR] [--bands B]
 //
 // Each figure is the median wall-clock time of R paints (default 15), with
-// the number of primitives the paint drew. --png writes the pictures.
+// the number of primitives the paint drew. --png writes the pictures;
+// --bands paints in B bands side by side (default: as the view decides).
 
 #include "benchtool.h"
 #include "generated_document.h"
@@ -42,6 +43,7 @@ struct Options {
     quint64 seed = 1;
     QString pngDir;
     QString place;
+    int bands = 0;
 };
 
 double now()
@@ -83,6 +85,8 @@ bool parse(int argc, char** argv, Options& opt)
             opt.waves = 1, opt.segments = 10000000;
         else if (!std::strcmp(argv[i], "--place") && more)
             opt.place = QString::fromLocal8Bit(argv[++i]);
+        else if (!std::strcmp(argv[i], "--bands") && more)
+            opt.bands = std::atoi(argv[++i]);
         else if (!std::strcmp(argv[i], "--png") && more)
             opt.pngDir = QString::fromLocal8Bit(argv[++i]);
         else
@@ -98,7 +102,7 @@ int main(int argc, char** argv)
     Options opt;
     if (!parse(argc, argv, opt)) {
         std::fprintf(stderr, "usage: bench_paint [--waves N] [--segments M] [--one-wave] [--repeat R] [--seed S] "
-                             "[--place fit|start|middle|end] [--png DIR]\n");
+                             "[--place fit|start|middle|end] [--png DIR] [--bands B]\n");
         return 2;
     }
     BenchTool tool(argc, argv);
@@ -114,6 +118,8 @@ int main(int argc, char** argv)
     // The first render lays the hidden window out; the size set after it stays.
     gui->render(&image);
     view->resize(1600, 900);
+    if (opt.bands > 0)
+        view->setProperty("paintBands", opt.bands);
     gui->Refresh();
     const quint64 end = gui->getMaxEnd();
 

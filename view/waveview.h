@@ -7,15 +7,15 @@
 #include <QWidget>
 
 #include <string>
+#include <vector>
 
 class QPainter;
 
 namespace kesu::toolvok {
 
 enum class Kind;
-class LineBatch;
 class Pattern;
-class RowPainter;
+struct WavePaintSetup;
 class Selection;
 class VokGUI;
 class WaveData;
@@ -62,6 +62,13 @@ public:
     // state its undo returns to); null between drags.
     const WaveData* dragOrigin() const;
 
+    // A wave a paint shows, with the row it begins at.
+    struct ShownWave
+    {
+        WaveData* wave;
+        int row;
+    };
+
     // How many primitives the last paint drew; lets tests and the benchmark
     // check that painting costs what is visible, not what exists.
     int lastPaintPrimitives() const { return primitives_; }
@@ -94,35 +101,20 @@ private:
     // snaps the range to their edges.
     void collectSelection();
 
-    // Per-paint state, set afresh at the start of every paint; vp_ is the
-    // owner's viewport as it was when the paint began.
-    Viewport vp_;
-    int fontSize = 8;
-    std::string previousValue;
+    // How many primitives the last paint drew.
+    int primitives_ = 0;
+    // Counted by every paint, as the rows above the view leave them.
     int hiddenCount = 0;
     int rowIndex = 0;
     int bitRowsAbove = 0;
-    int rowTop = 0;
-    // The x where the segment drawn last ends.
-    float xCursor = 0;
-    int highY = 0;
-    int lowY = 0;
-    int primitives_ = 0;
 
-    // The paint's lines are gathered (linebatch.h), and the wave's own row
-    // is drawn by the row painter the printed pages use too.
-    LineBatch* batch_ = nullptr;
-    RowPainter* row_ = nullptr;
-    // Where the next segment of the row begins, in whole ticks: every x comes
-    // from such a time, so a row drawn from its middle has the pixels of one
-    // drawn from its first segment.
-    quint64 exactTime_ = 0;
-    bool rangeDrawn_ = false;
-
-    // How many repetitions of a tail of the given period, begun at from,
-    // end within pixel column `column`.
-    quint64 repetitionsWithin(int column, quint64 from, quint64 period) const;
-    void drawLeadingOffset(const WaveData* wave, float w);
+    WavePaintSetup paintSetup() const;
+    // The shown waves from the first visible row down to the bottom edge.
+    std::vector<ShownWave> shownWaves(const WavePaintSetup& setup);
+    // How many bands the paint runs side by side: 1 unless the view is
+    // crowded (the property "paintBands" sets it for tests).
+    int bandCount(const WavePaintSetup& setup, const std::vector<ShownWave>& shown) const;
+    void paintBands(QPainter& painter, const WavePaintSetup& setup, const std::vector<ShownWave>& shown, int bands);
 };
 
 } // namespace kesu::toolvok

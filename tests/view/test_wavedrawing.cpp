@@ -353,13 +353,17 @@ private Q_SLOTS:
                 tail += QStringLiteral("%1%2:%3 ").arg(i == 0 ? "(" : "").arg(number).arg(1 + i % 2);
         }
         addWave(mixed, 2);   // above the view
-        WaveData* bus = addWave(busy, 5, 8);
-        bus->expandFlag = true;
         addWave("0:3 (1:2 -1:1 0:1 -2:1", 1);
         addWave("0:3 (1:1 0:1", 2);
         addWave(busy + tail, 0, 8);
         WaveData* selected = addWave(mixed, 0);
         selected->selected = true;
+        addWave("A5:9000", 0, 8);
+        // Over before most views start: bands begin below a wave that draws
+        // nothing, and above the bit rows of a bus.
+        addWave("1:2 0:1", 0);
+        WaveData* bus = addWave(busy, 5, 8);
+        bus->expandFlag = true;
         gui_->setShowGuideline(true);
         view_->setMarkerTime(30);
         gui_->selectionState().picked = selected->patterns.at(5);
@@ -367,16 +371,26 @@ private Q_SLOTS:
         gui_->setMode(VokGUI::ModeEdit);
         gui_->changeRange(20, 700);
         scrollTo(1);
-        view_->resize(Width, 500);
+        view_->resize(Width, 800);
         if (step == 0)
             gui_->zoomRange(0, gui_->getMaxEnd());
         else
             setView(start, step);
-        const QImage gathered = paint(Width, 500);
+        const QImage gathered = paint(Width, 800);
         const int gatheredCount = view_->lastPaintPrimitives();
+        // Bands painted side by side, each cut between waves and begun with
+        // the value the rows above leave.
+        QList<QImage> banded;
+        for (int bands : {2, 3, 5}) {
+            view_->setProperty("paintBands", bands);
+            banded << paint(Width, 800);
+        }
+        view_->setProperty("paintBands", QVariant());
         view_->setProperty("directPaint", true);
-        const QImage direct = paint(Width, 500);
+        const QImage direct = paint(Width, 800);
         QVERIFY(gathered == direct);
+        for (const QImage& picture : banded)
+            QVERIFY(picture == direct);
         QVERIFY(gatheredCount <= view_->lastPaintPrimitives());
     }
 };
