@@ -98,14 +98,17 @@ QString BaseHelp::pageOf(const QString& topic)
 
 QString BaseHelp::locationOf(const QString& topic)
 {
-    // A topic without a page of its own is a section of the main page.
+    // The tool itself, by name or none, is the main page; a topic without a
+    // page of its own is a section of it.
+    if (topic.isEmpty() || topic == QLatin1String("WAVE_EDITOR"))
+        return pageOf(QLatin1String(MainPage));
     const QString page = pageOf(topic);
     return page.isEmpty() ? pageOf(QLatin1String(MainPage)) + QLatin1Char('#') + topic : page;
 }
 
 void BaseHelp::openHelpUrl(const QString& tool)
 {
-    showTopic(tool.isEmpty() || tool == QLatin1String("WAVE_EDITOR") ? QLatin1String(MainPage) : tool);
+    showTopic(tool);
 }
 
 void BaseHelp::openDialogHelpUrl(const QString& topic)

@@ -19,6 +19,7 @@
 
 class QFile;
 class QFrame;
+class QPalette;
 class QIODevice;
 class QPainter;
 class QPrinter;
@@ -33,6 +34,7 @@ namespace kesu::toolvok {
 class BaseUsrSettings;
 class EditDlg;
 class PatternDlg;
+class RecentFiles;
 class RulerView;
 class SegmentRange;
 class VokNavigator;
@@ -155,6 +157,16 @@ public:
     QColor color_back, color_names, color_h, color_signal, color_bus, color_x, color_z;
     // As applyColors takes them; entry 0, which it skips, repeats the names colour.
     QList<QColor> colors() const;
+    // The drawing colours, in settings order, that a palette suggests when
+    // the user has chosen none.
+    static QList<QColor> defaultColors(const QPalette& palette);
+
+    // --- desktop comforts (shell/vokgui_comfort.cpp) ----------------------
+    // Opens a document as File > Open does once its dialog has a name.
+    void openFile(const QString& path);
+    void openRecentFile(const QString& path);
+    RecentFiles* recentFiles() const { return m_recentFiles.get(); }
+    QMenu* recentFilesMenu() const { return m_recentMenu; }
 
     // --- navigation (view/vokgui_navigation.cpp) --------------------------
     void changeStep(quint64 s);
@@ -222,6 +234,8 @@ public Q_SLOTS:
     void Reload();
     void fileNew();
     void fileOpen();
+    void fillRecentFilesMenu();
+    void followPalette();
     void fileClose();
     bool fileSaveAs();
     bool CompareData() const;
@@ -344,6 +358,10 @@ private:
     void mergeNeighbours(WaveData* wave, int from, int to);
     QString dialogFolder() const;
     bool askToSave();
+    void createComfort();
+    void placeRecentFilesMenu();
+    void noteRecentFile(const QString& path);
+    QList<QColor*> colorFields();
 
     // Host contract state.
     QList<QAction*> m_menuItems[4];
@@ -396,6 +414,10 @@ private:
     bool m_showGuideline = false;
     int m_storedListWidth = 150;
     std::unique_ptr<QSettings> m_settings;
+    std::unique_ptr<RecentFiles> m_recentFiles;
+    QMenu* m_recentMenu = nullptr;
+    // The colours the palette suggested last: those still in use follow the next one.
+    QList<QColor> m_paletteColors;
 
     static int m_untitleNum;
 };

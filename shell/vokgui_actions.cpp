@@ -33,6 +33,7 @@ void VokGUI::buildMenuLists()
         return s;
     };
     m_menuItems[FileMenu] = {action(ActExport)};
+    m_menuItems[FileMenu].append(m_recentMenu->menuAction());
     m_menuItems[EditMenu] = {action(ActEditMode), separator(), action(ActNewWave), action(ActImportWave),
                              action(ActDupWave), action(ActShowWave), action(ActHideWave),
                              action(ActRemoveWave), separator(), action(ActTimeSettings)};

@@ -83,6 +83,7 @@ bool VokGUI::LoadFile()
         return false;
     }
     m_lastFile = m_fullFileName;
+    noteRecentFile(m_fullFileName);
     loadData(file);
     file.close();
 
@@ -203,6 +204,11 @@ void VokGUI::fileOpen()
                                      tr("Waveform File (*.wdl);;All Files (*)"));
     if (name.isEmpty())
         return;
+    openFile(name);
+}
+
+void VokGUI::openFile(const QString& name)
+{
     if (!isStandalone()) {
         Q_EMIT sigToProbe(toolName(), this, QStringList{name}, -1);
         return;

@@ -78,6 +78,7 @@ private Q_SLOTS:
                         const QRegularExpression definition(QStringLiteral("\\b%1\\s*=([^;]*);").arg(name));
                         topics = literalsIn(definition.match(source).captured(1));
                     }
+                    topics.removeDuplicates();
                     for (const QString& topic : std::as_const(topics))
                         QTest::addRow("%s %s", qPrintable(files.fileName()), qPrintable(topic)) << topic;
                 }
@@ -120,7 +121,9 @@ private Q_SLOTS:
     {
         auto gui = toolfixture::laidOutTool();
         QList<QAction*> actions;
-        collectActions(gui->menuBar()->actions(), actions);
+        // The menus' own titles are no commands.
+        for (QAction* menu : gui->menuBar()->actions())
+            collectActions(menu->menu()->actions(), actions);
         for (QToolBar* bar : gui->findChildren<QToolBar*>())
             collectActions(bar->actions(), actions);
         QVERIFY(actions.size() > 40);
@@ -129,11 +132,10 @@ private Q_SLOTS:
         for (QAction* a : std::as_const(actions)) {
             const QString name = QString(a->text()).remove(QLatin1Char('&'));
             QVERIFY2(commands.contains(QStringLiteral("<b>%1</b>").arg(name.toHtmlEscaped())), qPrintable(name));
-            for (const QKeySequence& key : a->shortcuts()) {
-                const QString keyText = key.toString(QKeySequence::PortableText);
-                const QRegularExpression entry(QStringLiteral("(>|/ )%1( /|<)").arg(QRegularExpression::escape(keyText)));
-                QVERIFY2(entry.match(shortcuts).hasMatch(), qPrintable(name + QLatin1Char(' ') + keyText));
-            }
+            // The main key; a desktop may add alternatives of its own.
+            const QString keyText = a->shortcut().toString(QKeySequence::PortableText);
+            const QRegularExpression entry(QStringLiteral("(>|/ )%1( /|<)").arg(QRegularExpression::escape(keyText)));
+            QVERIFY2(keyText.isEmpty() || entry.match(shortcuts).hasMatch(), qPrintable(name + QLatin1Char(' ') + keyText));
         }
     }
 };
