@@ -361,6 +361,9 @@ private:
     void createComfort();
     void placeRecentFilesMenu();
     void noteRecentFile(const QString& path);
+    // Reads the file into m_preloaded, which loadData then takes in place of
+    // reading it again; false when the user cancelled the read.
+    bool preload(const QString& path);
     QList<QColor*> colorFields();
 
     // Host contract state.
@@ -416,6 +419,8 @@ private:
     std::unique_ptr<QSettings> m_settings;
     std::unique_ptr<RecentFiles> m_recentFiles;
     QMenu* m_recentMenu = nullptr;
+    std::unique_ptr<WaveformData> m_preloaded;
+    QString m_preloadedPath;
     // The colours the palette suggested last: those still in use follow the next one.
     QList<QColor> m_paletteColors;
 

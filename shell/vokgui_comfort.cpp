@@ -4,7 +4,10 @@
 
 #include "baseusrsettings.h"
 #include "desktopevents.h"
+#include "progressgate.h"
 #include "recentfiles.h"
+#include "waveformdata.h"
+#include "wavereader.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -92,6 +95,22 @@ void VokGUI::noteRecentFile(const QString& path)
 {
     if (m_recentFiles && !path.isEmpty())
         m_recentFiles->add(path);
+}
+
+bool VokGUI::preload(const QString& path)
+{
+    m_preloaded.reset();
+    QFile file(path);
+    // A file that cannot be read is reported by the load that follows.
+    if (!file.open(QIODevice::ReadOnly))
+        return true;
+    auto document = std::make_unique<WaveformData>();
+    ProgressGate progress(this, tr("Loading %1...").arg(QFileInfo(path).fileName()));
+    if (!WaveReader(*document).readDevice(file, progress.callback()) || file.error() != QFileDevice::NoError)
+        return !progress.cancelled();
+    m_preloaded = std::move(document);
+    m_preloadedPath = path;
+    return true;
 }
 
 void VokGUI::followPalette()

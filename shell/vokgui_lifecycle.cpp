@@ -214,12 +214,17 @@ void VokGUI::openFile(const QString& name)
         return;
     }
     askToSave();
+    // Read before closing: a load cancelled from its progress dialog leaves
+    // the open document as it was.
+    if (!preload(QFileInfo(name).absoluteFilePath()))
+        return;
     CloseFile();
     m_fullFileName = QFileInfo(name).absoluteFilePath();
     // Here the short name is the whole path.
     m_title = m_fullFileName;
     m_fullTitle = m_toolTitle + QStringLiteral(" - ") + m_fullFileName;
     LoadFile();
+    m_preloaded.reset();
     setWindowTitle(m_fullTitle);
     onActivated();
 }

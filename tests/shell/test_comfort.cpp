@@ -1,6 +1,8 @@
 // Desktop comforts of the tool window: recent files in the File menu, a
 // document dropped onto the window, and drawing colours that follow the
 // desktop's palette unless the user chose them.
+#include "exportwaveforms.h"
+#include "progressgate.h"
 #include "recentfiles.h"
 #include "sandboxedtestmain.h"
 #include "toolfixture.h"
@@ -9,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QProgressDialog>
 #include <QSettings>
 #include <QStatusBar>
 
@@ -32,6 +35,20 @@ class TestComfort : public QObject
         auto gui = std::make_unique<VokGUI>(nullptr, files, project_, true);
         gui->initialize();
         return gui;
+    }
+    // 600 waves of 1,000 pulses: about 3 MB, read in several pieces.
+    QString bigDocument()
+    {
+        const QString path = dir_.filePath("big.wdl");
+        if (QFileInfo::exists(path))
+            return path;
+        QByteArray text = "%ENDTIME = 10000;\n";
+        const QByteArray pulses = QByteArray("0 5 1 5 ").repeated(500);
+        for (int i = 0; i < 600; ++i)
+            text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = " + pulses + ";\n";
+        if (!testfiles::writeFile(path, text))
+            qWarning("cannot write %s", qPrintable(path));
+        return path;
     }
     static QStringList entries(QMenu* menu)
     {
@@ -163,6 +180,69 @@ private Q_SLOTS:
         QTRY_COMPARE(gui->fullFileName(), dir_.filePath(shown));
         VERIFY_ANSWERED(answerer);
         QCOMPARE(answerer.said(), answer ? QStringList{"Do you want to save your changes?"} : QStringList());
+    }
+
+    // A document of a few MB opened with the progress dialog at once: Cancel
+    // leaves the open document, its name and the recent files as they were;
+    // without Cancel the document opens.
+    void openWithProgress_data()
+    {
+        QTest::addColumn<bool>("cancel");
+        QTest::newRow("cancelled") << true;
+        QTest::newRow("run through") << false;
+    }
+    void openWithProgress()
+    {
+        QFETCH(bool, cancel);
+        const QString big = bigDocument();
+        auto gui = tool({doc("start.wdl")});
+        // Unsaved changes: the question comes first, and they stay after Cancel.
+        if (cancel)
+            gui->SetDirtyBit();
+        ProgressGate::delayMs = 0;
+        bool shown = false;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, [&] {
+            if (auto* dialog = gui->findChild<QProgressDialog*>("progressGate"); dialog && dialog->isVisible()) {
+                shown = true;
+                if (cancel)
+                    dialog->cancel();
+            }
+        });
+        watch.start(0);
+        auto answerer = cancel ? std::make_unique<ModalAnswerer>(QList<Answer>{press(QMessageBox::No)}) : nullptr;
+        gui->openFile(big);
+        ProgressGate::delayMs = 500;
+        if (answerer)
+            VERIFY_ANSWERED(*answerer);
+        QVERIFY(shown);
+        QCOMPARE(gui->fullFileName(), cancel ? dir_.filePath("start.wdl") : big);
+        QCOMPARE(gui->document()->waves.size(), cancel ? 1 : 600);
+        QCOMPARE(gui->isModified(), cancel);
+        QCOMPARE(entries(gui->recentFilesMenu()).value(0), cancel ? "start.wdl" : "big.wdl");
+    }
+
+    // An export stopped while reading or while writing returns 2 and leaves
+    // the output as it was; one that runs through replaces it.
+    void exportWithProgress_data()
+    {
+        QTest::addColumn<int>("stopAt");   // the call that answers false; 0 never
+        QTest::addColumn<int>("result");
+        QTest::newRow("stopped reading") << 1 << 2;
+        QTest::newRow("stopped writing") << 4 << 2;
+        QTest::newRow("run through") << 0 << 0;
+    }
+    void exportWithProgress()
+    {
+        QFETCH(int, stopAt);
+        const QString output = dir_.filePath("big.vcd");
+        QVERIFY(testfiles::writeFile(output, "before"));
+        QByteArray args[] = {"-vcd", bigDocument().toLocal8Bit(), "-out=" + output.toLocal8Bit()};
+        char* argv[] = {args[0].data(), args[1].data(), args[2].data()};
+        int calls = 0;
+        QTEST(ExportWaveforms(3, argv, [&](qint64, qint64) { return ++calls != stopAt; }), "result");
+        QVERIFY(stopAt ? calls == stopAt : calls >= 4);
+        QCOMPARE(testfiles::readFile(output) == "before", stopAt != 0);
     }
 
     // A dark palette turns the colours the user left alone dark; a colour the
