@@ -11,6 +11,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPrinter>
 #include <QProgressDialog>
 #include <QSettings>
 #include <QStatusBar>
@@ -243,6 +244,29 @@ private Q_SLOTS:
         QTEST(ExportWaveforms(3, argv, [&](qint64, qint64) { return ++calls != stopAt; }), "result");
         QVERIFY(stopAt ? calls == stopAt : calls >= 4);
         QCOMPARE(testfiles::readFile(output) == "before", stopAt != 0);
+    }
+
+    // Printing the big document to PDF at a time scale that makes many pages:
+    // Cancel ends the print and leaves no file behind.
+    void printWithProgress()
+    {
+        auto gui = tool({bigDocument()});
+        gui->printSettings().timeScale = 200;
+        QPrinter printer(QPrinter::ScreenResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        const QString pdf = dir_.filePath("big.pdf");
+        printer.setOutputFileName(pdf);
+        ProgressGate::delayMs = 0;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, [&] {
+            if (auto* dialog = gui->findChild<QProgressDialog*>("progressGate"); dialog && dialog->isVisible()) {
+                dialog->cancel();
+            }
+        });
+        watch.start(0);
+        gui->PreviewPages(&printer);
+        ProgressGate::delayMs = 500;
+        QVERIFY(!QFileInfo::exists(pdf));
     }
 
     // A dark palette turns the colours the user left alone dark; a colour the
