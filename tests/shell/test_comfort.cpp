@@ -1,6 +1,6 @@
-// Desktop comforts of the tool window: recent files in the File menu, a
-// document dropped onto the window, and drawing colours that follow the
-// desktop's palette unless the user chose them.
+// Desktop comforts of the tool window: recent files, a document dropped onto
+// the window, progress with Cancel for long work, and drawing colours that
+// follow the desktop's palette unless the user chose them.
 #include "exportwaveforms.h"
 #include "progressgate.h"
 #include "recentfiles.h"
@@ -24,10 +24,15 @@ class TestComfort : public QObject
     QTemporaryDir dir_;
     QString project_;
 
-    QString doc(const QString& name)
+    // A small document, or with `waves` that many waves of 1,000 pulses (600:
+    // about 3 MB, read in several pieces).
+    QString doc(const QString& name, int waves = 1)
     {
         const QString path = dir_.filePath(name);
-        if (!QFileInfo::exists(path) && !testfiles::writeFile(path, "%ENDTIME = 9;\nw { A I Default NRZ 0 1 50 } = 1 9;\n"))
+        QByteArray text = "%ENDTIME = 10000;\n";
+        for (int i = 0; i < waves; ++i)
+            text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } =" + QByteArray(" 0 5 1 5").repeated(500) + ";\n";
+        if (!QFileInfo::exists(path) && !testfiles::writeFile(path, text))
             qWarning("cannot write %s", qPrintable(path));
         return path;
     }
@@ -36,20 +41,6 @@ class TestComfort : public QObject
         auto gui = std::make_unique<VokGUI>(nullptr, files, project_, true);
         gui->initialize();
         return gui;
-    }
-    // 600 waves of 1,000 pulses: about 3 MB, read in several pieces.
-    QString bigDocument()
-    {
-        const QString path = dir_.filePath("big.wdl");
-        if (QFileInfo::exists(path))
-            return path;
-        QByteArray text = "%ENDTIME = 10000;\n";
-        const QByteArray pulses = QByteArray("0 5 1 5 ").repeated(500);
-        for (int i = 0; i < 600; ++i)
-            text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = " + pulses + ";\n";
-        if (!testfiles::writeFile(path, text))
-            qWarning("cannot write %s", qPrintable(path));
-        return path;
     }
     static QStringList entries(QMenu* menu)
     {
@@ -60,22 +51,6 @@ class TestComfort : public QObject
                 names << QFileInfo(a->data().toString()).fileName();
         return names;
     }
-    static void sendDrop(QWidget* window, const QStringList& paths, bool& accepted)
-    {
-        QMimeData data;
-        QList<QUrl> urls;
-        for (const QString& p : paths)
-            urls << QUrl::fromLocalFile(p);
-        data.setUrls(urls);
-        QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(window, &enter);
-        accepted = enter.isAccepted();
-        if (!accepted)
-            return;
-        QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(window, &drop);
-        QCoreApplication::processEvents();
-    }
 
 private Q_SLOTS:
     void init()
@@ -84,22 +59,20 @@ private Q_SLOTS:
         RecentFiles(settings).clear();
     }
 
-    // Opened files in order, then files deleted before the menu is shown:
-    // the menu, newest first, at most eight, the deleted ones taken off with
-    // a note in the status bar. A second window shows the same list.
+    // Files opened after start.wdl, then one deleted before the menu shows:
+    // newest first, at most eight, the deleted one taken off with a note in
+    // the status bar; right below Open; a second window shows the same list;
+    // Clear empties it.
     void recentFilesMenu_data()
     {
         QTest::addColumn<QStringList>("opened");
         QTest::addColumn<QString>("deleted");
         QTest::addColumn<QStringList>("menu");
-        QTest::newRow("one") << QStringList{"a.wdl"} << QString() << QStringList{"a.wdl", "start.wdl"};
         QTest::newRow("newest first, once") << QStringList{"a.wdl", "b.wdl", "a.wdl"} << QString()
                                             << QStringList{"a.wdl", "b.wdl", "start.wdl"};
-        QTest::newRow("at most eight") << QStringList{"f0.wdl", "f1.wdl", "f2.wdl", "f3.wdl", "f4.wdl", "f5.wdl",
-                                                      "f6.wdl", "f7.wdl", "f8.wdl"}
-                                       << QString()
-                                       << QStringList{"f8.wdl", "f7.wdl", "f6.wdl", "f5.wdl", "f4.wdl", "f3.wdl",
-                                                      "f2.wdl", "f1.wdl"};
+        QTest::newRow("at most eight") << QStringList{"0.wdl", "1.wdl", "2.wdl", "3.wdl", "4.wdl", "5.wdl", "6.wdl",
+                                                      "7.wdl", "8.wdl"} << QString()
+                                       << QStringList{"8.wdl", "7.wdl", "6.wdl", "5.wdl", "4.wdl", "3.wdl", "2.wdl", "1.wdl"};
         QTest::newRow("missing taken off") << QStringList{"a.wdl", "gone.wdl", "c.wdl"} << QString("gone.wdl")
                                            << QStringList{"c.wdl", "a.wdl", "start.wdl"};
     }
@@ -111,96 +84,74 @@ private Q_SLOTS:
         auto gui = tool({doc("start.wdl")});
         for (const QString& name : opened)
             gui->openFile(doc(name));
-        QCOMPARE(gui->fullFileName(), dir_.filePath(opened.last()));
-        if (!deleted.isEmpty())
-            QVERIFY(QFile::remove(dir_.filePath(deleted)));
+        QVERIFY(deleted.isEmpty() || QFile::remove(dir_.filePath(deleted)));
         QCOMPARE(entries(gui->recentFilesMenu()), menu);
-        QCOMPARE(gui->statusBar()->currentMessage().contains(deleted), true);
-        QCOMPARE(gui->statusBar()->currentMessage().isEmpty(), deleted.isEmpty());
-        // Right below Open in the File menu.
+        QCOMPARE(gui->statusBar()->currentMessage().section(": ", 1), deleted.isEmpty() ? "" : dir_.filePath(deleted));
         const QList<QAction*> file = gui->menuBar()->actions().first()->menu()->actions();
-        QCOMPARE(file.indexOf(gui->recentFilesMenu()->menuAction()),
-                 file.indexOf(gui->sharedAction(QStringLiteral("open"))) + 1);
+        QCOMPARE(file.indexOf(gui->recentFilesMenu()->menuAction()), file.indexOf(gui->sharedAction("open")) + 1);
         QCOMPARE(entries(tool()->recentFilesMenu()), menu);
+        gui->recentFilesMenu()->actions().last()->trigger();   // Clear Recent Files
+        QCOMPARE(entries(gui->recentFilesMenu()), QStringList());
     }
 
-    // An entry whose file went away after the menu was shown: a note, the
-    // entry goes, the open document stays. Clear empties the list.
-    void recentFileGoneAndClear()
-    {
-        auto gui = tool({doc("start.wdl")});
-        gui->openFile(doc("later.wdl"));
-        QMenu* menu = gui->recentFilesMenu();
-        QCOMPARE(entries(menu), (QStringList{"later.wdl", "start.wdl"}));
-        QVERIFY(QFile::remove(dir_.filePath("start.wdl")));
-        ModalAnswerer answerer({press(QMessageBox::Ok)});
-        menu->actions().at(1)->trigger();
-        VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.said().value(0), "The file \"" + dir_.filePath("start.wdl")
-                                                + "\" no longer exists. It was taken off the recent files.");
-        QCOMPARE(gui->fullFileName(), dir_.filePath("later.wdl"));
-        QCOMPARE(entries(menu), QStringList{"later.wdl"});
-        menu->actions().last()->trigger();
-        QCOMPARE(entries(menu), QStringList());
-        QVERIFY(!menu->actions().last()->isEnabled());
-    }
-
-    // What is dropped, whether the window takes it, and what it then shows;
-    // with unsaved changes the usual question comes first.
+    // What is dropped, whether the window takes it, what it then shows; with
+    // unsaved changes the usual question comes first.
     void dropDocument_data()
     {
         QTest::addColumn<QStringList>("dropped");
-        QTest::addColumn<bool>("modified");
         QTest::addColumn<int>("answer");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("document") << QStringList{"drop.wdl"} << false << 0 << "drop.wdl";
-        QTest::newRow("upper-case suffix") << QStringList{"DROP.WDL"} << false << 0 << "DROP.WDL";
-        QTest::newRow("text file") << QStringList{"notes.txt"} << false << 0 << "start.wdl";
-        QTest::newRow("folder named .wdl") << QStringList{"dir.wdl"} << false << 0 << "start.wdl";
-        QTest::newRow("first document of several") << QStringList{"notes.txt", "drop.wdl", "b.wdl"} << false << 0
-                                                   << "drop.wdl";
-        QTest::newRow("unsaved, not saved") << QStringList{"drop.wdl"} << true << int(QMessageBox::No) << "drop.wdl";
+        QTest::newRow("document") << QStringList{"drop.wdl"} << 0 << "drop.wdl";
+        QTest::newRow("upper-case suffix") << QStringList{"DROP.WDL"} << 0 << "DROP.WDL";
+        QTest::newRow("text file") << QStringList{"notes.txt"} << 0 << "start.wdl";
+        QTest::newRow("folder named .wdl") << QStringList{"dir.wdl"} << 0 << "start.wdl";
+        QTest::newRow("first of several") << QStringList{"notes.txt", "drop.wdl", "b.wdl"} << 0 << "drop.wdl";
+        QTest::newRow("unsaved, not saved") << QStringList{"drop.wdl"} << int(QMessageBox::No) << "drop.wdl";
     }
     void dropDocument()
     {
         QFETCH(QStringList, dropped);
-        QFETCH(bool, modified);
         QFETCH(int, answer);
         QFETCH(QString, shown);
         QVERIFY(QDir(dir_.path()).mkpath("dir.wdl"));
         auto gui = tool({doc("start.wdl")});
-        if (modified)
+        if (answer)
             gui->SetDirtyBit();
-        QStringList paths;
+        QMimeData data;
         for (const QString& name : dropped)
-            paths << (name.endsWith(".txt") || name == "dir.wdl" ? dir_.filePath(name) : doc(name));
+            data.setUrls(data.urls() << QUrl::fromLocalFile(name.endsWith(".txt") || name == "dir.wdl" ? dir_.filePath(name) : doc(name)));
         ModalAnswerer answerer(answer ? QList<Answer>{press(QMessageBox::StandardButton(answer))} : QList<Answer>());
-        bool accepted = false;
-        sendDrop(gui.get(), paths, accepted);
-        QCOMPARE(accepted, shown != "start.wdl");
+        QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(gui.get(), &enter);
+        QCOMPARE(enter.isAccepted(), shown != "start.wdl");
+        QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        if (enter.isAccepted())
+            QCoreApplication::sendEvent(gui.get(), &drop);
         QTRY_COMPARE(gui->fullFileName(), dir_.filePath(shown));
         VERIFY_ANSWERED(answerer);
         QCOMPARE(answerer.said(), answer ? QStringList{"Do you want to save your changes?"} : QStringList());
     }
 
-    // A document of a few MB opened with the progress dialog at once: Cancel
-    // leaves the open document, its name and the recent files as they were;
-    // without Cancel the document opens.
-    void openWithProgress_data()
+    // Long work with its progress dialog at once. Open cancelled: the open
+    // document, its changes and the recent files stay; run through: the big
+    // document opens. Print to PDF cancelled: no file is left.
+    void longWorkWithProgress_data()
     {
+        QTest::addColumn<QString>("work");
         QTest::addColumn<bool>("cancel");
-        QTest::newRow("cancelled") << true;
-        QTest::newRow("run through") << false;
+        QTest::newRow("open, cancelled") << "open" << true;
+        QTest::newRow("open, run through") << "open" << false;
+        QTest::newRow("print, cancelled") << "print" << true;
     }
-    void openWithProgress()
+    void longWorkWithProgress()
     {
+        QFETCH(QString, work);
         QFETCH(bool, cancel);
-        const QString big = bigDocument();
-        auto gui = tool({doc("start.wdl")});
-        // Unsaved changes: the question comes first, and they stay after Cancel.
-        if (cancel)
+        const QString big = doc("big.wdl", 600);
+        auto gui = tool({work == "print" ? big : doc("start.wdl")});
+        auto answerer = cancel && work == "open" ? std::make_unique<ModalAnswerer>(QList<Answer>{press(QMessageBox::No)}) : nullptr;
+        if (answerer)
             gui->SetDirtyBit();
-        ProgressGate::delayMs = 0;
         bool shown = false;
         QTimer watch;
         connect(&watch, &QTimer::timeout, [&] {
@@ -211,16 +162,24 @@ private Q_SLOTS:
             }
         });
         watch.start(0);
-        auto answerer = cancel ? std::make_unique<ModalAnswerer>(QList<Answer>{press(QMessageBox::No)}) : nullptr;
-        gui->openFile(big);
+        ProgressGate::delayMs = 0;
+        QPrinter printer(QPrinter::ScreenResolution);
+        printer.setOutputFileName(dir_.filePath("big.pdf"));
+        gui->printSettings().timeScale = 200;
+        if (work == "open")
+            gui->openFile(big);
+        else
+            gui->PreviewPages(&printer);
         ProgressGate::delayMs = 500;
+        QVERIFY(shown);
         if (answerer)
             VERIFY_ANSWERED(*answerer);
-        QVERIFY(shown);
-        QCOMPARE(gui->fullFileName(), cancel ? dir_.filePath("start.wdl") : big);
-        QCOMPARE(gui->document()->waves.size(), cancel ? 1 : 600);
-        QCOMPARE(gui->isModified(), cancel);
-        QCOMPARE(entries(gui->recentFilesMenu()).value(0), cancel ? "start.wdl" : "big.wdl");
+        const bool kept = cancel && work == "open";
+        QCOMPARE(gui->fullFileName(), kept ? dir_.filePath("start.wdl") : big);
+        QCOMPARE(gui->document()->waves.size(), kept ? 1 : 600);
+        QCOMPARE(gui->isModified(), kept);
+        QCOMPARE(entries(gui->recentFilesMenu()).value(0), kept ? "start.wdl" : "big.wdl");
+        QVERIFY(!QFileInfo::exists(dir_.filePath("big.pdf")));
     }
 
     // An export stopped while reading or while writing returns 2 and leaves
@@ -238,35 +197,12 @@ private Q_SLOTS:
         QFETCH(int, stopAt);
         const QString output = dir_.filePath("big.vcd");
         QVERIFY(testfiles::writeFile(output, "before"));
-        QByteArray args[] = {"-vcd", bigDocument().toLocal8Bit(), "-out=" + output.toLocal8Bit()};
+        QByteArray args[] = {"-vcd", doc("big.wdl", 600).toLocal8Bit(), "-out=" + output.toLocal8Bit()};
         char* argv[] = {args[0].data(), args[1].data(), args[2].data()};
         int calls = 0;
         QTEST(ExportWaveforms(3, argv, [&](qint64, qint64) { return ++calls != stopAt; }), "result");
         QVERIFY(stopAt ? calls == stopAt : calls >= 4);
         QCOMPARE(testfiles::readFile(output) == "before", stopAt != 0);
-    }
-
-    // Printing the big document to PDF at a time scale that makes many pages:
-    // Cancel ends the print and leaves no file behind.
-    void printWithProgress()
-    {
-        auto gui = tool({bigDocument()});
-        gui->printSettings().timeScale = 200;
-        QPrinter printer(QPrinter::ScreenResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        const QString pdf = dir_.filePath("big.pdf");
-        printer.setOutputFileName(pdf);
-        ProgressGate::delayMs = 0;
-        QTimer watch;
-        connect(&watch, &QTimer::timeout, [&] {
-            if (auto* dialog = gui->findChild<QProgressDialog*>("progressGate"); dialog && dialog->isVisible()) {
-                dialog->cancel();
-            }
-        });
-        watch.start(0);
-        gui->PreviewPages(&printer);
-        ProgressGate::delayMs = 500;
-        QVERIFY(!QFileInfo::exists(pdf));
     }
 
     // A dark palette turns the colours the user left alone dark; a colour the
@@ -281,18 +217,13 @@ private Q_SLOTS:
         dark.setColor(QPalette::Base, QColor(30, 30, 34));
         dark.setColor(QPalette::Text, QColor(220, 220, 220));
         QApplication::setPalette(dark);
-        const QList<QColor> expected = VokGUI::defaultColors(dark);
-        QCOMPARE(gui->color_back, QColor(30, 30, 34));
-        QCOMPARE(gui->color_names, QColor(220, 220, 220));
-        QCOMPARE(gui->color_signal, expected.at(3));
-        QVERIFY(gui->color_signal.lightness() > 128);
-        QCOMPARE(gui->color_x, QColor(Qt::green));
+        QCOMPARE(gui->colors().mid(1), (QList<QColor>{QColor(30, 30, 34), QColor(220, 220, 220), QColor(90, 90, 100),
+                 QColor(90, 160, 255), QColor(90, 160, 255), QColor(Qt::green), QColor(150, 150, 150)}));
         QApplication::setPalette(light);
         QCOMPARE(gui->color_back, light.color(QPalette::Base));
         gui.reset();
         const QByteArray ini = testfiles::readFile(qEnvironmentVariable("XDG_CONFIG_HOME") + "/Vostranelle/WAVE_EDITOR.ini");
-        QVERIFY(ini.contains("color_x="));
-        QVERIFY(!ini.contains("color_back="));
+        QVERIFY(ini.contains("color_x=") && !ini.contains("color_back="));
     }
 };
 

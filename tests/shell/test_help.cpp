@@ -60,12 +60,13 @@ class TestHelp : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    // The first argument of every help call in the sources: a literal, or a
-    // name whose definition in that file holds the literals.
-    void everyTopicAskedForHasItsPage_data()
+    // Every place the program may show: the topic of every help call in the
+    // sources (a literal, or a name whose definition in that file holds the
+    // literals), and every link of every page.
+    void everyPlaceResolves_data()
     {
-        QTest::addColumn<QString>("topic");
-        QTest::newRow("main") << QStringLiteral("WAVE_EDITOR");
+        QTest::addColumn<QString>("location");
+        QTest::newRow("main") << BaseHelp::locationOf(QStringLiteral("WAVE_EDITOR"));
         const QRegularExpression call(QStringLiteral("(?:open\\w*HelpUrl|getWhatsThisText)\\(\\s*([^,;]*)"));
         for (const char* dir : {"host", "shell", "edit", "view"}) {
             QDirIterator files(QStringLiteral(VOK_SOURCE_DIR "/") + QLatin1String(dir), {QStringLiteral("*.cpp")});
@@ -74,45 +75,30 @@ private Q_SLOTS:
                 for (const QRegularExpressionMatch& m : call.globalMatch(source)) {
                     QStringList topics = literalsIn(m.captured(1));
                     const QString name = m.captured(1).section(QLatin1Char('('), -1).remove(QLatin1Char(')')).trimmed();
-                    if (topics.isEmpty() && !name.isEmpty()) {
-                        const QRegularExpression definition(QStringLiteral("\\b%1\\s*=([^;]*);").arg(name));
-                        topics = literalsIn(definition.match(source).captured(1));
-                    }
+                    if (topics.isEmpty() && !name.isEmpty())
+                        topics = literalsIn(QRegularExpression(QStringLiteral("\\b%1\\s*=([^;]*);").arg(name)).match(source).captured(1));
                     topics.removeDuplicates();
                     for (const QString& topic : std::as_const(topics))
-                        QTest::addRow("%s %s", qPrintable(files.fileName()), qPrintable(topic)) << topic;
+                        QTest::addRow("%s %s", qPrintable(files.fileName()), qPrintable(topic)) << BaseHelp::locationOf(topic);
                 }
             }
         }
-    }
-    void everyTopicAskedForHasItsPage()
-    {
-        QFETCH(QString, topic);
-        QVERIFY2(resolves(BaseHelp::locationOf(topic)), qPrintable(BaseHelp::locationOf(topic)));
-    }
-
-    void everyLinkLands_data()
-    {
-        QTest::addColumn<QString>("page");
-        QTest::addColumn<QString>("target");
         QDirIterator pages(QStringLiteral(":/help"), {QStringLiteral("*.html")});
         int count = 0;
-        while (pages.hasNext()) {
+        for (; pages.hasNext(); ++count) {
             const QString page = pages.next();
-            ++count;
-            const QRegularExpression link(QStringLiteral("href=\"([^\"]*)\""));
-            for (const QRegularExpressionMatch& m : link.globalMatch(textOf(page))) {
-                QString target = m.captured(1);
-                target = target.startsWith(QLatin1Char('#')) ? page + target : QStringLiteral(":/help/") + target;
-                QTest::addRow("%s -> %s", qPrintable(pages.fileName()), qPrintable(m.captured(1))) << page << target;
+            for (const QRegularExpressionMatch& m : QRegularExpression(QStringLiteral("href=\"([^\"]*)\"")).globalMatch(textOf(page))) {
+                const QString target = m.captured(1);
+                QTest::addRow("%s -> %s", qPrintable(pages.fileName()), qPrintable(target))
+                    << (target.startsWith(QLatin1Char('#')) ? page : QStringLiteral(":/help/")) + target;
             }
         }
         QVERIFY(count >= 17);
     }
-    void everyLinkLands()
+    void everyPlaceResolves()
     {
-        QFETCH(QString, target);
-        QVERIFY2(resolves(target), qPrintable(target));
+        QFETCH(QString, location);
+        QVERIFY2(resolves(location), qPrintable(location));
     }
 
     // Menus and tool bars of a real window against the command and shortcut
