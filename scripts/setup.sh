@@ -10,6 +10,8 @@ VOK_PACKAGES=(
     xvfb xauth
     # the simulators the export tests run every export through
     iverilog verilator ghdl ghdl-mcode
+    # the package test checks the menu entry with desktop-file-validate
+    desktop-file-utils
 )
 
 vok_install_packages() {
