@@ -1,6 +1,7 @@
 #include "exportwaveforms.h"
 
 #include "waveformdata.h"
+#include "wavereader.h"
 #include "writers.h"
 
 #include <QFile>
@@ -12,6 +13,9 @@
 namespace kesu::toolvok {
 
 namespace {
+
+// What ExportWaveforms returns when its progress stopped it.
+constexpr int Stopped = 2;
 
 struct Format {
     const char* option;
@@ -70,14 +74,14 @@ QString parseArguments(int argc, char** argv, Arguments& args)
     return {};
 }
 
-QString readDocument(const QString& path, WaveformData& document)
+QString readDocument(const QString& path, WaveformData& document, const Progress& progress, bool& stopped)
 {
     QFile file(path);
     if (QFileInfo(path).isDir())
         return QStringLiteral("cannot read %1: it is a folder").arg(path);
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("cannot read %1: %2").arg(path, file.errorString());
-    document.loadData(file);
+    stopped = !WaveReader(document).readDevice(file, progress);
     if (file.error() != QFileDevice::NoError)
         return QStringLiteral("cannot read %1: %2").arg(path, file.errorString());
     return {};
@@ -96,7 +100,7 @@ QString printable(QString text)
 
 } // namespace
 
-int ExportWaveforms(int argc, char** argv)
+int ExportWaveforms(int argc, char** argv, const Progress& progress)
 {
     Arguments args;
     const QString problem = parseArguments(argc, argv, args);
@@ -104,9 +108,12 @@ int ExportWaveforms(int argc, char** argv)
         return fail(problem);
 
     WaveformData document;
-    const QString unreadable = readDocument(args.input, document);
+    bool stopped = false;
+    const QString unreadable = readDocument(args.input, document, progress, stopped);
     if (!unreadable.isEmpty())
         return fail(unreadable);
+    if (stopped)
+        return Stopped;
 
     ExportPlan plan;
     plan.source = printable(QFileInfo(args.input).fileName());
@@ -126,8 +133,11 @@ int ExportWaveforms(int argc, char** argv)
     if (!file.open(QIODevice::WriteOnly))
         return fail(QStringLiteral("cannot write %1: %2").arg(args.output, file.errorString()));
     OutputStream out(file);
+    out.setProgress(progress);
     args.format->write(plan, out);
-    if (!out.flush() || !file.commit())
+    if (!out.flush() && out.stopped())
+        return Stopped;
+    if (!out.ok() || !file.commit())
         return fail(QStringLiteral("cannot write %1: %2").arg(args.output, file.errorString()));
     return 0;
 }

@@ -19,7 +19,10 @@ bool OutputStream::flush()
 {
     if (ok_ && used_ > 0)
         ok_ = device_.write(buffer_.get(), qint64(used_)) == qint64(used_);
+    written_ += qint64(used_);
     used_ = 0;
+    if (ok_ && progress_ && !progress_(written_, 0))
+        ok_ = false, stopped_ = true;
     return ok_;
 }
 
@@ -30,6 +33,7 @@ bool OutputStream::spill(const char* text, size_t size)
         return true;
     if (ok_)
         ok_ = device_.write(text, qint64(size)) == qint64(size);
+    written_ += qint64(size);
     return false;
 }
 

@@ -2,6 +2,8 @@
 // export of any size never holds more than one piece in memory.
 #pragma once
 
+#include "progress.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
@@ -38,8 +40,13 @@ public:
     OutputStream& operator<<(const char* text) { return put(text, std::strlen(text)); }
     OutputStream& number(quint64 n);
 
-    // Writes what is buffered; false once any write has failed.
+    // Writes what is buffered; false once any write has failed or the
+    // progress asked to stop.
     bool flush();
+    bool ok() const { return ok_; }
+    // Told the bytes written after each piece; the total is not known.
+    void setProgress(Progress progress) { progress_ = std::move(progress); }
+    bool stopped() const { return stopped_; }
 
 private:
     // Empties the buffer; false when text went straight to the device.
@@ -50,6 +57,9 @@ private:
     std::unique_ptr<char[]> buffer_;
     size_t used_ = 0;
     bool ok_ = true;
+    Progress progress_;
+    qint64 written_ = 0;
+    bool stopped_ = false;
 };
 
 } // namespace kesu::toolvok

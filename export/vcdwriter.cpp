@@ -143,7 +143,7 @@ public:
                ValueText& valueText, OutputStream& out)
     {
         quint64 width = 1024;
-        for (;;) {
+        while (out.ok()) {
             quint64 start = NoTime;
             for (const WaveChanges& wave : waves)
                 start = std::min(start, wave.next(endTime));

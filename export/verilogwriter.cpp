@@ -92,8 +92,9 @@ void writeVerilogVectors(const ExportPlan& plan, OutputStream& out)
             out << '[' << std::to_string(signal.left) << ':' << std::to_string(signal.right) << "] ";
         out << signal.id << ";\n";
     }
-    for (const ExportSignal& signal : plan.signals)
-        writeWave(signal, out);
+    // A stopped stream writes nothing more: the waves left are not worked out.
+    for (size_t i = 0; i < plan.signals.size() && out.ok(); ++i)
+        writeWave(plan.signals[i], out);
     out << "\n  initial begin\n    ";
     writeDelay(plan.endTime, out);
     out << "\n    $finish;\n  end\nendmodule\n";

@@ -185,7 +185,7 @@ void writeVhdlTestBench(const ExportPlan& plan, OutputStream& out)
     out << ";\n";
     for (const ExportSignal& signal : plan.signals) {
         const int kind = signal.wave->polarity;
-        if (kind == Input || kind == Bidir || kind == Global)
+        if (out.ok() && (kind == Input || kind == Bidir || kind == Global))
             writeVhdlStimulus(plan, signal, out);
     }
     for (size_t i = 0; i < outputs.size(); ++i)

@@ -135,8 +135,9 @@ void writeVhdlVectors(const ExportPlan& plan, OutputStream& out)
     for (const ExportSignal& signal : plan.signals)
         out << "  signal " << signal.id << " : " << vhdlType(signal) << ";\n";
     out << "  signal finished : boolean := false;\nbegin\n";
-    for (const ExportSignal& signal : plan.signals)
-        writeVhdlStimulus(plan, signal, out);
+    // A stopped stream writes nothing more: the waves left are not worked out.
+    for (size_t i = 0; i < plan.signals.size() && out.ok(); ++i)
+        writeVhdlStimulus(plan, plan.signals[i], out);
     out << "\n  -- the end: forever loops stop\n  process\n  begin\n    wait for "
         << vhdlTime(plan.endTime, plan.tickExponent) << ";\n    finished <= true;\n    wait;\n  end process;\n"
         << "end architecture vectors;\n";

@@ -5,7 +5,9 @@
 #include <QHash>
 #include <QPointer>
 #include <QRegularExpression>
+#include <QStyle>
 #include <QTextBrowser>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 namespace kesu::toolvok {
@@ -13,6 +15,7 @@ namespace kesu::toolvok {
 namespace {
 
 constexpr const char* MainPage = "waveform_editor";
+constexpr const char* ContentsPage = "index";
 
 class HelpWindow : public QDialog
 {
@@ -24,8 +27,24 @@ public:
         browser_ = new QTextBrowser(this);
         browser_->setSearchPaths({QStringLiteral(":/help")});
         browser_->setOpenExternalLinks(true);
+        // The pages link to each other: the viewer needs a way back.
+        auto* bar = new QToolBar(this);
+        QAction* back = bar->addAction(style()->standardIcon(QStyle::SP_ArrowBack), tr("Back"), browser_,
+                                       &QTextBrowser::backward);
+        QAction* forward = bar->addAction(style()->standardIcon(QStyle::SP_ArrowForward), tr("Forward"),
+                                          browser_, &QTextBrowser::forward);
+        bar->addAction(style()->standardIcon(QStyle::SP_DirHomeIcon), tr("Contents"), this, [this] {
+            const QString contents = BaseHelp::pageOf(QLatin1String(ContentsPage));
+            show(contents.isEmpty() ? BaseHelp::pageOf(QLatin1String(MainPage)) : contents);
+        });
+        back->setEnabled(false);
+        forward->setEnabled(false);
+        connect(browser_, &QTextBrowser::backwardAvailable, back, &QAction::setEnabled);
+        connect(browser_, &QTextBrowser::forwardAvailable, forward, &QAction::setEnabled);
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(0);
+        layout->addWidget(bar);
         layout->addWidget(browser_);
         resize(640, 560);
     }
@@ -52,13 +71,9 @@ QPointer<HelpWindow>& window()
 
 void showTopic(const QString& topic)
 {
-    // A topic without a page of its own is a section of the main page.
-    QString page = BaseHelp::pageOf(topic);
-    if (page.isEmpty())
-        page = BaseHelp::pageOf(QLatin1String(MainPage)) + QLatin1Char('#') + topic;
     if (!window())
         window() = new HelpWindow;
-    window()->show(page);
+    window()->show(BaseHelp::locationOf(topic));
 }
 
 QString readPage(const QString& path)
@@ -81,9 +96,19 @@ QString BaseHelp::pageOf(const QString& topic)
     return QFile::exists(path) ? path : QString();
 }
 
+QString BaseHelp::locationOf(const QString& topic)
+{
+    // The tool itself, by name or none, is the main page; a topic without a
+    // page of its own is a section of it.
+    if (topic.isEmpty() || topic == QLatin1String("WAVE_EDITOR"))
+        return pageOf(QLatin1String(MainPage));
+    const QString page = pageOf(topic);
+    return page.isEmpty() ? pageOf(QLatin1String(MainPage)) + QLatin1Char('#') + topic : page;
+}
+
 void BaseHelp::openHelpUrl(const QString& tool)
 {
-    showTopic(tool.isEmpty() || tool == QLatin1String("WAVE_EDITOR") ? QLatin1String(MainPage) : tool);
+    showTopic(tool);
 }
 
 void BaseHelp::openDialogHelpUrl(const QString& topic)

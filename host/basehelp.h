@@ -24,6 +24,9 @@ public:
 
     // The resource path of a topic's page, or empty when there is no page.
     static QString pageOf(const QString& topic);
+    // Where a topic is shown: its page, or a section ("page#topic") of the
+    // main page.
+    static QString locationOf(const QString& topic);
     // The window that shows the pages; created on first use.
     static QWidget* helpWindow();
     static QString currentPage();

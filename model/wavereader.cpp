@@ -120,8 +120,9 @@ private:
 
 WaveReader::WaveReader(WaveformData& doc) : doc_(doc), repeatBudget_(RepeatBudget) {}
 
-void WaveReader::readDevice(QIODevice& file)
+bool WaveReader::readDevice(QIODevice& file, const Progress& progress)
 {
+    bool stopped = false;
     StatementReader reader(*this);
     // Qt's decoding drops one byte order mark, and the reader another.
     reader.marksToSkip = 2;
@@ -139,10 +140,16 @@ void WaveReader::readDevice(QIODevice& file)
         const size_t used = reader.feed(buffer.data(), held, last);
         if (last || reader.stopped())
             break;
+        if (progress && !progress(file.pos(), file.size())) {
+            stopped = true;
+            break;
+        }
         std::memmove(buffer.data(), buffer.data() + used, held - used);
         held -= used;
     }
+    // Also when stopped: the placeholders belong to their waves only then.
     resolvePatternReferences();
+    return !stopped;
 }
 
 void WaveReader::readText(const QString& text)

@@ -3,6 +3,8 @@
 // still to resolve) so that the document it fills carries none of it.
 #pragma once
 
+#include "progress.h"
+
 #include <QList>
 #include <QPair>
 #include <QString>
@@ -26,7 +28,9 @@ public:
     WaveReader& operator=(const WaveReader&) = delete;
 
     // Whole loads: every statement, then the "$" references resolved.
-    void readDevice(QIODevice& file);
+    // False when progress stopped the read: the document holds only a part
+    // and is for the caller to throw away.
+    bool readDevice(QIODevice& file, const Progress& progress = {});
     void readText(const QString& text);
 
     // One statement, UTF-8 bytes; its "$" references wait for

@@ -12,6 +12,8 @@ VOK_PACKAGES=(
     iverilog verilator ghdl ghdl-mcode
     # SVG pictures; pdfinfo checks the PDF pages in the tests
     qt6-svg-dev poppler-utils
+    # the package test checks the menu entry with desktop-file-validate
+    desktop-file-utils
 )
 
 vok_install_packages() {

@@ -2,11 +2,13 @@
 
 #include "basehelp.h"
 #include "exportwaveforms.h"
+#include "progressgate.h"
 #include "vokgui.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
+#include <QFileInfo>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -133,7 +135,8 @@ void ExportDlg::onOK()
         return;
     }
     QFile created(output);
-    if (!created.exists() && !created.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+    const bool existed = created.exists();
+    if (!existed && !created.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
         VokGUI::showerrormsg(QStringLiteral("Cannot open output file for writing."), this);
         return;
     }
@@ -141,7 +144,15 @@ void ExportDlg::onOK()
     // Sized to fit: no path is too long.
     QByteArray args[] = {types[m_type->currentIndex()].option, input.toLocal8Bit(), "-out=" + output.toLocal8Bit()};
     char* argv[] = {args[0].data(), args[1].data(), args[2].data()};
-    if (ExportWaveforms(3, argv) != 0)
+    ProgressGate progress(this, QStringLiteral("Exporting %1...").arg(QFileInfo(output).fileName()));
+    const int result = ExportWaveforms(3, argv, progress.callback());
+    if (progress.cancelled()) {
+        // As if the export had never been asked for: the dialog stays open.
+        if (!existed)
+            QFile::remove(output);
+        return;
+    }
+    if (result != 0)
         QMessageBox::critical(this, QStringLiteral("Error"), QStringLiteral("Error is found when exporting."), QMessageBox::Ok);
     accept();
 }

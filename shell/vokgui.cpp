@@ -6,6 +6,7 @@
 #include "baseusrsettings.h"
 #include "editdlg.h"
 #include "patterndlg.h"
+#include "recentfiles.h"
 #include "rulerview.h"
 #include "voknavigator.h"
 #include "wavedatadlg.h"
@@ -75,6 +76,7 @@ VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool st
 
     createActions();
     createDocks();
+    createComfort();
     buildMenuLists();
     takeFirstFile(files);
     if (!m_fullFileName.isEmpty())
@@ -110,19 +112,15 @@ VokGUI::~VokGUI()
 
 void VokGUI::readColors()
 {
-    struct Entry { const char* key; QColor* color; Qt::GlobalColor fallback; };
-    const Entry entries[] = {
-        {"color_back", &color_back, Qt::white}, {"color_names", &color_names, Qt::black},
-        {"color_h", &color_h, Qt::gray},        {"color_signal", &color_signal, Qt::blue},
-        {"color_bus", &color_bus, Qt::blue},    {"color_x", &color_x, Qt::red},
-        {"color_z", &color_z, Qt::gray},
-    };
-    for (const Entry& e : entries) {
-        const QVariant stored = m_usrSettings->value(QLatin1String(e.key));
+    const char* const keys[] = {"color_back", "color_names", "color_h", "color_signal", "color_bus", "color_x", "color_z"};
+    m_paletteColors = defaultColors(palette());
+    const QList<QColor*> fields = colorFields();
+    for (int i = 0; i < fields.size(); ++i) {
+        const QVariant stored = m_usrSettings->value(QLatin1String(keys[i]));
         // A stored value that is not a colour keeps the default.
         const QColor color = stored.metaType().id() == QMetaType::QColor ? stored.value<QColor>()
                                                                         : QColor(stored.toString());
-        *e.color = stored.isValid() && color.isValid() ? color : QColor(e.fallback);
+        *fields.at(i) = stored.isValid() && color.isValid() ? color : m_paletteColors.at(i);
     }
 }
 
@@ -194,6 +192,7 @@ bool VokGUI::initialize()
     m_fullTitle = m_toolTitle + QStringLiteral(" - ")
         + (m_fullFileName.isEmpty() ? m_title : m_fullFileName);
     BasGUITool::initialize();
+    placeRecentFilesMenu();
     initMyMenus();
     initMyConnections();
     if (isStandalone())

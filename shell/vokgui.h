@@ -20,6 +20,7 @@
 
 class QFile;
 class QFrame;
+class QPalette;
 class QIODevice;
 class QPainter;
 class QPrinter;
@@ -34,6 +35,7 @@ namespace kesu::toolvok {
 class BaseUsrSettings;
 class EditDlg;
 class PatternDlg;
+class RecentFiles;
 class RulerView;
 class SegmentRange;
 class VokNavigator;
@@ -160,6 +162,16 @@ public:
     QColor color_back, color_names, color_h, color_signal, color_bus, color_x, color_z;
     // As applyColors takes them; entry 0, which it skips, repeats the names colour.
     QList<QColor> colors() const;
+    // The drawing colours, in settings order, that a palette suggests when
+    // the user has chosen none.
+    static QList<QColor> defaultColors(const QPalette& palette);
+
+    // --- desktop comforts (shell/vokgui_comfort.cpp) ----------------------
+    // Opens a document as File > Open does once its dialog has a name.
+    void openFile(const QString& path);
+    void openRecentFile(const QString& path);
+    RecentFiles* recentFiles() const { return m_recentFiles.get(); }
+    QMenu* recentFilesMenu() const { return m_recentMenu; }
 
     // --- navigation (view/vokgui_navigation.cpp) --------------------------
     void changeStep(quint64 s);
@@ -227,6 +239,8 @@ public Q_SLOTS:
     void Reload();
     void fileNew();
     void fileOpen();
+    void fillRecentFilesMenu();
+    void followPalette();
     void fileClose();
     bool fileSaveAs();
     bool CompareData() const;
@@ -357,6 +371,13 @@ private:
     // Shows the document just read or imported, fitted to the view.
     void showDocument();
     bool askToSave();
+    void createComfort();
+    void placeRecentFilesMenu();
+    void noteRecentFile(const QString& path);
+    // Reads the file into m_preloaded, which loadData then takes in place of
+    // reading it again; false when the user cancelled the read.
+    bool preload(const QString& path);
+    QList<QColor*> colorFields();
 
     // Host contract state.
     QList<QAction*> m_menuItems[4];
@@ -409,6 +430,12 @@ private:
     bool m_showGuideline = false;
     int m_storedListWidth = 150;
     std::unique_ptr<QSettings> m_settings;
+    std::unique_ptr<RecentFiles> m_recentFiles;
+    QMenu* m_recentMenu = nullptr;
+    std::unique_ptr<WaveformData> m_preloaded;
+    QString m_preloadedPath;
+    // The colours the palette suggested last: those still in use follow the next one.
+    QList<QColor> m_paletteColors;
 
     static int m_untitleNum;
 };

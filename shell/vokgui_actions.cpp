@@ -34,6 +34,7 @@ void VokGUI::buildMenuLists()
     };
     m_menuItems[FileMenu] = {action(ActExport), action(ActExportImage)};
     m_menuItems[FileMenu].prepend(action(ActImportVcd));
+    m_menuItems[FileMenu].append(m_recentMenu->menuAction());
     m_menuItems[EditMenu] = {action(ActEditMode), separator(), action(ActNewWave), action(ActImportWave),
                              action(ActDupWave), action(ActShowWave), action(ActHideWave),
                              action(ActRemoveWave), separator(), action(ActTimeSettings)};

@@ -15,7 +15,18 @@ namespace kesu::toolvok {
 
 bool VokGUI::loadData(QFile& file)
 {
-    m_data->loadData(file);
+    if (m_preloaded && m_preloadedPath == file.fileName()) {
+        // The document was read already (Open, with progress): it moves in.
+        std::swap(m_data->waves, m_preloaded->waves);
+        m_data->masterClockMult = m_preloaded->masterClockMult;
+        m_data->smallestUnit = m_preloaded->smallestUnit;
+        m_data->autoAssign = m_preloaded->autoAssign;
+        m_data->decimals = m_preloaded->decimals;
+        m_data->endTime = m_preloaded->endTime;
+        m_preloaded.reset();
+    } else {
+        m_data->loadData(file);
+    }
     showDocument();
     return file.error() == QFileDevice::NoError;
 }

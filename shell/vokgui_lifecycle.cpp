@@ -83,6 +83,7 @@ bool VokGUI::LoadFile()
         return false;
     }
     m_lastFile = m_fullFileName;
+    noteRecentFile(m_fullFileName);
     loadData(file);
     file.close();
 
@@ -203,17 +204,27 @@ void VokGUI::fileOpen()
                                      tr("Waveform File (*.wdl);;All Files (*)"));
     if (name.isEmpty())
         return;
+    openFile(name);
+}
+
+void VokGUI::openFile(const QString& name)
+{
     if (!isStandalone()) {
         Q_EMIT sigToProbe(toolName(), this, QStringList{name}, -1);
         return;
     }
     askToSave();
+    // Read before closing: a load cancelled from its progress dialog leaves
+    // the open document as it was.
+    if (!preload(QFileInfo(name).absoluteFilePath()))
+        return;
     CloseFile();
     m_fullFileName = QFileInfo(name).absoluteFilePath();
     // Here the short name is the whole path.
     m_title = m_fullFileName;
     m_fullTitle = m_toolTitle + QStringLiteral(" - ") + m_fullFileName;
     LoadFile();
+    m_preloaded.reset();
     setWindowTitle(m_fullTitle);
     onActivated();
 }

@@ -73,13 +73,17 @@ void VokGUI::SaveWinSettings()
     const QList<int> sizes = m_splitter->sizes();
     s.setValue(QStringLiteral("main_splitter_0"), sizes.value(0, 150));
     s.setValue(QStringLiteral("main_splitter_1"), sizes.value(1, 600));
-    s.setValue(QStringLiteral("color_back"), color_back);
-    s.setValue(QStringLiteral("color_names"), color_names);
-    s.setValue(QStringLiteral("color_h"), color_h);
-    s.setValue(QStringLiteral("color_signal"), color_signal);
-    s.setValue(QStringLiteral("color_bus"), color_bus);
-    s.setValue(QStringLiteral("color_x"), color_x);
-    s.setValue(QStringLiteral("color_z"), color_z);
+    // A colour at the palette's default is not stored, so that it keeps
+    // following the desktop's palette, light or dark.
+    const char* const colorKeys[] = {"color_back", "color_names", "color_h", "color_signal",
+                                     "color_bus", "color_x", "color_z"};
+    const QList<QColor*> fields = colorFields();
+    for (int i = 0; i < fields.size(); ++i) {
+        if (*fields.at(i) == m_paletteColors.value(i))
+            s.settings().remove(QLatin1String(colorKeys[i]));
+        else
+            s.setValue(QLatin1String(colorKeys[i]), *fields.at(i));
+    }
     s.setValue(QStringLiteral("bus_radix"), QString::number(m_busRadix));
     s.setValue(QStringLiteral("auto_save"), QString::number(m_autoSave));
     s.setValue(QStringLiteral("show_guideline"), flag(m_showGuideline));

@@ -38,23 +38,36 @@ void eye(QPainter& p)
 
 } // namespace
 
+// The program's own icon, also drawn at the desktop's sizes.
+void editorIcon(QPainter& p)
+{
+    p.setBrush(QColor(245, 248, 255));
+    p.setPen(QPen(ink, 1.5));
+    p.drawRoundedRect(QRectF(1, 1, 30, 30), 5, 5);
+    pulse(p, 7, 15);
+    p.setPen(QPen(QColor(0, 150, 90), 2));
+    QPainterPath bus;
+    bus.moveTo(3, 24); bus.lineTo(6, 20); bus.lineTo(14, 20); bus.lineTo(17, 24);
+    bus.lineTo(14, 28); bus.lineTo(6, 28); bus.closeSubpath();
+    bus.moveTo(17, 24); bus.lineTo(20, 20); bus.lineTo(29, 20);
+    bus.moveTo(17, 24); bus.lineTo(20, 28); bus.lineTo(29, 28);
+    p.drawPath(bus);
+}
+
+// A waveform document: a sheet of paper with a pulse on it.
+void documentIcon(QPainter& p)
+{
+    sheet(p, QRectF(5, 2, 22, 28));
+    p.setPen(QPen(wave, 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const QPointF points[] = {{8, 23}, {12, 23}, {12, 14}, {18, 14}, {18, 23}, {24, 23}};
+    p.drawPolyline(points, 6);
+}
+
 bool drawToolIcons(const QString& dir)
 {
     const QDir out(dir);
     const std::pair<const char*, Drawing> icons[] = {
-        {"waveform_editor.png", [](QPainter& p) {
-             p.setBrush(QColor(245, 248, 255));
-             p.setPen(QPen(ink, 1.5));
-             p.drawRoundedRect(QRectF(1, 1, 30, 30), 5, 5);
-             pulse(p, 7, 15);
-             p.setPen(QPen(QColor(0, 150, 90), 2));
-             QPainterPath bus;
-             bus.moveTo(3, 24); bus.lineTo(6, 20); bus.lineTo(14, 20); bus.lineTo(17, 24);
-             bus.lineTo(14, 28); bus.lineTo(6, 28); bus.closeSubpath();
-             bus.moveTo(17, 24); bus.lineTo(20, 20); bus.lineTo(29, 20);
-             bus.moveTo(17, 24); bus.lineTo(20, 28); bus.lineTo(29, 28);
-             p.drawPath(bus);
-         }},
+        {"waveform_editor.png", editorIcon},
         {"edit_mode.png", [](QPainter& p) {
              pulse(p, 6, 16);
              p.setPen(QPen(QColor(200, 120, 0), 1));
@@ -96,5 +109,21 @@ bool drawToolIcons(const QString& dir)
     bool ok = true;
     for (const auto& [name, draw] : icons)
         ok = save(out.filePath(QLatin1String(name)), 32, draw) && ok;
+    return ok;
+}
+
+bool drawDesktopIcons(const QString& dir)
+{
+    // The sizes of the freedesktop.org "hicolor" theme that menus and file
+    // managers look for.
+    const QDir out(dir);
+    bool ok = true;
+    for (int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+        const QString folder = QStringLiteral("%1x%1").arg(size);
+        ok = out.mkpath(folder + QStringLiteral("/apps")) && out.mkpath(folder + QStringLiteral("/mimetypes")) && ok;
+        ok = save(out.filePath(folder + QStringLiteral("/apps/waveform-editor.png")), size, editorIcon) && ok;
+        ok = save(out.filePath(folder + QStringLiteral("/mimetypes/application-x-waveform-document.png")), size,
+                  documentIcon) && ok;
+    }
     return ok;
 }

@@ -3,7 +3,9 @@
 
 #include "pageprinter.h"
 #include "pagesetupdlg.h"
+#include "progressgate.h"
 
+#include <QFile>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -13,15 +15,25 @@ namespace kesu::toolvok {
 
 namespace {
 // Prints every page of the range on the printer; an empty range begins no
-// print job at all.
+// print job at all. A long print shows its progress; Cancel stops the job
+// and takes away the file it was writing.
 void printOn(VokGUI& gui, QPrinter* printer, QSize area)
 {
     quint64 start = 0, end = 0;
     PagePrinter::printRange(gui, start, end);
     if (end <= start)
         return;
+    ProgressGate progress(&gui, VokGUI::tr("Printing..."));
+    const Progress pageDone = progress.callback();
+    int pages = 0;
     QPainter painter(printer);
-    PagePrinter(gui, area).printPages(painter, [printer] { return printer->newPage(); });
+    PagePrinter(gui, area).printPages(painter, [&] { return pageDone(++pages, 0) && printer->newPage(); });
+    if (!progress.cancelled())
+        return;
+    printer->abort();
+    painter.end();
+    if (!printer->outputFileName().isEmpty())
+        QFile::remove(printer->outputFileName());
 }
 } // namespace
 
