@@ -85,36 +85,48 @@ void WaveReader::resolvePatternReferences()
         if (!byName.contains(wave->name))
             byName.insert(wave->name, wave);
     }
-    QHash<WaveData*, QList<Pattern*>> perWave;
-    for (const auto& [wave, placeholder] : std::as_const(placeholders_))
-        perWave[wave].append(placeholder);
-    placeholders_.clear();
-
-    for (WaveData* wave : std::as_const(doc_.waves)) {
-        const auto found = perWave.constFind(wave);
-        if (found == perWave.cend())
-            continue;
+    // One statement makes one wave and all its placeholders, so each wave's
+    // placeholders stand together, in document order: a pattern is resolved
+    // before a later wave uses it.
+    for (size_t first = 0, end = 0; first < placeholders_.size(); first = end) {
+        WaveData* const wave = placeholders_[first].wave;
         QHash<Pattern*, const WaveData*> listed;
-        QList<Pattern*> detached;
-        for (Pattern* placeholder : *found) {
-            const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr);
-            if (placeholder->wave)
-                listed.insert(placeholder, source);
-            else
-                detached.append(placeholder);
+        std::vector<const WaveData*> melted;
+        qint64 cost = 0;
+        for (end = first; end < placeholders_.size() && placeholders_[end].wave == wave; ++end) {
+            const Placeholder& p = placeholders_[end];
+            const WaveData* source = byName.value(names_[size_t(p.name)], nullptr);
+            if (p.segment) {
+                listed.insert(p.segment, source);
+                cost += source ? source->patterns.size() : 0;
+            } else {
+                melted.push_back(source);
+            }
         }
+        // Unaffordable references stay the one-unit placeholders they are.
+        if (cost > budget_) {
+            fail(placeholders_[first].line, budgetReason());
+            continue;
+        }
+        budget_ -= cost;
         expandListedReferences(wave, listed);
-        // A placeholder that merged into the segment before it is no longer in
-        // the wave: it takes the pattern's first segment and the rest lands,
-        // reversed, at the end of the wave.
-        for (Pattern* placeholder : std::as_const(detached)) {
-            if (const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr))
-                wave->insertPattern(placeholder, source);
-            delete placeholder;
+        // A placeholder that melted into the segment before it takes the
+        // pattern's first segment with it; the rest lands, reversed, at the
+        // end of the wave. A wave that refers to itself grows with each, so
+        // each is paid for as it comes.
+        for (const WaveData* source : melted) {
+            if (!source)
+                continue;
+            if (source->patterns.size() > budget_) {
+                fail(placeholders_[first].line, budgetReason());
+                break;
+            }
+            budget_ -= source->patterns.size();
+            Pattern gone("0", 1);
+            wave->insertPattern(&gone, source);
         }
-        // The placeholders are resolved; keep no pointers that may dangle later.
-        wave->patternNames.clear();
     }
+    placeholders_.clear();
 }
 
 } // namespace kesu::toolvok
