@@ -92,16 +92,26 @@ void WaveReader::resolvePatternReferences()
         WaveData* const wave = placeholders_[first].wave;
         QHash<Pattern*, const WaveData*> listed;
         std::vector<const WaveData*> melted;
+        // The cost is known before anything is laid down: a wave that refers
+        // to itself grows with each melted reference, so its size is followed.
+        qint64 size = wave->patterns.size();
         qint64 cost = 0;
         for (end = first; end < placeholders_.size() && placeholders_[end].wave == wave; ++end) {
             const Placeholder& p = placeholders_[end];
             const WaveData* source = byName.value(names_[size_t(p.name)], nullptr);
+            const qint64 count = source ? source->patterns.size() : 0;
             if (p.segment) {
                 listed.insert(p.segment, source);
-                cost += source ? source->patterns.size() : 0;
+                size += count - 1;
+                cost = std::min(cost + count, budget_ + 1);
             } else {
                 melted.push_back(source);
             }
+        }
+        for (const WaveData* source : melted) {
+            const qint64 count = source == wave ? size : source ? source->patterns.size() : 0;
+            size = std::min(size + std::max<qint64>(count - 1, 0), budget_ + 1);
+            cost = std::min(cost + count, budget_ + 1);
         }
         // Unaffordable references stay the one-unit placeholders they are.
         if (cost > budget_) {
@@ -112,16 +122,8 @@ void WaveReader::resolvePatternReferences()
         expandListedReferences(wave, listed);
         // A placeholder that melted into the segment before it takes the
         // pattern's first segment with it; the rest lands, reversed, at the
-        // end of the wave. A wave that refers to itself grows with each, so
-        // each is paid for as it comes.
+        // end of the wave.
         for (const WaveData* source : melted) {
-            if (!source)
-                continue;
-            if (source->patterns.size() > budget_) {
-                fail(placeholders_[first].line, budgetReason());
-                break;
-            }
-            budget_ -= source->patterns.size();
             Pattern gone("0", 1);
             wave->insertPattern(&gone, source);
         }

@@ -9,7 +9,9 @@
 #include "waveview.h"
 #include "wavewriter.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace kesu::toolvok {
 
@@ -27,7 +29,26 @@ bool VokGUI::loadData(QFile& file)
     m_ruler->update();
     m_waveView->update();
     viewZoomfit();
-    return file.error() == QFileDevice::NoError;
+    const LoadError& problem = m_data->loadError;
+    m_unreadFile = problem.isSet() ? QFileInfo(file).absoluteFilePath() : QString();
+    if (problem.isSet())
+        showerrormsg(tr("The file %1 could not be read completely (line %2: %3).\n\n"
+                        "It is open read-only and will not be saved over; use Save As to keep what was read.")
+                         .arg(QDir::toNativeSeparators(m_unreadFile))
+                         .arg(problem.line)
+                         .arg(problem.reason),
+                     this);
+    return file.error() == QFileDevice::NoError && !problem.isSet();
+}
+
+bool VokGUI::mayOverwrite(const QString& path)
+{
+    if (m_unreadFile.isEmpty() || QFileInfo(path).absoluteFilePath() != m_unreadFile)
+        return true;
+    showerrormsg(tr("The file %1 was not read completely and is not saved over; choose another name.")
+                     .arg(QDir::toNativeSeparators(path)),
+                 this);
+    return false;
 }
 
 bool VokGUI::saveData(QIODevice& file)
