@@ -127,6 +127,9 @@ private Q_SLOTS:
         QTest::newRow("first of two definitions") << "$p = 1 5;\n$p = 0 7;\n" + w + "1 1 $p;\n" << "1:1 1:5";
         QTest::newRow("unknown removed with what merged into it") << w + "1 3 $nope 0 2;\n" << "1:3";
         QTest::newRow("merged into previous 0") << "$p = 1 5 0 2;\n" + w + "0 10 $p 1 4;\n" << "0:11 1:4 0:2";
+        QTest::newRow("seams melt") << w + "(1 1 0 1 1 1)#3;\n" << "1:1 0:1 1:2 0:1 1:2 0:1 1:1";
+        QTest::newRow("bus seams") << b2 + "(HighZ 1 3 1 HighZ 1)#2;\n" << "-2:1 3:1 -2:2 3:1 -2:1";
+        QTest::newRow("melted references repeated") << "$p = 1 5 0 2;\n" + w + "(0 1 $p)#3;\n" << "0:6 0:2 0:2 0:2";
         QTest::newRow("in repeated group") << "$p = 0 3 1 2;\n" + w + "(1 1 $p)#2;\n" << "1:1 1:2 0:3 1:1 1:2 0:3";
         QTest::newRow("pattern of patterns") << "$a = 1 1 0 1;\n$b = $a 1 5;\n" + w + "$b;\n" << "1:5 1:1 0:1";
         QTest::newRow("in forever tail") << "$p = 1 5 0 2;\n" + w + "1 1($p 1 4)##;\n" << "1:1 0:2 (1:5 1:4";
@@ -255,6 +258,7 @@ private Q_SLOTS:
         const QString budget = "the file lays down more than 67108864 segments";
         const QString melt = "equal segments here melt into one longer than 2147483647";
         QTest::newRow("a repeat melts into one") << w + "(1 5)#100000000;\n" << "w:1:1/500000000";
+        QTest::newRow("the longest melted repeat") << w + "(0 1)#2147483647 1 1;\n" << "w:2:0/2147483647";
         QTest::newRow("two waves of repeats") << w + "(1 1 0 1)#90000;\n" + v + "(1 1 0 1)#90000;\n"
                                               << "w:180000:1/1 v:180000:1/1";
         QTest::newRow("plain around nested repeats")
@@ -335,6 +339,37 @@ private Q_SLOTS:
         }
         QCOMPARE(segments(wave.get()), expected);
         QVERIFY(!doc.loadError.isSet());
+    }
+
+    // A device that fails part way: what came before stays, and the line
+    // being read is named.
+    void failingDevice()
+    {
+        class Failing : public QIODevice
+        {
+        public:
+            explicit Failing(QByteArray bytes) : bytes_(std::move(bytes)) { open(ReadOnly); }
+            qint64 readData(char* data, qint64 max) override
+            {
+                if (bytes_.isEmpty()) {
+                    setErrorString("the disk went away");
+                    return -1;
+                }
+                const QByteArray piece = bytes_.left(max);
+                bytes_.remove(0, piece.size());
+                memcpy(data, piece.constData(), size_t(piece.size()));
+                return piece.size();
+            }
+            qint64 writeData(const char*, qint64) override { return -1; }
+
+        private:
+            QByteArray bytes_;
+        };
+        Failing device(("w" + Attr + "1 5;\nv" + Attr + "0 1\n 1 1").toUtf8());
+        WaveformData doc;
+        doc.loadData(device);
+        QCOMPARE(doc.waves.size(), 1);
+        QCOMPARE(doc.loadError.text(), QString("line 3: the file could not be read: the disk went away"));
     }
 
     void hostileInput()
