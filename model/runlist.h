@@ -66,6 +66,12 @@ public:
         runs.push_back(std::move(run));
         return true;
     }
+    // One more reference melted into the last run.
+    void melt(qint32 name)
+    {
+        refs.push_back(name);
+        runs.back().refsEnd = quint32(refs.size());
+    }
     // A segment of no duration: nothing is laid, but it was the first.
     void voidLeaf() { note(true); }
     void startWith(bool isVoid) { note(isVoid); }
@@ -126,6 +132,7 @@ public:
             reader_.placeMelted(wave_, melted[k]);
         return true;
     }
+    void melt(qint32 name) { reader_.placeMelted(wave_, name); }
     // The forever mark goes to the first thing laid; one of no duration
     // takes it along.
     void voidLeaf() { markPending_ = false; }

@@ -203,14 +203,17 @@ void WaveReader::layRepeated(const RunList& body, qint64 times, Sink& sink, Byte
             failAt(at.data(), meltReason());
             return;
         }
-        std::vector<qint32> melted(body.refs.begin() + first.refsBegin, body.refs.begin() + first.refsEnd);
+        if (!sink.lay(first.value, qint32(total), first.head, body.refs.data() + first.refsBegin,
+                      first.refsEnd - first.refsBegin)) {
+            failAt(at.data(), meltReason());
+            return;
+        }
         for (qint64 r = 1; r < times && refsEach > 0; ++r) {
             if (first.head >= 0)
-                melted.push_back(first.head);
-            melted.insert(melted.end(), body.refs.begin() + first.refsBegin, body.refs.begin() + first.refsEnd);
+                sink.melt(first.head);
+            for (quint32 k = first.refsBegin; k < first.refsEnd; ++k)
+                sink.melt(body.refs[k]);
         }
-        if (!sink.lay(first.value, qint32(total), first.head, melted.data(), melted.size()))
-            failAt(at.data(), meltReason());
         return;
     }
     const qint64 each = qint64(body.runs.size() + body.refs.size());

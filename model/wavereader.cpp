@@ -344,6 +344,14 @@ void WaveReader::placeInList(WaveData* wave, Pattern* placeholder, qint32 name)
 
 void WaveReader::placeMelted(WaveData* wave, qint32 name)
 {
+    // A repeat can melt millions of references into one segment.
+    if (!placeholders_.empty()) {
+        Placeholder& last = placeholders_.back();
+        if (last.wave == wave && !last.segment && last.name == name) {
+            ++last.times;
+            return;
+        }
+    }
     placeholders_.push_back({wave, nullptr, name, firstLine_});
 }
 

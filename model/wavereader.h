@@ -117,6 +117,7 @@ private:
         Pattern* segment;
         qint32 name;
         qint64 line;
+        qint64 times = 1;   // melted ones of one name in a row are kept once
     };
     std::vector<Placeholder> placeholders_;
     std::vector<QString> names_;

@@ -91,7 +91,7 @@ void WaveReader::resolvePatternReferences()
     for (size_t first = 0, end = 0; first < placeholders_.size(); first = end) {
         WaveData* const wave = placeholders_[first].wave;
         QHash<Pattern*, const WaveData*> listed;
-        std::vector<const WaveData*> melted;
+        std::vector<std::pair<const WaveData*, qint64>> melted;   // the source, how many times
         // The cost is known before anything is laid down: a wave that refers
         // to itself grows with each melted reference, so its size is followed.
         qint64 size = wave->patterns.size();
@@ -104,14 +104,17 @@ void WaveReader::resolvePatternReferences()
                 listed.insert(p.segment, source);
                 size += count - 1;
                 cost = std::min(cost + count, budget_ + 1);
-            } else {
-                melted.push_back(source);
+            } else if (source && (source == wave || source->patterns.size() > 1)) {
+                // A one-segment pattern only fills the placeholder that is gone.
+                melted.emplace_back(source, p.times);
             }
         }
-        for (const WaveData* source : melted) {
-            const qint64 count = source == wave ? size : source ? source->patterns.size() : 0;
-            size = std::min(size + std::max<qint64>(count - 1, 0), budget_ + 1);
-            cost = std::min(cost + count, budget_ + 1);
+        for (const auto& [source, times] : melted) {
+            for (qint64 k = 0; k < times && cost <= budget_; ++k) {
+                const qint64 count = source == wave ? size : source->patterns.size();
+                size = std::min(size + count - 1, budget_ + 1);
+                cost = std::min(cost + count, budget_ + 1);
+            }
         }
         // Unaffordable references stay the one-unit placeholders they are.
         if (cost > budget_) {
@@ -123,9 +126,11 @@ void WaveReader::resolvePatternReferences()
         // A placeholder that melted into the segment before it takes the
         // pattern's first segment with it; the rest lands, reversed, at the
         // end of the wave.
-        for (const WaveData* source : melted) {
-            Pattern gone("0", 1);
-            wave->insertPattern(&gone, source);
+        for (const auto& [source, times] : melted) {
+            for (qint64 k = 0; k < times && source->patterns.size() > 1; ++k) {
+                Pattern gone("0", 1);
+                wave->insertPattern(&gone, source);
+            }
         }
     }
     placeholders_.clear();
