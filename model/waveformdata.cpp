@@ -38,6 +38,7 @@ void WaveformData::ClearAll()
     // The header settings stay: a cleared document keeps its time base.
     qDeleteAll(waves);
     waves.clear();
+    loadError = {};
 }
 
 bool WaveformData::checkBusElements(const WaveData* wave, QString& message) const
@@ -85,18 +86,22 @@ void WaveformData::genExpandWave(WaveData* wave, const QString& base, int from, 
 
 void WaveformData::loadData(QIODevice& file)
 {
+    loadError = {};
     WaveReader(*this).readDevice(file);
 }
 
 void WaveformData::loadText(const QString& text)
 {
+    loadError = {};
     WaveReader(*this).readText(text);
 }
 
 void WaveformData::CompilerLine(const QString& statement)
 {
     const QByteArray bytes = statement.toUtf8();
-    WaveReader(*this).compileStatement(std::string_view(bytes.constData(), size_t(bytes.size())));
+    WaveReader reader(*this);
+    reader.compileStatement(std::string_view(bytes.constData(), size_t(bytes.size())));
+    reader.publishPlaceholders();
 }
 
 QStringList WaveformData::parseValues(const QString& text)

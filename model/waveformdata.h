@@ -10,6 +10,15 @@ class QIODevice;
 
 namespace kesu::toolvok {
 
+// Why a file could not be read completely: the line (1-based) and the reason.
+// Empty when the whole file was read.
+struct LoadError {
+    qint64 line = 0;
+    QString reason;
+    bool isSet() const { return !reason.isEmpty(); }
+    QString text() const { return QStringLiteral("line %1: %2").arg(line).arg(reason); }
+};
+
 // The document: five header settings and the waves in display and file order.
 // Owns its waves.
 class WaveformData
@@ -29,6 +38,9 @@ public:
 
     // The file reader (WaveReader), one for each call. Forgiving by design:
     // bad statements are skipped and numbers that do not convert count as 0.
+    // What it cannot take in completely (a limit reached, a read failing,
+    // text after an empty line or an unfinished last statement) it keeps in
+    // loadError: the document then holds what was read before that line.
     void loadData(QIODevice& file);
     void loadText(const QString& text);
     void CompilerLine(const QString& statement);
@@ -41,6 +53,7 @@ public:
     qint32 decimals = 0;
     quint64 endTime = 1000;
     QList<WaveData*> waves;
+    LoadError loadError;
 };
 
 } // namespace kesu::toolvok

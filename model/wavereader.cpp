@@ -1,5 +1,8 @@
-// The waveform file reader. It never reports an error: a statement it cannot
-// make sense of is skipped and a number it cannot convert counts as 0.
+// The waveform file reader: lines into statements, statements into waves. It
+// is forgiving about what a statement says (a statement it cannot make sense
+// of is skipped and a number it cannot convert counts as 0), but says when it
+// could not take in the whole file: a limit, a failing read, text after an
+// empty line, or a last statement without its ";".
 #include "wavereader.h"
 
 #include "waveformdata.h"
@@ -7,6 +10,7 @@
 
 #include <QByteArrayView>
 #include <QIODevice>
+#include <QStringConverter>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -21,11 +25,11 @@ using namespace wdltext;
 
 namespace {
 
-// How deep groups may nest, and how many segments repeat counts may lay down
-// in one load. Real documents stay far below both; they keep a few bytes of
-// hostile text from exhausting the stack or the memory.
-constexpr int MaxGroupDepth = 64;
-constexpr qint64 RepeatBudget = qint64(1) << 25;
+// Whether bytes hold anything but white space.
+bool hasText(const char* p, size_t size)
+{
+    return std::any_of(p, p + size, [](char c) { return !isAsciiSpace(static_cast<unsigned char>(c)); });
+}
 
 // Gathers lines into statements and hands each finished one to the reader.
 class StatementReader
@@ -39,7 +43,7 @@ public:
     size_t feed(const char* data, size_t size, bool last)
     {
         size_t pos = 0;
-        while (pos < size && !stopped_) {
+        while (pos < size && !stopped()) {
             const void* found = std::memchr(data + pos, '\n', size - pos);
             if (!found && !last)
                 break;
@@ -50,7 +54,21 @@ public:
         return pos;
     }
 
-    bool stopped() const { return stopped_; }
+    // An empty line ended the reading, or a problem did.
+    bool stopped() const { return stopped_ || reader_.failed(); }
+    bool stoppedAtEmptyLine() const { return stopped_; }
+    qint64 lineCount() const { return lineNo_; }
+
+    // After the last line: says what was left unread.
+    void finish(bool textAfterStop)
+    {
+        if (reader_.failed())
+            return;
+        if (stopped_ && textAfterStop)
+            reader_.fail(stopLine_, QStringLiteral("the reading stops at this empty line, but text follows it"));
+        else if (!statement_.empty())
+            reader_.fail(statementLine_, QStringLiteral("the file ends inside this statement: its \";\" is missing"));
+    }
 
     // Byte order marks to skip in front of the first line.
     int marksToSkip = 1;
@@ -58,6 +76,7 @@ public:
 private:
     void line(Bytes text)
     {
+        ++lineNo_;
         if (marksToSkip > 0) {
             for (; marksToSkip > 0 && startsWith(text, Bytes("\xEF\xBB\xBF")); --marksToSkip)
                 text.remove_prefix(3);
@@ -69,6 +88,7 @@ private:
         // writer never writes one. A line of blanks is only skipped.
         if (text.empty()) {
             stopped_ = true;
+            stopLine_ = lineNo_;
             return;
         }
         // Bytes that are not UTF-8 read as U+FFFD each, as Qt decodes them.
@@ -86,12 +106,17 @@ private:
         // Lines join without a separator: a statement's later lines begin
         // with the blank or "(" that separates segments.
         if (statement_.empty() && text.back() == ';') {
-            reader_.compileStatement(text);
+            reader_.compileStatement(text, lineNo_);
             return;
         }
+        if (statement_.empty()) {
+            statementLine_ = lineNo_;
+            lineStarts_.clear();
+        }
+        lineStarts_.push_back(statement_.size());
         statement_.append(text);
         if (statement_.back() == ';') {
-            reader_.compileStatement(statement_);
+            reader_.compileStatement(statement_, statementLine_, &lineStarts_);
             statement_.clear();
         }
     }
@@ -113,32 +138,97 @@ private:
 
     WaveReader& reader_;
     std::string statement_;
+    std::vector<size_t> lineStarts_;   // where each line of the statement begins in it
+    qint64 statementLine_ = 0;
+    qint64 lineNo_ = 0;
+    qint64 stopLine_ = 0;
     bool stopped_ = false;
 };
 
 } // namespace
 
-WaveReader::WaveReader(WaveformData& doc) : doc_(doc), repeatBudget_(RepeatBudget) {}
+WaveReader::WaveReader(WaveformData& doc) : doc_(doc) {}
+
+WaveReader::~WaveReader() = default;
+
+void WaveReader::fail(qint64 line, const QString& reason)
+{
+    if (failed_)
+        return;
+    failed_ = true;
+    if (!doc_.loadError.isSet())
+        doc_.loadError = {line, reason};
+}
+
+qint64 WaveReader::lineOf(const char* at) const
+{
+    const auto base = reinterpret_cast<quintptr>(statement_.data());
+    const auto p = reinterpret_cast<quintptr>(at);
+    if (!lineStarts_ || p < base || p > base + statement_.size())
+        return firstLine_;
+    const auto next = std::upper_bound(lineStarts_->begin(), lineStarts_->end(), size_t(p - base));
+    return firstLine_ + qint64(next - lineStarts_->begin()) - 1;
+}
 
 bool WaveReader::readDevice(QIODevice& file, const Progress& progress)
 {
     bool stopped = false;
     StatementReader reader(*this);
+    // Behind a mark of UTF-16 or UTF-32 the text is decoded as a text stream
+    // would decode it; anything else is read as UTF-8.
+    const auto encoding = QStringConverter::encodingForData(file.peek(4));
+    const bool decode = encoding && *encoding != QStringConverter::Utf8;
+    QStringDecoder decoder(decode ? *encoding : QStringConverter::Utf8);
     // Qt's decoding drops one byte order mark, and the reader another.
-    reader.marksToSkip = 2;
+    reader.marksToSkip = decode ? 1 : 2;
     // The file is read in pieces through one buffer, so that the text never
     // has to be in memory at once; a line longer than the buffer grows it.
-    std::vector<char> buffer(size_t(1) << 20);
+    constexpr qint64 Piece = qint64(1) << 20;
+    std::vector<char> buffer(static_cast<size_t>(Piece));
+    QByteArray raw;
     size_t held = 0;
+    // The next piece as UTF-8 behind what the buffer holds: its size, 0 at
+    // the end, -1 when the device fails.
+    auto readPiece = [&]() -> qint64 {
+        if (!decode) {
+            if (buffer.size() - held < size_t(Piece))
+                buffer.resize(std::max(buffer.size() * 2, held + size_t(Piece)));
+            const qint64 got = file.read(buffer.data() + held, Piece);
+            held += size_t(std::max<qint64>(got, 0));
+            return got;
+        }
+        raw.resize(Piece);
+        const qint64 got = file.read(raw.data(), Piece);
+        if (got <= 0)
+            return got;
+        const QByteArray text = QString(decoder(QByteArrayView(raw.constData(), got))).toUtf8();
+        if (buffer.size() - held < size_t(text.size()))
+            buffer.resize(std::max(buffer.size() * 2, held + size_t(text.size())));
+        std::memcpy(buffer.data() + held, text.constData(), size_t(text.size()));
+        held += size_t(text.size());
+        return std::max<qint64>(text.size(), 1);
+    };
+    bool textAfterStop = false;
     for (;;) {
-        if (held == buffer.size())
-            buffer.resize(buffer.size() * 2);
-        const qint64 got = file.read(buffer.data() + held, qint64(buffer.size() - held));
-        const bool last = got <= 0;
-        if (!last)
-            held += size_t(got);
-        const size_t used = reader.feed(buffer.data(), held, last);
-        if (last || reader.stopped())
+        const qint64 got = readPiece();
+        if (got < 0) {
+            fail(reader.lineCount() + 1, QStringLiteral("the file could not be read: %1").arg(file.errorString()));
+            break;
+        }
+        const size_t used = reader.feed(buffer.data(), held, got == 0);
+        if (reader.stoppedAtEmptyLine()) {
+            // What follows an empty line is not read; it must not be lost
+            // without a word.
+            textAfterStop = hasText(buffer.data() + used, held - used);
+            while (!textAfterStop) {
+                held = 0;
+                if (readPiece() <= 0)
+                    break;
+                textAfterStop = hasText(buffer.data(), held);
+            }
+            break;
+        }
+        if (got == 0 || reader.stopped())
             break;
         if (progress && !progress(file.pos(), file.size())) {
             stopped = true;
@@ -148,6 +238,7 @@ bool WaveReader::readDevice(QIODevice& file, const Progress& progress)
         held -= used;
     }
     // Also when stopped: the placeholders belong to their waves only then.
+    reader.finish(textAfterStop);
     resolvePatternReferences();
     return !stopped;
 }
@@ -156,12 +247,18 @@ void WaveReader::readText(const QString& text)
 {
     const QByteArray bytes = text.toUtf8();
     StatementReader reader(*this);
-    reader.feed(bytes.constData(), size_t(bytes.size()), true);
+    const size_t used = reader.feed(bytes.constData(), size_t(bytes.size()), true);
+    reader.finish(reader.stoppedAtEmptyLine() && hasText(bytes.constData() + used, size_t(bytes.size()) - used));
     resolvePatternReferences();
 }
 
-void WaveReader::compileStatement(Bytes statement)
+void WaveReader::compileStatement(Bytes statement, qint64 firstLine, const std::vector<size_t>* lineStarts)
 {
+    if (failed_)
+        return;
+    statement_ = statement;
+    firstLine_ = firstLine;
+    lineStarts_ = lineStarts;
     const Bytes s = trimmed(statement);
     const size_t eq = s.find('=');
     if (eq == Bytes::npos || s.find('=', eq + 1) != Bytes::npos)
@@ -202,10 +299,18 @@ void WaveReader::compileStatement(Bytes statement)
         const QString block = toQString(left.substr(open + 1, left.size() - open - 2));
         applyAttributes(wave, QStringView(block).trimmed());
     }
-    if (!applyBusForm(wave)) {
+    qint64 width = 0;
+    if (!applyBusForm(wave, std::min(MaxBusWidth, elementBudget_), width)) {
         delete wave;
+        failAt(s.data(), width > MaxBusWidth ? QStringLiteral("%1 declares a bus of %2 bits; the widest bus read has %3")
+                                                   .arg(toQString(left.substr(0, open)).trimmed())
+                                                   .arg(width)
+                                                   .arg(MaxBusWidth)
+                                             : QStringLiteral("the buses of the file declare more than %1 bits in all")
+                                                   .arg(readlimits::MaxBusElements));
         return;
     }
+    elementBudget_ -= wave->elements.size();
 
     if (!right.empty() && right.back() == ';') {
         right.remove_suffix(1);
@@ -215,7 +320,8 @@ void WaveReader::compileStatement(Bytes statement)
     // segments without growing the list again and again.
     const auto blanks = std::count(right.begin(), right.end(), ' ');
     wave->patterns.reserve(wave->patterns.size() + qsizetype(blanks / 2) + 1);
-    readSegments(right, nullptr, wave);
+    layStatement(right, wave);
+    // After a problem the wave keeps what was laid down before it.
     doc_.addWave(wave);
 }
 
@@ -230,90 +336,39 @@ QStringList WaveReader::tokens(const QString& text)
     return list;
 }
 
-void WaveReader::readGroupBody(const QString& body, QList<Pattern*>& out, WaveData* wave)
+qint32 WaveReader::nameId(Bytes token)
 {
-    const QByteArray bytes = body.toUtf8();
-    readSegments(Bytes(bytes.constData(), size_t(bytes.size())), &out, wave);
+    const auto [it, added] = nameIds_.try_emplace(std::string(token), qint32(names_.size()));
+    if (added)
+        names_.push_back(toQString(token));
+    return it->second;
 }
 
-Pattern* WaveReader::newPlaceholder(WaveData* wave, const QString& reference)
+void WaveReader::placeInList(WaveData* wave, Pattern* placeholder, qint32 name)
 {
-    // A one-unit "0" stands for the named pattern until the end of the file.
-    auto* p = new Pattern("0", 1);
-    wave->patternNames.insert(p, reference);
-    placeholders_.append({wave, p});
-    return p;
+    placeholders_.push_back({wave, placeholder, name, firstLine_});
 }
 
-void WaveReader::lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out)
+void WaveReader::placeMelted(WaveData* wave, qint32 name)
 {
-    // At the top the segments go straight into the wave, merging as they come;
-    // inside a group they are collected for the caller to lay down.
-    if (out)
-        out->append(p);
-    else if (!wave->addData(p) && !placeholder)
-        delete p;
-}
-
-void WaveReader::readSegments(Bytes text, QList<Pattern*>* out, WaveData* wave)
-{
-    Tokenizer tokens(text);
-    Bytes token;
-    while (tokens.next(token)) {
-        if (token.front() == '$') {
-            lay(newPlaceholder(wave, toQString(token)), true, wave, out);
-        } else if (token.front() == '(') {
-            readGroup(token, wave, out);
-        } else {
-            // A value without a duration after it is dropped.
-            Bytes duration;
-            if (!tokens.next(duration))
-                break;
-            lay(new Pattern(valueOf(token, wave->isBus), durationOf(duration)), false, wave, out);
+    // A repeat can melt millions of references into one segment.
+    if (!placeholders_.empty()) {
+        Placeholder& last = placeholders_.back();
+        if (last.wave == wave && !last.segment && last.name == name) {
+            ++last.times;
+            return;
         }
     }
+    placeholders_.push_back({wave, nullptr, name, firstLine_});
 }
 
-void WaveReader::readGroup(Bytes token, WaveData* wave, QList<Pattern*>* out)
+void WaveReader::publishPlaceholders()
 {
-    const size_t close = token.rfind(')');
-    const bool closed = close != Bytes::npos && close > 0;
-    const Bytes body = closed ? token.substr(1, close - 1) : token.substr(1);
-    const GroupSuffix suffix = readSuffix(closed ? token.substr(close + 1) : Bytes());
-    if (groupDepth_ >= MaxGroupDepth)
-        return;
-
-    QList<Pattern*> group;
-    ++groupDepth_;
-    readSegments(body, &group, wave);
-    --groupDepth_;
-
-    const bool topLevel = !out;
-    qint64 repeats = suffix.repeats;
-    if (repeats > 1) {
-        if (repeats > repeatBudget_ || repeats * group.size() > repeatBudget_)
-            repeats = 0;
-        else
-            repeatBudget_ -= repeats * group.size();
+    for (const Placeholder& p : placeholders_) {
+        if (p.segment)
+            p.wave->patternNames.insert(p.segment, names_[size_t(p.name)]);
     }
-    for (qint64 r = 0; r < repeats; ++r) {
-        for (qsizetype k = 0; k < group.size(); ++k) {
-            const Pattern* segment = group.at(k);
-            const auto name = wave->patternNames.constFind(const_cast<Pattern*>(segment));
-            const bool placeholder = name != wave->patternNames.cend();
-            Pattern* copy = placeholder ? newPlaceholder(wave, *name) : new Pattern;
-            copy->value = segment->value;
-            copy->duration = static_cast<qint32>(static_cast<quint64>(segment->duration * suffix.multiplier));
-            // "##" marks the start of the forever tail only at the top level.
-            copy->forever = topLevel && suffix.forever && r == 0 && k == 0;
-            lay(copy, placeholder, wave, out);
-        }
-    }
-    for (Pattern* segment : std::as_const(group)) {
-        if (wave->patternNames.remove(segment) > 0)
-            placeholders_.removeOne({wave, segment});
-        delete segment;
-    }
+    placeholders_.clear();
 }
 
 } // namespace kesu::toolvok

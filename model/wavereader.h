@@ -1,16 +1,23 @@
 // The waveform file reader. One reader lives for one load: it holds the
-// working state (the repeat budget, the group depth, the "$" placeholders
-// still to resolve) so that the document it fills carries none of it.
+// working state (what the file may still lay down, the "$" placeholders still
+// to resolve, where the current statement's lines begin) so that the document
+// it fills carries none of it.
+//
+// Every count the file asks for is paid for before it is laid down: a few
+// bytes of text cannot make the reader work or allocate beyond its limits.
+// What exceeds a limit stops the reading with a LoadError on the document.
 #pragma once
 
 #include "progress.h"
 
 #include <QList>
-#include <QPair>
 #include <QString>
 #include <QStringList>
 
+#include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 class QIODevice;
 
@@ -19,11 +26,26 @@ namespace kesu::toolvok {
 class Pattern;
 class WaveData;
 class WaveformData;
+class RunList;
+class WaveSink;
+struct RunSummary;
+
+namespace readlimits {
+// How deep groups may nest: far beyond real documents, and shallow enough for
+// the reader's recursion on any thread's stack.
+inline constexpr int MaxGroupDepth = 256;
+// Segments one file may lay down or copy, repeats and pattern references
+// counted: about 4 GB of segments.
+inline constexpr qint64 MaxSegments = qint64(1) << 26;
+// Element names the buses of one file may declare in all.
+inline constexpr qint64 MaxBusElements = qint64(1) << 20;
+} // namespace readlimits
 
 class WaveReader
 {
 public:
     explicit WaveReader(WaveformData& doc);
+    ~WaveReader();
     WaveReader(const WaveReader&) = delete;
     WaveReader& operator=(const WaveReader&) = delete;
 
@@ -34,30 +56,76 @@ public:
     void readText(const QString& text);
 
     // One statement, UTF-8 bytes; its "$" references wait for
-    // resolvePatternReferences().
-    void compileStatement(std::string_view statement);
-    // A group's body read into new segments that are not laid into the wave.
+    // resolvePatternReferences(). lineStarts: where each of its lines begins
+    // in it, for naming the line of a problem (none: one line).
+    void compileStatement(std::string_view statement, qint64 firstLine = 1,
+                          const std::vector<size_t>* lineStarts = nullptr);
+    // A group's body read into new segments that are not laid into the wave;
+    // equal neighbours come out merged, as the wave would merge them.
     void readGroupBody(const QString& body, QList<Pattern*>& out, WaveData* wave);
     static QStringList tokens(const QString& text);
 
     // Each placeholder becomes its named pattern's segments, or leaves its
     // wave when no pattern of that name was read.
     void resolvePatternReferences();
+    // Records each placeholder still waiting in its wave's patternNames, for
+    // callers that compile statements one at a time.
+    void publishPlaceholders();
+
+    bool failed() const { return failed_; }
+    // Stops the reading: the first problem is the one the document keeps.
+    void fail(qint64 line, const QString& reason);
+    void failAt(const char* at, const QString& reason) { fail(lineOf(at), reason); }
 
 private:
-    // out null: lay the segments straight into the wave (the top level).
-    void readSegments(std::string_view text, QList<Pattern*>* out, WaveData* wave);
-    void readGroup(std::string_view token, WaveData* wave, QList<Pattern*>* out);
-    void lay(Pattern* p, bool placeholder, WaveData* wave, QList<Pattern*>* out);
-    Pattern* newPlaceholder(WaveData* wave, const QString& reference);
+    friend class WaveSink;
+    struct Scope {
+        qint64 scale = 1;   // the product of the enclosing groups' factors
+        int depth = 0;
+        bool bus = false;
+    };
+
+    // Group expansion (wavegroups.cpp).
+    void layStatement(std::string_view segments, WaveData* wave);
+    template <class Sink> void readSegments(std::string_view text, Sink& sink, Scope scope);
+    template <class Sink> void readGroup(std::string_view token, Sink& sink, Scope scope);
+    template <class Sink>
+    void layLeaf(Sink& sink, std::string value, qint32 duration, qint32 name, Scope scope, std::string_view at);
+    template <class Sink> void layRepeated(const RunList& body, qint64 times, Sink& sink, std::string_view at);
+    bool affordGroup(std::string_view token, bool bus);
+    void measureSegments(std::string_view text, Scope scope, RunSummary& into);
+    void measureGroup(std::string_view token, Scope scope, RunSummary& into);
+
+    bool spend(qint64 segments, const char* at);
+    static QString budgetReason();
+    qint32 nameId(std::string_view token);
+    void placeInList(WaveData* wave, Pattern* placeholder, qint32 name);
+    void placeMelted(WaveData* wave, qint32 name);
+    qint64 lineOf(const char* at) const;
 
     WaveformData& doc_;
-    // Segments that repeat counts may still lay down; a guard against a few
-    // bytes of text asking for billions of segments.
-    qint64 repeatBudget_;
-    int groupDepth_ = 0;
-    // Placeholders for "$" references with their waves, in the order made.
-    QList<QPair<WaveData*, Pattern*>> placeholders_;
+    qint64 budget_ = readlimits::MaxSegments;
+    qint64 elementBudget_ = readlimits::MaxBusElements;
+    bool failed_ = false;
+
+    // The statement being compiled, for lineOf.
+    std::string_view statement_;
+    qint64 firstLine_ = 1;
+    const std::vector<size_t>* lineStarts_ = nullptr;
+
+    // "$" references in the order laid down. A placeholder that melted into
+    // the segment before it has no segment of its own (null): its pattern's
+    // further segments land at the end of the wave.
+    struct Placeholder {
+        WaveData* wave;
+        Pattern* segment;
+        qint32 name;
+        qint64 line;
+        qint64 times = 1;   // melted ones of one name in a row are kept once
+    };
+    std::vector<Placeholder> placeholders_;
+    std::vector<QString> names_;
+    std::unordered_map<std::string, qint32> nameIds_;
 };
 
 } // namespace kesu::toolvok

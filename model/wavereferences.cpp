@@ -85,36 +85,55 @@ void WaveReader::resolvePatternReferences()
         if (!byName.contains(wave->name))
             byName.insert(wave->name, wave);
     }
-    QHash<WaveData*, QList<Pattern*>> perWave;
-    for (const auto& [wave, placeholder] : std::as_const(placeholders_))
-        perWave[wave].append(placeholder);
-    placeholders_.clear();
-
-    for (WaveData* wave : std::as_const(doc_.waves)) {
-        const auto found = perWave.constFind(wave);
-        if (found == perWave.cend())
-            continue;
+    // One statement makes one wave and all its placeholders, so each wave's
+    // placeholders stand together, in document order: a pattern is resolved
+    // before a later wave uses it.
+    for (size_t first = 0, end = 0; first < placeholders_.size(); first = end) {
+        WaveData* const wave = placeholders_[first].wave;
         QHash<Pattern*, const WaveData*> listed;
-        QList<Pattern*> detached;
-        for (Pattern* placeholder : *found) {
-            const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr);
-            if (placeholder->wave)
-                listed.insert(placeholder, source);
-            else
-                detached.append(placeholder);
+        std::vector<std::pair<const WaveData*, qint64>> melted;   // the source, how many times
+        // The cost is known before anything is laid down: a wave that refers
+        // to itself grows with each melted reference, so its size is followed.
+        qint64 size = wave->patterns.size();
+        qint64 cost = 0;
+        for (end = first; end < placeholders_.size() && placeholders_[end].wave == wave; ++end) {
+            const Placeholder& p = placeholders_[end];
+            const WaveData* source = byName.value(names_[size_t(p.name)], nullptr);
+            const qint64 count = source ? source->patterns.size() : 0;
+            if (p.segment) {
+                listed.insert(p.segment, source);
+                size += count - 1;
+                cost = std::min(cost + count, budget_ + 1);
+            } else if (source && (source == wave || source->patterns.size() > 1)) {
+                // A one-segment pattern only fills the placeholder that is gone.
+                melted.emplace_back(source, p.times);
+            }
         }
+        for (const auto& [source, times] : melted) {
+            for (qint64 k = 0; k < times && cost <= budget_; ++k) {
+                const qint64 count = source == wave ? size : source->patterns.size();
+                size = std::min(size + count - 1, budget_ + 1);
+                cost = std::min(cost + count, budget_ + 1);
+            }
+        }
+        // Unaffordable references stay the one-unit placeholders they are.
+        if (cost > budget_) {
+            fail(placeholders_[first].line, budgetReason());
+            continue;
+        }
+        budget_ -= cost;
         expandListedReferences(wave, listed);
-        // A placeholder that merged into the segment before it is no longer in
-        // the wave: it takes the pattern's first segment and the rest lands,
-        // reversed, at the end of the wave.
-        for (Pattern* placeholder : std::as_const(detached)) {
-            if (const WaveData* source = byName.value(wave->patternNames.value(placeholder), nullptr))
-                wave->insertPattern(placeholder, source);
-            delete placeholder;
+        // A placeholder that melted into the segment before it takes the
+        // pattern's first segment with it; the rest lands, reversed, at the
+        // end of the wave.
+        for (const auto& [source, times] : melted) {
+            for (qint64 k = 0; k < times && source->patterns.size() > 1; ++k) {
+                Pattern gone("0", 1);
+                wave->insertPattern(&gone, source);
+            }
         }
-        // The placeholders are resolved; keep no pointers that may dangle later.
-        wave->patternNames.clear();
     }
+    placeholders_.clear();
 }
 
 } // namespace kesu::toolvok

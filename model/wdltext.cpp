@@ -12,9 +12,6 @@ namespace kesu::toolvok::wdltext {
 
 namespace {
 
-// The widest bus a declaration may expand into element names.
-constexpr qint64 MaxBusWidth = 65536;
-
 QStringView word(const QList<QStringView>& words, qsizetype i)
 {
     return i < words.size() ? words.at(i) : QStringView();
@@ -106,13 +103,14 @@ void applyAttributes(WaveData* wave, QStringView block)
     wave->spareInt = 0;
 }
 
-bool applyBusForm(WaveData* wave)
+bool applyBusForm(WaveData* wave, qint64 maxWidth, qint64& width)
 {
     const BusName bus = parseBusName(wave->name);
+    width = bus.form == BusName::Single ? 1 : bus.width();
     if (bus.form == BusName::Single)
         return true;
     // A list names its elements itself; a range or run would have them made.
-    if (bus.form != BusName::List && bus.width() > MaxBusWidth)
+    if (bus.form != BusName::List && bus.width() > maxWidth)
         return false;
     wave->isBus = true;
     wave->busWidth = static_cast<qint32>(bus.width());

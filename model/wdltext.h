@@ -198,9 +198,13 @@ inline qint32 durationOf(Bytes token)
 
 void applyAttributes(WaveData* wave, QStringView block);
 
-// Applies the bus forms of a declared name; false when the declaration asks
-// for more elements than any bus may have.
-bool applyBusForm(WaveData* wave);
+// The widest bus a declaration may expand into element names.
+inline constexpr qint64 MaxBusWidth = 65536;
+
+// Applies the bus forms of a declared name; false, and nothing applied, when
+// a range or run asks for more than maxWidth elements. width: how many the
+// name declares (a list names its own, and is never refused).
+bool applyBusForm(WaveData* wave, qint64 maxWidth, qint64& width);
 
 struct GroupSuffix {
     qint64 multiplier = 1;

@@ -105,6 +105,9 @@ public:
     WaveformData* document() const { return m_data; }
     bool loadData(QFile& file);
     bool saveData(QIODevice& file);
+    // A file read only in part stays read-only and is never saved over.
+    bool keepsUnreadFile() const { return !m_unreadFile.isEmpty() && m_unreadFile == m_fullFileName; }
+    bool mayOverwrite(const QString& path);
     QString getTimeString(quint64 t, bool withUnit) const;
     quint64 convertTime(bool& ok, const QString& text) const;
     QString getBusValueString(const std::string& value, int width) const;
@@ -415,6 +418,7 @@ private:
     QTimer* m_autoSaveTimer = nullptr;
     VokNavigator* m_navigator = nullptr;
     bool m_readOnly = false;
+    QString m_unreadFile;   // the file the last load could not read completely
     bool m_checkingChange = false;
     bool m_modified = false;
     bool m_askingDeleted = false;

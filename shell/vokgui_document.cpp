@@ -9,7 +9,9 @@
 #include "waveview.h"
 #include "wavewriter.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace kesu::toolvok {
 
@@ -23,16 +25,38 @@ bool VokGUI::loadData(QFile& file)
         m_data->autoAssign = m_preloaded->autoAssign;
         m_data->decimals = m_preloaded->decimals;
         m_data->endTime = m_preloaded->endTime;
+        m_data->loadError = m_preloaded->loadError;
         m_preloaded.reset();
     } else {
         m_data->loadData(file);
     }
     showDocument();
-    return file.error() == QFileDevice::NoError;
+    const LoadError& problem = m_data->loadError;
+    m_unreadFile = problem.isSet() ? QFileInfo(file).absoluteFilePath() : QString();
+    if (problem.isSet())
+        showerrormsg(tr("The file %1 could not be read completely (line %2: %3).\n\n"
+                        "It is open read-only and will not be saved over; use Save As to keep what was read.")
+                         .arg(QDir::toNativeSeparators(m_unreadFile))
+                         .arg(problem.line)
+                         .arg(problem.reason),
+                     this);
+    return file.error() == QFileDevice::NoError && !problem.isSet();
+}
+
+bool VokGUI::mayOverwrite(const QString& path)
+{
+    if (m_unreadFile.isEmpty() || QFileInfo(path).absoluteFilePath() != m_unreadFile)
+        return true;
+    showerrormsg(tr("The file %1 was not read completely and is not saved over; choose another name.")
+                     .arg(QDir::toNativeSeparators(path)),
+                 this);
+    return false;
 }
 
 void VokGUI::showDocument()
 {
+    // A document shown anew has no file it could not read in whole.
+    m_unreadFile.clear();
     m_viewEndTime = m_data->endTime;
     // Either 1 or 2000, whatever it was before: the fit below sets the real step.
     m_viewport.step = 2000;

@@ -93,7 +93,7 @@ bool VokGUI::LoadFile()
     m_undoStack->clear();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
     restartAutoSave();
-    changeReadonlyMode(!QFileInfo(m_fullFileName).isWritable());
+    changeReadonlyMode(!QFileInfo(m_fullFileName).isWritable() || keepsUnreadFile());
     m_patternDlg->LoadData();
     return true;
 }
@@ -108,6 +108,8 @@ bool VokGUI::SaveFile()
             return false;
         path = QFileInfo(name).absoluteFilePath();
     }
+    if (!mayOverwrite(path))
+        return false;
     // The file on disk is replaced only once the whole text is written, so a
     // failed save leaves the previous version intact.
     QSaveFile file(path);
@@ -338,7 +340,7 @@ void VokGUI::onActivated()
         }
         m_lastModified = now;
         m_checkingChange = false;
-        m_readOnly = !info.isWritable();
+        m_readOnly = !info.isWritable() || keepsUnreadFile();
     }
     changeReadonlyMode(m_readOnly);
     Refresh();

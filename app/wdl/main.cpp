@@ -87,6 +87,11 @@ bool readDocument(const QString& path, WaveformData& document)
         return false;
     }
     document.loadData(file);
+    // A document read only in part is never worked on as if it were whole.
+    if (document.loadError.isSet()) {
+        err() << "wdl: cannot read " << path << " completely: " << document.loadError.text() << Qt::endl;
+        return false;
+    }
     if (file.error() != QFileDevice::NoError) {
         err() << "wdl: cannot read " << path << ": " << file.errorString() << Qt::endl;
         return false;

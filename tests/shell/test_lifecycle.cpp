@@ -244,6 +244,45 @@ private Q_SLOTS:
         }
     }
 
+    // A file read only in part opens read-only with the line and the reason,
+    // and is never saved over: not by Save As, not after an activation.
+    void incompleteFileOpensReadOnly_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QString>("problem");
+        const QByteArray w = "w { A I Default NRZ 0 1 50 } = 0 5;\n";
+        QTest::newRow("limit") << w + "v { A I Default NRZ 0 1 50 } = (1 1 0 1)#99999999;\n"
+                               << "line 2: the file lays down more than";
+        QTest::newRow("text after an empty line") << w + "\n" + w << "line 2: the reading stops at this empty line";
+    }
+    void incompleteFileOpensReadOnly()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(QString, problem);
+        QVERIFY(writeFile(m_file, text));
+        VokGUI gui(nullptr, QStringList(), m_project, true);
+        QVERIFY(gui.initialize());
+        {
+            ModalAnswerer answerer({choose(m_file), press(QMessageBox::No), press(QMessageBox::Ok)});
+            gui.fileOpen();
+            VERIFY_ANSWERED(answerer);
+            QVERIFY2(answerer.said().value(2).contains(problem), qPrintable(answerer.said().value(2)));
+            QCOMPARE(answerer.seen.value(2).icon, QMessageBox::Critical);
+        }
+        QVERIFY(gui.isReadOnly());
+        QCOMPARE(gui.document()->waves.first()->patterns.size(), 1);   // what came before the problem
+        gui.onActivated();
+        QVERIFY(gui.isReadOnly());
+        {
+            ModalAnswerer answerer({choose(m_file), press(QMessageBox::Ok)});
+            QVERIFY(!gui.fileSaveAs());
+            VERIFY_ANSWERED(answerer);
+            QVERIFY2(answerer.said().value(1).contains("not saved over"), qPrintable(answerer.said().value(1)));
+        }
+        QCOMPARE(readFile(m_file), text);
+        QCOMPARE(gui.fullFileName(), m_file);
+    }
+
     void changesOnDisk()
     {
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);

@@ -1,0 +1,164 @@
+// Where the reader lays segments: straight into a wave (WaveSink), or, for
+// the body of a repeated group, into a list of runs (RunList) that is then
+// laid down as often as the group asks. Both merge equal neighbours as the
+// wave's own appending does, so a repeat costs what it lays down: a body
+// that melts into one segment is one segment, however often repeated.
+#pragma once
+
+#include "pattern.h"
+#include "wavedata.h"
+#include "wavereader.h"
+
+#include <string>
+#include <vector>
+
+namespace kesu::toolvok {
+
+// Whether a segment of value v melts into a last segment of value last: the
+// rule of WaveData::addData.
+inline bool melts(const std::string& last, const std::string& v, bool bus)
+{
+    return Values::same(last, v) && (!bus || Values::isSpecial(last));
+}
+
+// Adds to a duration; false when the sum leaves the 32-bit range.
+inline bool addDuration(qint32& into, qint64 more)
+{
+    const qint64 sum = qint64(into) + more;
+    if (sum < INT32_MIN || sum > INT32_MAX)
+        return false;
+    into = qint32(sum);
+    return true;
+}
+
+// One segment to be: a value, its duration, and the "$" references it holds
+// (the one whose placeholder starts it, and those that melted into it).
+struct Run {
+    std::string value;
+    qint32 duration = 0;
+    qint32 head = -1;
+    quint32 refsBegin = 0;   // in RunList::refs
+    quint32 refsEnd = 0;
+};
+
+class RunList
+{
+public:
+    explicit RunList(bool bus) : bus_(bus) {}
+
+    // false: the merged duration would leave the 32-bit range.
+    bool lay(std::string value, qint32 duration, qint32 head, const qint32* melted, size_t count)
+    {
+        note(false);
+        if (!runs.empty() && melts(runs.back().value, value, bus_)) {
+            Run& last = runs.back();
+            if (!addDuration(last.duration, duration))
+                return false;
+            if (head >= 0)
+                refs.push_back(head);
+            refs.insert(refs.end(), melted, melted + count);
+            last.refsEnd = quint32(refs.size());
+            return true;
+        }
+        Run run{std::move(value), duration, head, quint32(refs.size()), 0};
+        refs.insert(refs.end(), melted, melted + count);
+        run.refsEnd = quint32(refs.size());
+        runs.push_back(std::move(run));
+        return true;
+    }
+    // One more reference melted into the last run.
+    void melt(qint32 name)
+    {
+        refs.push_back(name);
+        runs.back().refsEnd = quint32(refs.size());
+    }
+    // A segment of no duration: nothing is laid, but it was the first.
+    void voidLeaf() { note(true); }
+    void startWith(bool isVoid) { note(isVoid); }
+    void markNext(bool) {}
+    bool bus() const { return bus_; }
+    void reserve(size_t more, size_t moreRefs)
+    {
+        runs.reserve(runs.size() + more);
+        refs.reserve(refs.size() + moreRefs);
+    }
+
+    std::vector<Run> runs;
+    std::vector<qint32> refs;
+    // Whether anything was laid, and whether the first thing laid had no
+    // duration: a forever mark would go to it and be lost.
+    bool started = false;
+    bool leadingVoid = false;
+
+private:
+    void note(bool isVoid)
+    {
+        if (!started) {
+            started = true;
+            leadingVoid = isVoid;
+        }
+    }
+    bool bus_;
+};
+
+class WaveSink
+{
+public:
+    WaveSink(WaveReader& reader, WaveData* wave) : reader_(reader), wave_(wave) {}
+
+    bool lay(std::string value, qint32 duration, qint32 head, const qint32* melted, size_t count)
+    {
+        const bool mark = markPending_;
+        markPending_ = false;
+        QList<Pattern*>& list = wave_->patterns;
+        if (!list.isEmpty() && melts(list.last()->value, value, wave_->isBus)) {
+            if (!addDuration(list.last()->duration, duration))
+                return false;
+            wave_->segmentsChanged(int(list.size() - 1));
+            if (head >= 0)
+                reader_.placeMelted(wave_, head);
+        } else {
+            auto* p = new Pattern(std::move(value), duration);
+            p->forever = mark;
+            wave_->segmentsChanged(int(list.size()));
+            list.append(p);
+            p->wave = wave_;
+            if (mark)
+                wave_->foreverIndex = qint32(list.size() - 1);
+            if (head >= 0)
+                reader_.placeInList(wave_, p, head);
+        }
+        for (size_t k = 0; k < count; ++k)
+            reader_.placeMelted(wave_, melted[k]);
+        return true;
+    }
+    void melt(qint32 name) { reader_.placeMelted(wave_, name); }
+    // The forever mark goes to the first thing laid; one of no duration
+    // takes it along.
+    void voidLeaf() { markPending_ = false; }
+    void startWith(bool isVoid)
+    {
+        if (isVoid)
+            markPending_ = false;
+    }
+    void markNext(bool on) { markPending_ = on; }
+    void reserve(size_t more, size_t) { wave_->patterns.reserve(wave_->patterns.size() + qsizetype(more)); }
+
+private:
+    WaveReader& reader_;
+    WaveData* wave_;
+    bool markPending_ = false;
+};
+
+// What a stretch of text would lay down, found without laying it: the runs it
+// leaves after merging, their first and last values, the references in them
+// and what expanding it would spend.
+struct RunSummary {
+    qint64 runs = 0;
+    qint64 refs = 0;
+    qint64 work = 0;
+    std::string first;
+    std::string last;
+};
+
+} // namespace kesu::toolvok

@@ -1,0 +1,303 @@
+// Segment lists and their groups. A plain group, or one that only scales its
+// durations, is read straight into whatever holds it: nesting does not copy.
+// A repeated group's body is read once into a list of runs and laid down as
+// often as asked, each time merging at the seams as the wave would. Before a
+// group is expanded its cost is measured without laying anything down, so a
+// file asking for more than the reader's limits fails at once.
+#include "runlist.h"
+#include "waveformdata.h"
+#include "wdltext.h"
+
+namespace kesu::toolvok {
+
+using namespace wdltext;
+
+namespace {
+
+// Measures saturate here, far above every limit.
+constexpr qint64 Saturated = qint64(1) << 62;
+
+qint64 sum(qint64 a, qint64 b)
+{
+    return std::min(a + b, Saturated);
+}
+
+qint64 product(qint64 a, qint64 b)
+{
+    return a != 0 && b > Saturated / a ? Saturated : std::min(a * b, Saturated);
+}
+
+QString meltReason()
+{
+    return QStringLiteral("equal segments here melt into one longer than %1 time units").arg(INT32_MAX);
+}
+
+struct GroupToken {
+    Bytes body;
+    GroupSuffix suffix;
+};
+
+GroupToken splitGroup(Bytes token)
+{
+    const size_t close = token.rfind(')');
+    const bool closed = close != Bytes::npos && close > 0;
+    return {closed ? token.substr(1, close - 1) : token.substr(1),
+            readSuffix(closed ? token.substr(close + 1) : Bytes())};
+}
+
+// Appends what a later piece of text lays down to what came before it.
+void append(RunSummary& s, RunSummary& piece, bool bus)
+{
+    s.work = sum(s.work, piece.work);
+    s.refs = sum(s.refs, piece.refs);
+    if (piece.runs == 0)
+        return;
+    if (s.runs == 0) {
+        s.runs = piece.runs;
+        s.first = std::move(piece.first);
+    } else {
+        s.runs = sum(s.runs, piece.runs) - (melts(s.last, piece.first, bus) ? 1 : 0);
+    }
+    s.last = std::move(piece.last);
+}
+
+} // namespace
+
+QString WaveReader::budgetReason()
+{
+    return QStringLiteral("the file lays down more than %1 segments, repeats and pattern references counted")
+        .arg(readlimits::MaxSegments);
+}
+
+bool WaveReader::spend(qint64 segments, const char* at)
+{
+    if (segments <= budget_) {
+        budget_ -= segments;
+        return true;
+    }
+    failAt(at, budgetReason());
+    return false;
+}
+
+void WaveReader::layStatement(Bytes segments, WaveData* wave)
+{
+    WaveSink sink(*this, wave);
+    readSegments(segments, sink, Scope{1, 0, wave->isBus});
+}
+
+void WaveReader::readGroupBody(const QString& body, QList<Pattern*>& out, WaveData* wave)
+{
+    const QByteArray bytes = body.toUtf8();
+    const Bytes text(bytes.constData(), size_t(bytes.size()));
+    statement_ = text;
+    firstLine_ = 1;
+    lineStarts_ = nullptr;
+    const Scope scope{1, 1, wave->isBus};
+    RunSummary need;
+    measureSegments(text, scope, need);
+    if (!failed_ && need.work > budget_)
+        failAt(text.data(), budgetReason());
+    if (failed_)
+        return;
+    RunList runs(wave->isBus);
+    readSegments(text, runs, scope);
+    for (const Run& run : runs.runs) {
+        auto* p = new Pattern(run.value, run.duration);
+        if (run.head >= 0)
+            wave->patternNames.insert(p, names_[size_t(run.head)]);
+        out.append(p);
+    }
+}
+
+template <class Sink>
+void WaveReader::readSegments(Bytes text, Sink& sink, Scope scope)
+{
+    Tokenizer tokens(text);
+    Bytes token;
+    while (!failed_ && tokens.next(token)) {
+        if (token.front() == '$') {
+            layLeaf(sink, std::string("0"), 1, nameId(token), scope, token);
+        } else if (token.front() == '(') {
+            if (scope.depth == 0 && !affordGroup(token, scope.bus))
+                return;
+            readGroup(token, sink, scope);
+        } else {
+            // A value without a duration after it is dropped.
+            Bytes duration;
+            if (!tokens.next(duration))
+                break;
+            layLeaf(sink, valueOf(token, scope.bus), durationOf(duration), -1, scope, token);
+        }
+    }
+}
+
+template <class Sink>
+void WaveReader::layLeaf(Sink& sink, std::string value, qint32 duration, qint32 name, Scope scope, Bytes at)
+{
+    if (!spend(1, at.data()))
+        return;
+    const qint64 scaled = qint64(duration) * scope.scale;
+    if (scaled == 0) {
+        sink.voidLeaf();
+    } else if (scaled < INT32_MIN || scaled > INT32_MAX) {
+        failAt(at.data(), QStringLiteral("a duration times its group's factor exceeds %1 time units").arg(INT32_MAX));
+    } else if (!sink.lay(std::move(value), qint32(scaled), name, nullptr, 0)) {
+        failAt(at.data(), meltReason());
+    }
+}
+
+template <class Sink>
+void WaveReader::readGroup(Bytes token, Sink& sink, Scope scope)
+{
+    const GroupToken group = splitGroup(token);
+    if (scope.depth >= readlimits::MaxGroupDepth) {
+        failAt(token.data(), QStringLiteral("groups nest deeper than %1 levels").arg(readlimits::MaxGroupDepth));
+        return;
+    }
+    // "#0", "#" alone and "*0" lay nothing down, references included.
+    if (group.suffix.repeats <= 0 || group.suffix.multiplier == 0)
+        return;
+    const qint64 scale = scope.scale * group.suffix.multiplier;
+    if (scale < INT32_MIN || scale > INT32_MAX) {
+        failAt(token.data(), QStringLiteral("the factors of nested groups multiply beyond %1").arg(INT32_MAX));
+        return;
+    }
+    const Scope inner{scale, scope.depth + 1, scope.bus};
+    if (group.suffix.repeats == 1) {
+        // "##" marks the start of the forever tail only at the top level.
+        const bool mark = group.suffix.forever && scope.depth == 0;
+        if (mark)
+            sink.markNext(true);
+        readSegments(group.body, sink, inner);
+        if (mark)
+            sink.markNext(false);
+        return;
+    }
+    RunList body(scope.bus);
+    readSegments(group.body, body, inner);
+    if (!failed_)
+        layRepeated(body, group.suffix.repeats, sink, token);
+}
+
+template <class Sink>
+void WaveReader::layRepeated(const RunList& body, qint64 times, Sink& sink, Bytes at)
+{
+    if (!body.started)
+        return;
+    sink.startWith(body.leadingVoid);
+    if (body.runs.empty())
+        return;
+    const Run& first = body.runs.front();
+    if (body.runs.size() == 1 && melts(first.value, first.value, body.bus())) {
+        // One segment, however often: the durations add up, and every copy's
+        // references melt into it.
+        const qint64 refsEach = qint64(first.refsEnd - first.refsBegin) + (first.head >= 0 ? 1 : 0);
+        if (refsEach > 0 && times > budget_ / refsEach) {
+            failAt(at.data(), budgetReason());
+            return;
+        }
+        if (!spend(1 + times * refsEach, at.data()))
+            return;
+        const qint64 total = first.duration == 0 ? 0 : times > INT32_MAX ? Saturated : first.duration * times;
+        if (total < INT32_MIN || total > INT32_MAX) {
+            failAt(at.data(), meltReason());
+            return;
+        }
+        if (!sink.lay(first.value, qint32(total), first.head, body.refs.data() + first.refsBegin,
+                      first.refsEnd - first.refsBegin)) {
+            failAt(at.data(), meltReason());
+            return;
+        }
+        for (qint64 r = 1; r < times && refsEach > 0; ++r) {
+            if (first.head >= 0)
+                sink.melt(first.head);
+            for (quint32 k = first.refsBegin; k < first.refsEnd; ++k)
+                sink.melt(body.refs[k]);
+        }
+        return;
+    }
+    const qint64 each = qint64(body.runs.size() + body.refs.size());
+    if (times > budget_ / each) {
+        failAt(at.data(), budgetReason());
+        return;
+    }
+    spend(times * each, at.data());
+    sink.reserve(size_t(times) * body.runs.size(), size_t(times) * body.refs.size());
+    for (qint64 r = 0; r < times; ++r) {
+        for (const Run& run : body.runs) {
+            if (!sink.lay(run.value, run.duration, run.head, body.refs.data() + run.refsBegin,
+                          run.refsEnd - run.refsBegin)) {
+                failAt(at.data(), meltReason());
+                return;
+            }
+        }
+    }
+}
+
+bool WaveReader::affordGroup(Bytes token, bool bus)
+{
+    // Without a repeat inside, a group lays down no more than its text holds.
+    const GroupToken group = splitGroup(token);
+    if (group.suffix.repeats <= 1 && !contains(group.body, '#'))
+        return true;
+    RunSummary need;
+    measureGroup(token, Scope{1, 0, bus}, need);
+    if (!failed_ && need.work > budget_)
+        failAt(token.data(), budgetReason());
+    return !failed_;
+}
+
+void WaveReader::measureSegments(Bytes text, Scope scope, RunSummary& into)
+{
+    Tokenizer tokens(text);
+    Bytes token;
+    while (!failed_ && into.work <= budget_ && tokens.next(token)) {
+        RunSummary piece;
+        if (token.front() == '$') {
+            piece = {1, 1, 1, "0", "0"};
+        } else if (token.front() == '(') {
+            measureGroup(token, scope, piece);
+        } else {
+            Bytes duration;
+            if (!tokens.next(duration))
+                break;
+            piece.work = 1;
+            if (durationOf(duration) != 0) {
+                piece.runs = 1;
+                piece.first = piece.last = valueOf(token, scope.bus);
+            }
+        }
+        append(into, piece, scope.bus);
+    }
+}
+
+void WaveReader::measureGroup(Bytes token, Scope scope, RunSummary& into)
+{
+    const GroupToken group = splitGroup(token);
+    if (scope.depth >= readlimits::MaxGroupDepth) {
+        failAt(token.data(), QStringLiteral("groups nest deeper than %1 levels").arg(readlimits::MaxGroupDepth));
+        return;
+    }
+    const qint64 times = group.suffix.repeats;
+    if (times <= 0 || group.suffix.multiplier == 0)
+        return;
+    RunSummary body;
+    measureSegments(group.body, Scope{1, scope.depth + 1, scope.bus}, body);
+    if (times == 1 || body.runs == 0) {
+        into = std::move(body);
+        return;
+    }
+    const bool seamMelts = melts(body.last, body.first, scope.bus);
+    into.refs = product(times, body.refs);
+    if (body.runs == 1 && seamMelts) {
+        into.runs = 1;
+        into.work = sum(body.work, sum(1, into.refs));
+    } else {
+        into.runs = product(times, body.runs) - (seamMelts ? times - 1 : 0);
+        into.work = sum(body.work, product(times, sum(body.runs, body.refs)));
+    }
+    into.first = std::move(body.first);
+    into.last = std::move(body.last);
+}
+
+} // namespace kesu::toolvok
