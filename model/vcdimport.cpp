@@ -181,7 +181,8 @@ bool Importer::choose(const QStringList& names, QStringList& notes, QString& err
         auto* wave = new WaveData(name);
         wave->polarity = WaveKind::Input;
         wave->waveType = WaveType::NRZ;
-        if (!wdltext::applyBusForm(wave)) {
+        qint64 width = 0;
+        if (!wdltext::applyBusForm(wave, wdltext::MaxBusWidth, width)) {
             notes << QStringLiteral("skipped %1, a bus too wide").arg(name);
             delete wave;
             continue;
