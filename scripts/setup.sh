@@ -10,6 +10,8 @@ VOK_PACKAGES=(
     xvfb xauth
     # the simulators the export tests run every export through
     iverilog verilator ghdl ghdl-mcode
+    # the fuzz build: clang and its libFuzzer runtime
+    clang libclang-rt-14-dev
 )
 
 vok_install_packages() {
