@@ -1,6 +1,7 @@
 // New, open, save, save as, close, auto-save and reload of the document.
 #include "vokgui.h"
 
+#include "documentfile.h"
 #include "patterndlg.h"
 #include "waveformdata.h"
 #include "wavelstview.h"
@@ -8,7 +9,6 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTimer>
@@ -107,11 +107,9 @@ bool VokGUI::SaveFile()
             return false;
         path = QFileInfo(name).absoluteFilePath();
     }
-    // The file on disk is replaced only once the whole text is written, so a
-    // failed save leaves the previous version intact.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || !saveData(file) || !file.commit()) {
-        file.cancelWriting();
+    // A failed save leaves the previous version intact, and the document
+    // modified.
+    if (!saveWaveformFile(*m_data, path)) {
         showerrormsg(tr(cannotOpen) + path, this);
         return false;
     }
