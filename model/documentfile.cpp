@@ -13,7 +13,11 @@ bool saveWaveformFile(const WaveformData& document, const QString& path, QString
     // read-only, which is exactly what could leave half a file behind.
     QSaveFile file(path);
     file.setDirectWriteFallback(false);
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate) && writeWaveform(document, file) && file.commit())
+    // commit() takes a write the disk cut short (a full disk, a file size
+    // limit) for a whole one and would put the truncated file in place: flush
+    // first, and commit only what reached the disk whole.
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate) && writeWaveform(document, file) && file.flush()
+        && file.size() == file.pos() && file.commit())
         return true;
     if (error)
         *error = file.errorString();
