@@ -3,6 +3,7 @@
 #include "basguitool.h"
 #include "pattern.h"
 #include "printsettings.h"
+#include "recoverycopy.h"
 #include "selection.h"
 #include "viewport.h"
 
@@ -31,6 +32,7 @@ class QUndoStack;
 namespace kesu::toolvok {
 
 class BaseUsrSettings;
+class DocumentFileWatch;
 class EditDlg;
 class PatternDlg;
 class RulerView;
@@ -227,6 +229,9 @@ public Q_SLOTS:
     bool CompareData() const;
     void titleChange();
     void askKeepDeletedFile(const QString& path);
+    // Recovery copies and outside changes (shell/vokgui_recovery.cpp).
+    void offerRecovery();
+    bool restoreRecovered(const RecoveryCopy::Document& document);
     void changeReadonlyMode(bool readOnly);
     void onEditDataChanged();
     void fileExport();
@@ -344,6 +349,10 @@ private:
     void mergeNeighbours(WaveData* wave, int from, int to);
     QString dialogFolder() const;
     bool askToSave();
+    void setUpRecovery();
+    void watchDocumentFile();
+    bool changedOnDisk(const QString& path) const;
+    bool overwriteAllowed(const QString& path);
 
     // Host contract state.
     QList<QAction*> m_menuItems[4];
@@ -379,6 +388,9 @@ private:
     bool m_patternViewShown = false;
     QDateTime m_lastModified;
     QTimer* m_autoSaveTimer = nullptr;
+    RecoveryCopy* m_recovery = nullptr;
+    DocumentFileWatch* m_fileWatch = nullptr;
+    QDateTime m_diskTime;   // the file's time as last read or written here
     VokNavigator* m_navigator = nullptr;
     bool m_readOnly = false;
     bool m_checkingChange = false;

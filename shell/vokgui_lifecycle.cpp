@@ -91,6 +91,7 @@ bool VokGUI::LoadFile()
     ResetDirtyBit();
     m_undoStack->clear();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
+    watchDocumentFile();
     restartAutoSave();
     changeReadonlyMode(!QFileInfo(m_fullFileName).isWritable());
     m_patternDlg->LoadData();
@@ -107,6 +108,8 @@ bool VokGUI::SaveFile()
             return false;
         path = QFileInfo(name).absoluteFilePath();
     }
+    if (!overwriteAllowed(path))
+        return false;
     // A failed save leaves the previous version intact, and the document
     // modified.
     if (!saveWaveformFile(*m_data, path)) {
@@ -118,6 +121,7 @@ bool VokGUI::SaveFile()
     ResetDirtyBit();
     restartAutoSave();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
+    watchDocumentFile();
     Q_EMIT sigFileSaved(m_fullFileName);
     return true;
 }
@@ -234,6 +238,7 @@ void VokGUI::CloseFile()
 {
     m_fullFileName.clear();
     m_autoSaveTimer->stop();   // an untitled document has nowhere to be saved to
+    watchDocumentFile();
     ClearAll();
     ResetDirtyBit();           // the mark and the save command go with the changes
 }
@@ -249,7 +254,9 @@ void VokGUI::onAutoSave()
 {
     // Read-only, the user cannot save either; a failing save every interval
     // would only stack up error boxes.
-    if (m_readOnly)
+    // Nor does it replace a file another program changed: that takes the
+    // user's answer, at the next save.
+    if (m_readOnly || changedOnDisk(m_fullFileName))
         return;
     statusBar()->showMessage(tr("Auto saving..."), 5000);
     SaveFile();
@@ -258,6 +265,7 @@ void VokGUI::onAutoSave()
 void VokGUI::SetDirtyBit()
 {
     m_modified = true;
+    m_recovery->changed();
     titleChange();
     Q_EMIT fileChanged(m_modified && !m_readOnly);
 }
@@ -265,6 +273,7 @@ void VokGUI::SetDirtyBit()
 void VokGUI::ResetDirtyBit()
 {
     m_modified = false;
+    m_recovery->discard();
     titleChange();
     Q_EMIT fileChanged(false);
 }
