@@ -46,7 +46,15 @@ QList<WaveData*> parseNodeList(QStringView text)
 
 NodeListRead readNodeList(QIODevice& device, qint64 limit)
 {
-    const QByteArray bytes = device.read(limit + 1);
+    // Read in pieces: one read of the whole limit would set aside all of
+    // it for every file, however small.
+    QByteArray bytes;
+    while (bytes.size() <= limit) {
+        const QByteArray piece = device.read(qMin<qint64>(limit + 1 - bytes.size(), 1 << 16));
+        if (piece.isEmpty())
+            break;
+        bytes += piece;
+    }
     NodeListRead result;
     if (bytes.size() > limit) {
         result.status = NodeListRead::TooLarge;

@@ -14,6 +14,8 @@ VOK_PACKAGES=(
     qt6-svg-dev poppler-utils
     # the package test checks the menu entry with desktop-file-validate
     desktop-file-utils
+    # the fuzz build: clang and its libFuzzer runtime
+    clang libclang-rt-14-dev
 )
 
 vok_install_packages() {

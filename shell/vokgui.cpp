@@ -86,6 +86,7 @@ VokGUI::VokGUI(QWidget* parent, QStringList files, QString& /*project*/, bool st
 
     m_autoSaveTimer = new QTimer(this);
     connect(m_autoSaveTimer, &QTimer::timeout, this, &VokGUI::onAutoSave);
+    setUpRecovery();
 }
 
 VokGUI::~VokGUI()
@@ -206,6 +207,7 @@ bool VokGUI::initialize()
     // LoadFile above ran before the auto-save setting was read.
     if (m_autoSaveTimer->isActive())
         restartAutoSave();
+    offerRecovery();
     return true;
 }
 

@@ -4,6 +4,7 @@
 #include "pattern.h"
 #include "printsettings.h"
 #include "rowstyle.h"
+#include "recoverycopy.h"
 #include "selection.h"
 #include "viewport.h"
 
@@ -33,6 +34,7 @@ class QUndoStack;
 namespace kesu::toolvok {
 
 class BaseUsrSettings;
+class DocumentFileWatch;
 class EditDlg;
 class PatternDlg;
 class RecentFiles;
@@ -249,6 +251,9 @@ public Q_SLOTS:
     bool CompareData() const;
     void titleChange();
     void askKeepDeletedFile(const QString& path);
+    // Recovery copies and outside changes (shell/vokgui_recovery.cpp).
+    void offerRecovery();
+    bool restoreRecovered(const RecoveryCopy::Document& document);
     void changeReadonlyMode(bool readOnly);
     void onEditDataChanged();
     void fileExport();
@@ -381,6 +386,10 @@ private:
     // reading it again; false when the user cancelled the read.
     bool preload(const QString& path);
     QList<QColor*> colorFields();
+    void setUpRecovery();
+    void watchDocumentFile();
+    bool changedOnDisk(const QString& path) const;
+    bool overwriteAllowed(const QString& path);
 
     // Host contract state.
     QList<QAction*> m_menuItems[4];
@@ -416,6 +425,9 @@ private:
     bool m_patternViewShown = false;
     QDateTime m_lastModified;
     QTimer* m_autoSaveTimer = nullptr;
+    RecoveryCopy* m_recovery = nullptr;
+    DocumentFileWatch* m_fileWatch = nullptr;
+    QDateTime m_diskTime;   // the file's time as last read or written here
     VokNavigator* m_navigator = nullptr;
     bool m_readOnly = false;
     QString m_unreadFile;   // the file the last load could not read completely

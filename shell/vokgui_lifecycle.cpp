@@ -1,6 +1,7 @@
 // New, open, save, save as, close, auto-save and reload of the document.
 #include "vokgui.h"
 
+#include "documentfile.h"
 #include "patterndlg.h"
 #include "waveformdata.h"
 #include "wavelstview.h"
@@ -8,7 +9,6 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTimer>
@@ -92,6 +92,7 @@ bool VokGUI::LoadFile()
     ResetDirtyBit();
     m_undoStack->clear();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
+    watchDocumentFile();
     restartAutoSave();
     changeReadonlyMode(!QFileInfo(m_fullFileName).isWritable() || keepsUnreadFile());
     m_patternDlg->LoadData();
@@ -108,13 +109,11 @@ bool VokGUI::SaveFile()
             return false;
         path = QFileInfo(name).absoluteFilePath();
     }
-    if (!mayOverwrite(path))
+    if (!mayOverwrite(path) || !overwriteAllowed(path))
         return false;
-    // The file on disk is replaced only once the whole text is written, so a
-    // failed save leaves the previous version intact.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) || !saveData(file) || !file.commit()) {
-        file.cancelWriting();
+    // A failed save leaves the previous version intact, and the document
+    // modified.
+    if (!saveWaveformFile(*m_data, path)) {
         showerrormsg(tr(cannotOpen) + path, this);
         return false;
     }
@@ -123,6 +122,7 @@ bool VokGUI::SaveFile()
     ResetDirtyBit();
     restartAutoSave();
     m_lastModified = QFileInfo(m_fullFileName).lastModified();
+    watchDocumentFile();
     Q_EMIT sigFileSaved(m_fullFileName);
     return true;
 }
@@ -249,6 +249,7 @@ void VokGUI::CloseFile()
 {
     m_fullFileName.clear();
     m_autoSaveTimer->stop();   // an untitled document has nowhere to be saved to
+    watchDocumentFile();
     ClearAll();
     ResetDirtyBit();           // the mark and the save command go with the changes
 }
@@ -264,7 +265,9 @@ void VokGUI::onAutoSave()
 {
     // Read-only, the user cannot save either; a failing save every interval
     // would only stack up error boxes.
-    if (m_readOnly)
+    // Nor does it replace a file another program changed: that takes the
+    // user's answer, at the next save.
+    if (m_readOnly || changedOnDisk(m_fullFileName))
         return;
     statusBar()->showMessage(tr("Auto saving..."), 5000);
     SaveFile();
@@ -273,6 +276,7 @@ void VokGUI::onAutoSave()
 void VokGUI::SetDirtyBit()
 {
     m_modified = true;
+    m_recovery->changed();
     titleChange();
     Q_EMIT fileChanged(m_modified && !m_readOnly);
 }
@@ -280,6 +284,7 @@ void VokGUI::SetDirtyBit()
 void VokGUI::ResetDirtyBit()
 {
     m_modified = false;
+    m_recovery->discard();
     titleChange();
     Q_EMIT fileChanged(false);
 }

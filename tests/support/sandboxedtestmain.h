@@ -11,6 +11,7 @@
     {                                                                           \
         QTemporaryDir config;                                                   \
         qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());                \
+        qputenv("XDG_DATA_HOME", config.path().toLocal8Bit());                  \
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))                     \
             qputenv("QT_QPA_PLATFORM", "offscreen");                            \
         QApplication app(argc, argv);                                           \

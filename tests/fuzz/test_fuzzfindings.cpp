@@ -1,0 +1,42 @@
+// Replays the inputs the fuzz targets once failed on (tests/fuzz/TARGET/).
+#include "fuzzchecks.h"
+
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+
+class TestFuzzFindings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void finding_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("path");
+        const QDir root(QStringLiteral(VOK_SOURCE_DIR "/tests/fuzz"));
+        for (const QString& target : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+            // Findings whose fix is still under way elsewhere wait in pending/.
+            if (target == QLatin1String("pending"))
+                continue;
+            const QDir dir(root.filePath(target));
+            for (const QString& name : dir.entryList(QDir::Files))
+                QTest::newRow(qPrintable(target + QLatin1Char('/') + name)) << target << dir.filePath(name);
+        }
+    }
+    void finding()
+    {
+        QFETCH(QString, target);
+        QFETCH(QString, path);
+        const fuzzchecks::Check check = fuzzchecks::checkNamed(target);
+        QVERIFY2(check, qPrintable(QStringLiteral("no fuzz target named ") + target));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        const QString fault = check(reinterpret_cast<const uint8_t*>(bytes.constData()), size_t(bytes.size()));
+        QVERIFY2(fault.isEmpty(), qPrintable(fault));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFuzzFindings)
+#include "test_fuzzfindings.moc"

@@ -1,0 +1,119 @@
+// savechild FILE SEGMENTS FAULT N: loads FILE, adds a wave of SEGMENTS
+// segments, and saves it over FILE the way the editor saves, with one fault:
+//   none    no fault; prints the number of steps the save took
+//   kill    SIGKILL just before step N of the save
+//   remove  the file's folder removed just before step N
+//   limit   the file size limited to N bytes
+// A step is each write to a file, flush to disk, link or rename. Exits 0 when
+// the save reported success, 1 when it reported failure.
+#include "documentfile.h"
+#include "saveedit.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <csignal>
+#include <cstdio>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+enum class Fault { None, Kill, Remove, Limit };
+Fault g_fault = Fault::None;
+bool g_armed = false;
+long g_steps = 0;
+long g_at = 0;
+QString g_folder;
+
+void step()
+{
+    if (!g_armed || ++g_steps != g_at)
+        return;
+    if (g_fault == Fault::Kill)
+        syscall(SYS_kill, getpid(), SIGKILL);
+    if (g_fault == Fault::Remove) {
+        g_armed = false;
+        QDir(g_folder).removeRecursively();
+        g_armed = true;
+    }
+}
+} // namespace
+
+// The system calls a save goes through, each counted as a step first.
+extern "C" {
+ssize_t write(int fd, const void* buffer, size_t size)
+{
+    if (fd > 2)
+        step();
+    return syscall(SYS_write, fd, buffer, size);
+}
+int fsync(int fd)
+{
+    step();
+    return int(syscall(SYS_fsync, fd));
+}
+int fdatasync(int fd)
+{
+    step();
+    return int(syscall(SYS_fdatasync, fd));
+}
+int linkat(int fromDir, const char* from, int toDir, const char* to, int flags)
+{
+    step();
+    return int(syscall(SYS_linkat, fromDir, from, toDir, to, flags));
+}
+int rename(const char* from, const char* to)
+{
+    step();
+    return int(syscall(SYS_rename, from, to));
+}
+int renameat2(int fromDir, const char* from, int toDir, const char* to, unsigned flags)
+{
+    step();
+    return int(syscall(SYS_renameat2, fromDir, from, toDir, to, flags));
+}
+}
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() != 5)
+        return 2;
+    const QString path = args[1];
+    const QString fault = args[3];
+    g_at = args[4].toLong();
+    g_folder = QFileInfo(path).absolutePath();
+    g_fault = fault == QLatin1String("kill")     ? Fault::Kill
+              : fault == QLatin1String("remove") ? Fault::Remove
+              : fault == QLatin1String("limit")  ? Fault::Limit
+                                                 : Fault::None;
+
+    kesu::toolvok::WaveformData document;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return 2;
+    document.loadData(file);
+    file.close();
+    saveedit::addStressWave(document, args[2].toInt());
+
+    if (g_fault == Fault::Limit) {
+        std::signal(SIGXFSZ, SIG_IGN);   // a failing write, not a dead program
+        const rlimit limit{rlim_t(g_at), rlim_t(g_at)};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    // The moment the save starts, for a parent that kills at a random time.
+    std::puts("saving");
+    std::fflush(stdout);
+    g_armed = true;
+    QString error;
+    const bool saved = kesu::toolvok::saveWaveformFile(document, path, &error);
+    g_armed = false;
+    std::printf("steps %ld\n", g_steps);
+    if (!saved)
+        std::printf("failed: %s\n", qPrintable(error));
+    return saved ? 0 : 1;
+}
