@@ -38,8 +38,9 @@ void LineBatch::line(int layer, const QColor& color, int width, int x1, int y1, 
         flush(l);
         l.open = true;
         if (l.width != width || l.color != color) {
-            l.pen = QPen(color, width);
-            l.brush = QBrush(color);
+            const Tools& tools = toolsFor(color, width);
+            l.pen = tools.pen;
+            l.brush = tools.brush;
         }
         l.color = color;
         l.width = width;
@@ -161,11 +162,21 @@ void LineBatch::drawCloneBlock(QPainter& painter, int x, int y, int width, int h
     painter.drawRect(x, y, width, height);
 }
 
+const LineBatch::Tools& LineBatch::toolsFor(const QColor& color, int width)
+{
+    // A row switches between a handful of colours thousands of times at the
+    // fit zoom: each pen and brush is made once.
+    for (const Tools& t : tools_) {
+        if (t.width == width && t.color == color)
+            return t;
+    }
+    tools_.push_back({color, width, width < 0 ? QPen(color) : QPen(color, width), QBrush(color)});
+    return tools_.back();
+}
+
 void LineBatch::setTextColor(const QColor& color)
 {
-    if (textPen_.color() != color || textPen_.style() != Qt::SolidLine)
-        textPen_ = QPen(color);
-    painter_.setPen(textPen_);
+    painter_.setPen(toolsFor(color, -1).pen);
 }
 
 void LineBatch::text(int layer, const QColor& color, int x, int y, const QString& text)

@@ -18,6 +18,7 @@
 #include <string>
 
 #include <algorithm>
+#include <deque>
 #include <vector>
 
 namespace kesu::toolvok {
@@ -133,6 +134,17 @@ private:
         Recent<8> others;
     };
 
+    // A pen and a brush of one colour and width (-1: the text pen).
+    struct Tools
+    {
+        QColor color;
+        int width;
+        QPen pen;
+        QBrush brush;
+    };
+    const Tools& toolsFor(const QColor& color, int width);
+    std::deque<Tools> tools_;
+
     Layer& at(int layer)
     {
         if (layer >= static_cast<int>(layers_.size()))
@@ -150,7 +162,6 @@ private:
     bool raster_;
     std::vector<Layer> layers_;
     std::vector<QRect> rects_;
-    QPen textPen_;
     QStaticText letters_[3];
     qreal ascent_ = 0;
 };
