@@ -1,5 +1,4 @@
-// What the editor remembers between runs, and the host's Options dialog
-// driven as a user does.
+// What the editor remembers between runs, and the Options dialog.
 #include "basehelp.h"
 #include "editdlg.h"
 #include "optionsdlg.h"
@@ -62,9 +61,8 @@ private Q_SLOTS:
         QSettings(ini_, QSettings::IniFormat).clear();
     }
 
-    // Whatever is not of the key's type reads as its default; "/" puts an
-    // unreadable folder in the file's place. Then the next window reads what
-    // the last wrote, and applyColors skips entry 0.
+    // Values not of the key's type read as defaults ("/": an unreadable folder);
+    // the next window reads what the last wrote.
     void storedSettings_data()
     {
         QTest::addColumn<QByteArray>("file");
@@ -100,9 +98,7 @@ private Q_SLOTS:
         QTEST(state(*next), "next");
     }
 
-    // Tools > Options: OK applies, a picked colour included, and restarts
-    // the auto-save timer only on a new interval (never untitled); Cancel
-    // applies nothing. Help opens the dialog's page.
+    // OK applies, restarting auto-save only on a new interval (never untitled); Cancel nothing.
     void optionsDialog_data()
     {
         QTest::addColumn<int>("autoSave");
