@@ -37,20 +37,14 @@ class TestSettings : public QObject
 {
     Q_OBJECT
     QTemporaryDir dir_;
-    QString project_;
     const QString ini_ = qEnvironmentVariable("XDG_CONFIG_HOME") + "/Vostranelle/WAVE_EDITOR.ini";
 
     std::unique_ptr<VokGUI> tool(bool titled = true)
     {
         const QString doc = dir_.filePath("doc.wdl");
         const bool named = titled && toolfixture::writeFile(doc, "%ENDTIME = 9;\n");
-        auto gui = std::make_unique<VokGUI>(nullptr, named ? QStringList{doc} : QStringList(), project_, true);
-        gui->initialize();
-        gui->resize(1200, 700);
-        gui->show();
         // The splitter has its real sizes only once the window is laid out.
-        (void)QTest::qWaitForWindowExposed(gui.get());
-        return gui;
+        return toolfixture::openShown(named ? doc : QString(), QSize(1200, 700));
     }
 
 private Q_SLOTS:

@@ -63,11 +63,12 @@ inline std::unique_ptr<kesu::toolvok::VokGUI> laidOutTool()
     return gui;
 }
 
-// The file in a stand-alone window, shown and exposed; null, with the reason logged, on failure.
+// The file (none: untitled) in a stand-alone window, shown and exposed; null, with the reason logged, on failure.
 inline std::unique_ptr<kesu::toolvok::VokGUI> openShown(const QString& path, QSize size)
 {
     QString project;
-    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, QStringList{path}, project, true);
+    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, path.isEmpty() ? QStringList() : QStringList{path},
+                                                       project, true);
     if (!gui->initialize()) {
         qWarning("the tool did not take %s", qPrintable(path));
         return nullptr;
