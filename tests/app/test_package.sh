@@ -11,6 +11,7 @@ fail() { echo "FAIL: $*" >&2; exit 1; }
 cmake --install "$build" --prefix "$scratch/root" >/dev/null
 "$scratch/root/bin/wdl" --version | grep -qx 'wdl [0-9.]*' || fail "wdl --version"
 "$scratch/root/bin/waveform-editor" --version | grep -qx 'waveform-editor [0-9.]*' || fail "waveform-editor --version"
+"$scratch/root/bin/waveform-editor" --help | grep -q -- '--hosted' || fail "waveform-editor --help lacks --hosted"
 command -v man >/dev/null && for page in waveform-editor wdl; do
     man --warnings -l "$scratch/root/share/man/man1/$page.1" 2>&1 >/dev/null | grep . && fail "$page.1 has roff warnings"
 done

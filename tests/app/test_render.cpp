@@ -1,5 +1,4 @@
-// wdl render run as a user would: each format checked by reading it back,
-// and the option errors that leave an existing output alone.
+// wdl render: each format read back, and errors that leave an existing output alone.
 #include <QImage>
 #include <QProcess>
 #include <QRegularExpression>
@@ -7,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QXmlStreamReader>
+
+#include "files.h"
 
 namespace {
 
@@ -48,15 +49,13 @@ class TestRender : public QObject
     QString file(const QString& name, const QByteArray& bytes = QByteArray())
     {
         const QString path = tmp_.filePath(name);
-        QFile f(path);
-        if (!bytes.isEmpty() && !(f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size()))
+        if (!bytes.isEmpty() && !testfiles::writeFile(path, bytes))
             qFatal("cannot write %s", qPrintable(path));
         return path;
     }
 
 private Q_SLOTS:
-    // Pixel probes "x,y" in the wave colour (blue signal and bus, red don't
-    // care) and "W" for background; the picture fits 1,600 pixels by default.
+    // Probes "Cx,y": Blue waves, Red don't care, White background, blacK text.
     void png_data()
     {
         QTest::addColumn<QStringList>("options");
@@ -96,9 +95,7 @@ private Q_SLOTS:
     {
         const QString out = file(QStringLiteral("pair.svg"));
         QCOMPARE(run({"render", file("pair.wdl", Pair), "-out=" + out, "--names"}), 0);
-        QFile svg(out);
-        QVERIFY(svg.open(QIODevice::ReadOnly));
-        QXmlStreamReader xml(&svg);
+        QXmlStreamReader xml(testfiles::readFile(out));
         QString text;
         while (!xml.atEnd()) {
             if (xml.readNext() == QXmlStreamReader::Characters)
@@ -109,8 +106,7 @@ private Q_SLOTS:
             QVERIFY2(text.contains(QLatin1String(name)), name);
     }
 
-    // A landscape page holds 16 rows under the ruler and 40 steps at the
-    // widest scale; pages go down the rows, then across time.
+    // A page holds 16 rows and 40 steps at the widest scale; pages go down, then across.
     void pdfPages_data()
     {
         QTest::addColumn<int>("waves");
@@ -137,9 +133,7 @@ private Q_SLOTS:
         QCOMPARE(count.match(QString::fromLatin1(info.readAllStandardOutput())).captured(1).toInt(), pages);
     }
 
-    // 2 for a wrong command line, 1 with one line for what could not be
-    // done; the file already at the output's place survives either. IN is
-    // a readable document, OUT that file.
+    // 2: a wrong command line; 1: one line on what failed. OUT (an existing file) survives.
     void errors_data()
     {
         QTest::addColumn<QStringList>("args");
@@ -172,9 +166,7 @@ private Q_SLOTS:
         QVERIFY2(stderrText.startsWith("wdl: ") && stderrText.contains(err.toUtf8()), stderrText.constData());
         if (code == 1)
             QCOMPARE(stderrText.count('\n'), 1);
-        QFile kept(old);
-        QVERIFY(kept.open(QIODevice::ReadOnly));
-        QCOMPARE(kept.readAll(), QByteArray("not overwritten"));
+        QCOMPARE(testfiles::readFile(old), QByteArray("not overwritten"));
     }
 };
 

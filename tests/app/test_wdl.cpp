@@ -1,7 +1,6 @@
 // Runs the wdl executable as a user would and checks what it prints and how
 // it exits.
 #include <QDir>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -10,7 +9,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <random>
+#include "files.h"
 
 namespace {
 
@@ -32,12 +31,6 @@ Run wdl(const QStringList& args)
     return run;
 }
 
-QByteArray readAll(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 } // namespace
 
 class TestWdl : public QObject
@@ -49,8 +42,7 @@ class TestWdl : public QObject
     QString written(const QString& name, const QByteArray& bytes)
     {
         const QString path = tmp_.filePath(name);
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() ? path : QString();
+        return testfiles::writeFile(path, bytes) ? path : QString();
     }
 
 private Q_SLOTS:
@@ -99,7 +91,7 @@ private Q_SLOTS:
         const Run run = wdl({QStringLiteral("format"), path});
         QCOMPARE(run.code, 0);
         QCOMPARE(run.err, QByteArray());
-        QCOMPARE(run.out, readAll(path));
+        QCOMPARE(run.out, testfiles::readFile(path));
     }
 
     // 1: the file cannot be read, one line on stderr naming it; 2: a usage
@@ -108,7 +100,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<int>("code");
-        QTest::addColumn<QByteArray>("out");   // all of stdout
+        QTest::addColumn<QByteArray>("out");   // a part of stdout; empty: nothing
         QTest::addColumn<QString>("err");      // a part of stderr
         const QString file = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
         const QString missing = tmp_.filePath(QStringLiteral("no such file.wdl"));
@@ -124,6 +116,7 @@ private Q_SLOTS:
         QTest::newRow("two files") << QStringList{"format", file, file} << 2 << QByteArray() << "takes one file";
         QTest::newRow("unknown option") << QStringList{"--colour", "dump", file} << 2 << QByteArray() << "colour";
         QTest::newRow("version") << QStringList{"--version"} << 0 << QByteArray("wdl " VOK_VERSION "\n") << "";
+        QTest::newRow("help") << QStringList{"--help"} << 0 << QByteArray("Usage: wdl") << "";
     }
     void exitCodes()
     {
@@ -133,42 +126,13 @@ private Q_SLOTS:
         QFETCH(QString, err);
         const Run run = wdl(args);
         QCOMPARE(run.code, code);
-        QCOMPARE(run.out, out);
+        QVERIFY2(out.isEmpty() ? run.out.isEmpty() : run.out.contains(out), run.out.constData());
         QVERIFY2(run.err.contains(err.toUtf8()), run.err.constData());
         if (code == 1)
             QVERIFY2(run.err.startsWith("wdl: ") && run.err.count('\n') == 1 && run.err.endsWith('\n'), run.err.constData());
         if (code == 2)
             QVERIFY2(run.err.startsWith("wdl: ") && run.err.contains("Usage:") && run.err.contains("format FILE"),
                      run.err.constData());
-    }
-
-    void help()
-    {
-        const Run run = wdl({QStringLiteral("--help")});
-        QCOMPARE(run.code, 0);
-        QVERIFY2(run.out.contains("Usage:") && run.out.contains("dump FILE") && run.out.contains("format FILE"),
-                 run.out.constData());
-    }
-
-    // The reader's own tests feed it garbage; this one follows what it makes
-    // of a megabyte of the format's characters through both commands.
-    void survivesGarbage()
-    {
-        static const QByteArray alphabet = "{}()##**$$==;;[]:,... 0123456789ABFHZ%IOBGTDefaultNRZx-\n \t";
-        std::mt19937 random(20240611);
-        QByteArray bytes(1 << 20, Qt::Uninitialized);
-        for (char& c : bytes)
-            c = alphabet.at(int(random() % alphabet.size()));
-        const QString path = written(QStringLiteral("garbage.wdl"), bytes);
-        const Run dump = wdl({QStringLiteral("dump"), path});
-        const Run format = wdl({QStringLiteral("format"), path});
-        // Empty lines stop the reading with text after them: both say so alike.
-        QCOMPARE(dump.code, 1);
-        QCOMPARE(format.code, 1);
-        QCOMPARE(dump.err, format.err);
-        QVERIFY2(dump.err.contains(" completely: line ") && dump.out.isEmpty(), dump.err.constData());
-        const Run tail = wdl({QStringLiteral("dump"), written(QStringLiteral("tail.wdl"), bytes.replace("\n\n", "\n"))});
-        QVERIFY2(tail.code <= 1 && (tail.code == 1 || QJsonDocument::fromJson(tail.out).isObject()), tail.err.constData());
     }
 };
 

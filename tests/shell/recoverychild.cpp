@@ -2,13 +2,8 @@
 // a tool window, edits it, prints the edited document, waits for its recovery
 // copy, and then dies at once (crash) or closes the window and quits (clean).
 #include "recoverycopy.h"
-#include "vokgui.h"
-#include "wavedata.h"
-#include "waveformdata.h"
-#include "wavelstview.h"
-#include "wavewriter.h"
+#include "toolfixture.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QElapsedTimer>
@@ -38,11 +33,7 @@ int main(int argc, char** argv)
         gui->document()->addWave(wave);
         gui->SetDirtyBit();
     } else {
-        // A user's edit: a click past the end of a wave in edit mode.
-        gui->action(VokGUI::ActEditMode)->setChecked(true);
-        WaveData* wave = gui->document()->waves.first();
-        gui->waveList()->setCurrentIndex(gui->waveList()->itemModel()->index(gui->waveList()->rowOf(wave), 0));
-        gui->addEditData(500);
+        toolfixture::appendSegment(*gui, gui->document()->waves.first()->name, 500);
     }
     std::fputs(formatWaveform(*gui->document()).constData(), stdout);
     std::fflush(stdout);

@@ -1,6 +1,4 @@
-// Desktop comforts of the tool window: recent files, a document dropped onto
-// the window, progress with Cancel for long work, and drawing colours that
-// follow the desktop's palette unless the user chose them.
+// Recent files, dropped documents, progress with Cancel, and colours following the palette.
 #include "exportwaveforms.h"
 #include "progressgate.h"
 #include "recentfiles.h"
@@ -24,8 +22,7 @@ class TestComfort : public QObject
     QTemporaryDir dir_;
     QString project_;
 
-    // A small document, or with `waves` that many waves of 1,000 pulses (600:
-    // about 3 MB, read in several pieces).
+    // `waves` waves of 1,000 pulses (600: about 3 MB, read in several pieces).
     QString doc(const QString& name, int waves = 1)
     {
         const QString path = dir_.filePath(name);
@@ -59,10 +56,8 @@ private Q_SLOTS:
         RecentFiles(settings).clear();
     }
 
-    // Files opened after start.wdl, then one deleted before the menu shows:
-    // newest first, at most eight, the deleted one taken off with a note in
-    // the status bar; right below Open; a second window shows the same list;
-    // Clear empties it.
+    // Newest first, at most eight, a deleted one taken off with a note; below
+    // Open; the same in a second window; Clear empties it.
     void recentFilesMenu_data()
     {
         QTest::addColumn<QStringList>("opened");
@@ -94,8 +89,7 @@ private Q_SLOTS:
         QCOMPARE(entries(gui->recentFilesMenu()), QStringList());
     }
 
-    // What is dropped, whether the window takes it, what it then shows; with
-    // unsaved changes the usual question comes first.
+    // What is dropped, whether the window takes it, what it then shows.
     void dropDocument_data()
     {
         QTest::addColumn<QStringList>("dropped");
@@ -132,9 +126,7 @@ private Q_SLOTS:
         QCOMPARE(answerer.said(), answer ? QStringList{"Do you want to save your changes?"} : QStringList());
     }
 
-    // Long work with its progress dialog at once. Open cancelled: the open
-    // document, its changes and the recent files stay; run through: the big
-    // document opens. Print to PDF cancelled: no file is left.
+    // Open cancelled keeps document, changes and recent files; print cancelled leaves no file.
     void longWorkWithProgress_data()
     {
         QTest::addColumn<QString>("work");
@@ -182,8 +174,7 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(dir_.filePath("big.pdf")));
     }
 
-    // An export stopped while reading or while writing returns 2 and leaves
-    // the output as it was; one that runs through replaces it.
+    // A stopped export returns 2 and leaves the output as it was.
     void exportWithProgress_data()
     {
         QTest::addColumn<int>("stopAt");   // the call that answers false; 0 never
@@ -205,8 +196,7 @@ private Q_SLOTS:
         QCOMPARE(testfiles::readFile(output) == "before", stopAt != 0);
     }
 
-    // A dark palette turns the colours the user left alone dark; a colour the
-    // user chose stays, and only that one is stored.
+    // A dark palette darkens the colours the user left alone; only a chosen one is stored.
     void colorsFollowThePalette()
     {
         const QPalette light = QApplication::palette();

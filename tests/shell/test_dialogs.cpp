@@ -1,6 +1,4 @@
-// The dialogs driven as a user does: type, pick, press, answer the message
-// box; then undo and redo what they did. The menu slots that open every
-// dialog, and every dialog's help.
+// The dialogs driven as a user does, then their work undone and redone; their menu slots and help.
 #include "basehelp.h"
 #include "importdlg.h"
 #include "importvcddlg.h"
@@ -174,9 +172,7 @@ private Q_SLOTS:
         }
     }
 
-    // File > Import VCD: the dump as a new untitled document, after the
-    // changes of the old one were offered for saving; a faulty dump or a
-    // Cancel leaves the document as it was.
+    // File > Import VCD: a new untitled document; a faulty dump or Cancel keeps the old one.
     void importVcd_data()
     {
         QTest::addColumn<QByteArray>("vcd");
@@ -400,8 +396,7 @@ private Q_SLOTS:
         QVERIFY(t->isModified());
     }
 
-    // Every menu slot opens its dialog; F1 and Help open the dialog's own
-    // page, and its what's-this texts say something.
+    // Every menu slot opens its dialog; F1 and Help open its page; what's-this texts say something.
     void slotsOpenDialogsWithHelp_data()
     {
         QTest::addColumn<QByteArray>("slot");

@@ -1,6 +1,5 @@
-// What the window does when the disk does not behave: saves that fail keep
-// the document modified, a file changed by another program while the window
-// is active is noticed at once, and a save asks before replacing it.
+// Saves that fail keep the document modified; another program's change is
+// noticed at once while active, and a save asks before replacing it.
 #include "vokgui.h"
 #include "wavedata.h"
 #include "waveformdata.h"
@@ -18,20 +17,13 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace kesu::toolvok;
 using namespace toolfixture;
 
 namespace {
 const QString kReload = QStringLiteral("The file was modified by another program. Do you want to reload it?");
-
-void edit(VokGUI& gui)
-{
-    gui.action(VokGUI::ActEditMode)->setChecked(true);
-    WaveData* wave = gui.document()->findWavebyName(QStringLiteral("rst_n"));
-    gui.waveList()->setCurrentIndex(gui.waveList()->itemModel()->index(gui.waveList()->rowOf(wave), 0));
-    gui.addEditData(500);
-}
 
 // Another program's save: written in place, or written beside and renamed
 // over the file as careful programs do; either way a second later.
@@ -65,6 +57,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("fault");
         QTest::newRow("folder removed") << "removed";
         QTest::newRow("file size limit") << "limit";
+        QTest::newRow("read-only folder") << "read-only";
     }
     void failedSave()
     {
@@ -72,7 +65,7 @@ private Q_SLOTS:
         const QByteArray original = readFile(m_file);
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
         QVERIFY(gui.initialize());
-        edit(gui);
+        appendSegment(gui, QStringLiteral("rst_n"), 500);
         const QString title = gui.windowTitle();
         ModalAnswerer answerer({press(QMessageBox::Ok)});
         bool saved = true;
@@ -80,6 +73,20 @@ private Q_SLOTS:
             QVERIFY(QDir(QFileInfo(m_file).absolutePath()).removeRecursively());
             saved = gui.onSave();
             QVERIFY(!QFileInfo::exists(m_file));
+        } else if (fault == QLatin1String("read-only")) {
+            // Root writes into read-only folders all the same: it saves as nobody.
+            const QString folder = QFileInfo(m_file).absolutePath();
+            const bool root = ::geteuid() == 0;
+            QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
+            if (root)
+                QFile::setPermissions(m_dir.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ExeOther);
+            QVERIFY(!root || ::seteuid(65534) == 0);
+            const bool blocked = !QFile(folder + QStringLiteral("/probe")).open(QIODevice::WriteOnly);
+            saved = gui.onSave();
+            QVERIFY(!root || ::seteuid(0) == 0);
+            QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            QVERIFY(blocked);
+            QCOMPARE(readFile(m_file), original);
         } else {
             rlimit before{};
             getrlimit(RLIMIT_FSIZE, &before);
@@ -151,7 +158,7 @@ private Q_SLOTS:
         QFETCH(bool, replaced);
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);   // never active
         QVERIFY(gui.initialize());
-        edit(gui);
+        appendSegment(gui, QStringLiteral("rst_n"), 500);
         QVERIFY(otherProgramSaves(m_file, m_other, false));
         const QByteArray edited = savedText(gui);
         QList<Answer> answers;

@@ -1,6 +1,4 @@
-// The help pages: every topic the sources ask for lands on a page (and on its
-// section), every link between the pages lands, and every command and
-// shortcut of the window is described.
+// Every help topic and link lands, and every command and shortcut is described.
 #include "basehelp.h"
 #include "sandboxedtestmain.h"
 #include "toolfixture.h"
@@ -29,8 +27,7 @@ QStringList literalsIn(const QString& text)
     return found;
 }
 
-// A location "page#section" exists when the page does and, with a section,
-// when the page marks it with that name or id.
+// "page#section": the page exists and marks the section by name or id.
 bool resolves(const QString& location)
 {
     const QString page = location.section(QLatin1Char('#'), 0, 0);
@@ -60,9 +57,8 @@ class TestHelp : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    // Every place the program may show: the topic of every help call in the
-    // sources (a literal, or a name whose definition in that file holds the
-    // literals), and every link of every page.
+    // The topic of every help call in the sources (a literal, or a name defined
+    // in that file), and every link of every page.
     void everyPlaceResolves_data()
     {
         QTest::addColumn<QString>("location");
@@ -101,8 +97,7 @@ private Q_SLOTS:
         QVERIFY2(resolves(location), qPrintable(location));
     }
 
-    // Menus and tool bars of a real window against the command and shortcut
-    // pages: a command added without its help fails here.
+    // Menus and tool bars of a real window against the command and shortcut pages.
     void everyCommandAndShortcutDescribed()
     {
         auto gui = toolfixture::laidOutTool();

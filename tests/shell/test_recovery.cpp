@@ -1,6 +1,4 @@
-// Crash recovery: a tool window in a child process is killed mid-edit; the
-// next start offers the recovery copy it left, by the document's name and the
-// copy's time, and restores or discards it. A clean end leaves nothing.
+// A tool window killed mid-edit in a child: the next start offers its copy.
 #include "recoverycopy.h"
 #include "vokgui.h"
 
@@ -80,8 +78,7 @@ private Q_SLOTS:
         QCOMPARE(savedText(*gui), restored ? edited : formatWaveform(WaveformData()));
         QCOMPARE(gui->isModified(), restored);
         QCOMPARE(gui->fullFileName(), restored && !untitled ? file : QString());
-        // Nothing is offered twice: a restored copy belongs to the window
-        // showing it, a discarded one is gone.
+        // Nothing is offered twice.
         ModalAnswerer none({});
         const auto next = laidOutTool();
         QVERIFY(none.seen.isEmpty());

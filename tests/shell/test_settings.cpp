@@ -1,5 +1,4 @@
-// What the editor remembers between runs, and the host's Options dialog
-// driven as a user does.
+// What the editor remembers between runs, and the Options dialog.
 #include "basehelp.h"
 #include "editdlg.h"
 #include "optionsdlg.h"
@@ -38,20 +37,14 @@ class TestSettings : public QObject
 {
     Q_OBJECT
     QTemporaryDir dir_;
-    QString project_;
     const QString ini_ = qEnvironmentVariable("XDG_CONFIG_HOME") + "/Vostranelle/WAVE_EDITOR.ini";
 
     std::unique_ptr<VokGUI> tool(bool titled = true)
     {
         const QString doc = dir_.filePath("doc.wdl");
         const bool named = titled && toolfixture::writeFile(doc, "%ENDTIME = 9;\n");
-        auto gui = std::make_unique<VokGUI>(nullptr, named ? QStringList{doc} : QStringList(), project_, true);
-        gui->initialize();
-        gui->resize(1200, 700);
-        gui->show();
         // The splitter has its real sizes only once the window is laid out.
-        (void)QTest::qWaitForWindowExposed(gui.get());
-        return gui;
+        return toolfixture::openShown(named ? doc : QString(), QSize(1200, 700));
     }
 
 private Q_SLOTS:
@@ -62,9 +55,8 @@ private Q_SLOTS:
         QSettings(ini_, QSettings::IniFormat).clear();
     }
 
-    // Whatever is not of the key's type reads as its default; "/" puts an
-    // unreadable folder in the file's place. Then the next window reads what
-    // the last wrote, and applyColors skips entry 0.
+    // Values not of the key's type read as defaults ("/": an unreadable folder);
+    // the next window reads what the last wrote.
     void storedSettings_data()
     {
         QTest::addColumn<QByteArray>("file");
@@ -100,9 +92,7 @@ private Q_SLOTS:
         QTEST(state(*next), "next");
     }
 
-    // Tools > Options: OK applies, a picked colour included, and restarts
-    // the auto-save timer only on a new interval (never untitled); Cancel
-    // applies nothing. Help opens the dialog's page.
+    // OK applies, restarting auto-save only on a new interval (never untitled); Cancel nothing.
     void optionsDialog_data()
     {
         QTest::addColumn<int>("autoSave");

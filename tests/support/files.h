@@ -25,8 +25,7 @@ inline QByteArray readFile(const QString& path)
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
 }
 
-// A copy the user may save over: sources can be checked out read-only, and
-// copying keeps that.
+// A copy the user may save over (sources may be checked out read-only).
 [[nodiscard]] inline bool copyWritable(const QString& from, const QString& to)
 {
     QFile::remove(to);

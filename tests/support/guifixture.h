@@ -1,7 +1,6 @@
 #pragma once
 
-// Tool windows on documents as the user has them: written to a file and
-// opened, and driven with the mouse.
+// Tool windows on documents written to a file, driven with the mouse.
 #include "rulerview.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -105,8 +104,7 @@ public:
             names << w->name;
         return names;
     }
-    // Edit operations work on what a drag selected: the wave becomes active
-    // and current, its segments at indexes selected.
+    // As a drag selects: the wave active and current, its segments at indexes selected.
     void select(const QString& name, const QList<int>& indexes) const
     {
         WaveData* w = wave(name);
@@ -145,8 +143,7 @@ public:
     std::unique_ptr<VokGUI> gui;
 };
 
-// Shown at a fixed size with the wave view at time 0 and one time unit per
-// step, and driven with the mouse on the wave view.
+// Shown at a fixed size, the wave view at time 0 and one unit per step.
 class Window : public Doc
 {
 public:

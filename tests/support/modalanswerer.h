@@ -16,9 +16,6 @@
 
 #include <functional>
 
-// Answers the message boxes, file and input dialogs a test drives the tool into,
-// from the test itself, as a user would.
-
 // One answer to one modal window, in the order they appear.
 struct Answer {
     enum Kind { Button, File, Dismiss, Text, Act } kind;
@@ -30,27 +27,22 @@ inline Answer press(QMessageBox::StandardButton b) { return {Answer::Button, b, 
 inline Answer choose(const QString& path) { return {Answer::File, QMessageBox::NoButton, path}; }
 inline Answer dismiss() { return {Answer::Dismiss, QMessageBox::NoButton, {}}; }
 inline Answer type(const QString& text) { return {Answer::Text, QMessageBox::NoButton, text}; }
-// Any other dialog: the test fills and closes it itself. A click that opens a
-// further modal window must be queued, so that this answerer sees it.
+// Any other dialog: the test fills and closes it (queue a click that opens another modal).
 inline Answer act(std::function<void(QWidget*)> f) { return {Answer::Act, QMessageBox::NoButton, {}, std::move(f)}; }
 
 // What a modal window showed when it came up.
 struct Seen {
-    bool isFileDialog = false;
     QString title, text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons;
-    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
     QStringList filters;
     QString directory;
     QString preselected;
     QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
 };
 
-// Answers every message box and file dialog that goes modal while it lives.
-// A window it has no answer for, or one that stays up past the time limit,
-// is closed and reported in `problems`, so that a wrong path through the
-// code fails the test instead of leaving it waiting for a user.
+// Answers every modal window while it lives, in order; one it has no answer
+// for, or that stays up too long, is closed and reported in `problems`.
 class ModalAnswerer : public QObject
 {
 public:
@@ -103,7 +95,6 @@ private:
             s.text = box->text();
             s.icon = box->icon();
             s.buttons = box->standardButtons();
-            s.defaultButton = box->defaultButton() ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton;
             seen.append(s);
             if (QAbstractButton* button = answer.kind == Answer::Button ? box->button(answer.button) : nullptr) {
                 button->click();
@@ -112,7 +103,6 @@ private:
                 box->reject();
             }
         } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
-            s.isFileDialog = true;
             s.filters = dialog->nameFilters();
             s.directory = dialog->directory().absolutePath();
             s.preselected = dialog->selectedFiles().value(0);
@@ -142,9 +132,8 @@ private:
         }
     }
 
-    // The file dialog fills its folder view in the background and may then
-    // select a file of its own, so the name is typed once the dialog has
-    // settled and taken only when it is still the one shown at the next look.
+    // The dialog fills its folder view in the background and may select a file
+    // of its own: type the name once it settled, take it when it still shows.
     void chooseFile(QFileDialog* dialog)
     {
         if (!dialog || m_shown.elapsed() < 100)
@@ -152,15 +141,13 @@ private:
         const QString wanted = QFileInfo(m_pendingPath).absoluteFilePath();
         if (QFileInfo(dialog->selectedFiles().value(0)).absoluteFilePath() != wanted) {
             dialog->selectFile(m_pendingPath);
-            // selectFile() leaves the name field alone while it has the
-            // focus; type the name there as a user would.
+            // selectFile() leaves a focused name field alone.
             if (auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
                 name->setText(QFileInfo(m_pendingPath).absoluteFilePath());
             return;
         }
         m_pendingPath.clear();
-        // done() rather than accept(): accept() asks the same background
-        // model whether the file exists, and does nothing while it does not know.
+        // accept() would wait on the background model to know the file exists.
         static_cast<QDialog*>(dialog)->done(QDialog::Accepted);
     }
 

@@ -1,14 +1,15 @@
 #pragma once
 
-// Documents on disk and tool windows opened on them, as the user has them.
-// The helpers report failure through their result rather than failing the
-// test themselves, so that the caller's QVERIFY stops the test where it stands.
+// Documents on disk and tool windows on them; failures come back as results for the caller's QVERIFY.
 #include "vokgui.h"
+#include "wavedata.h"
 #include "waveformdata.h"
+#include "wavelstview.h"
 #include "wavewriter.h"
 
 #include "files.h"
 
+#include <QAction>
 #include <QBuffer>
 #include <QFile>
 #include <QImage>
@@ -32,8 +33,7 @@ inline QByteArray writerTextOfFile(const QString& path)
     return kesu::toolvok::formatWaveform(data);
 }
 
-// What saving the shown document would write; a failed save reads as text no
-// document can have, so that it never matches an expectation.
+// What saving the shown document would write; a failed save matches no expectation.
 inline QByteArray savedText(kesu::toolvok::VokGUI& gui)
 {
     QBuffer buffer;
@@ -43,8 +43,16 @@ inline QByteArray savedText(kesu::toolvok::VokGUI& gui)
     return buffer.data();
 }
 
-// An untitled tool window, never shown but laid out once, so that sizes set
-// on its views afterwards stay.
+// A click in edit mode past the wave's end: a segment of the next value up to there.
+inline void appendSegment(kesu::toolvok::VokGUI& gui, const QString& waveName, quint64 upTo)
+{
+    gui.action(kesu::toolvok::VokGUI::ActEditMode)->setChecked(true);
+    const kesu::toolvok::WaveData* wave = gui.document()->findWavebyName(waveName);
+    gui.waveList()->setCurrentIndex(gui.waveList()->itemModel()->index(gui.waveList()->rowOf(wave), 0));
+    gui.addEditData(upTo);
+}
+
+// An untitled tool window, never shown but laid out once so later view sizes stay.
 inline std::unique_ptr<kesu::toolvok::VokGUI> laidOutTool()
 {
     QString project;
@@ -55,12 +63,12 @@ inline std::unique_ptr<kesu::toolvok::VokGUI> laidOutTool()
     return gui;
 }
 
-// The file opened in a stand-alone tool window, shown at that size and
-// exposed; null, with the reason logged, when any of that fails.
+// The file (none: untitled) in a stand-alone window, shown and exposed; null, with the reason logged, on failure.
 inline std::unique_ptr<kesu::toolvok::VokGUI> openShown(const QString& path, QSize size)
 {
     QString project;
-    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, QStringList{path}, project, true);
+    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, path.isEmpty() ? QStringList() : QStringList{path},
+                                                       project, true);
     if (!gui->initialize()) {
         qWarning("the tool did not take %s", qPrintable(path));
         return nullptr;
