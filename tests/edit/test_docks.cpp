@@ -1,6 +1,4 @@
-// The three property docks driven through their widgets on documents read
-// from files: what each control writes into the saved text, what it refuses,
-// and that each change is one undo step.
+// The property docks driven through their widgets: the saved text, refusals, one undo step each.
 #include "editdlg.h"
 #include "patterndlg.h"
 #include "wavedatadlg.h"
@@ -79,9 +77,7 @@ void type(QLineEdit* edit, const QString& text)
     QTest::keyClick(edit, Qt::Key_Return);
 }
 
-// Uses a control as the user would: types into an edit, picks the entry of a
-// combo box given as its index, clicks a check box. Returns the text of the
-// message box that came up, answered with Ok ("" for none).
+// Types into an edit, picks a combo entry by index or clicks a box; the message box text ("": none).
 QString use(QWidget* control, const QString& input)
 {
     ModalAnswerer answerer({press(QMessageBox::Ok)});
@@ -368,8 +364,7 @@ private Q_SLOTS:
         const QByteArray edited = t.saved();
         QCOMPARE(edited, wdl({kPat, kQ, kBp, kAHead + "0 30 2 40 0 2 1 4 0 30 2 40 0 30 2 40 0 30 2 40(0 30\n 1 40)##;",
                               "d[7:0] { B B Default NRZ 5 1 50 } = 1 10 3C 10 F 10;", kE, kN, kG}));
-        // The steps copy the edited wave only when first undone: a redo after
-        // that must still bring back every edit.
+        // The steps copy the edited wave when first undone: a later redo must still bring back every edit.
         for (int round = 0; round < 2; ++round) {
             while (t->undoStack()->canUndo())
                 t->undo();
