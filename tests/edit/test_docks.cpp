@@ -205,9 +205,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("stored");   // empty: refused as wider than the bus
+        // Refusal per radix: the 8-bit rows; the width check at 256 bits and beyond: test_timetext's agreesWithGmp.
         const QString f64(64, QLatin1Char('F'));
         const QString max256 = QString::fromStdString(BigInteger(f64.toStdString(), 16).toString(10));
-        const QString over256 = QString::fromStdString(BigInteger("1" + std::string(64, '0'), 16).toString(10));
         QTest::newRow("hex prefix") << 8 << 3 << "0x1" << "0x1F" << "1F";
         QTest::newRow("hex too wide") << 4 << 3 << "0x1" << "0x1F" << "";
         QTest::newRow("hex without prefix") << 8 << 3 << "0x1" << "ab" << "ab";
@@ -222,11 +222,8 @@ private Q_SLOTS:
         QTest::newRow("257 hex") << 256 << 3 << "0x1" << "0x1" + QString(64, '0') << "";
         QTest::newRow("256 binary") << 256 << 0 << QString(255, '0') + "1" << "1" + QString(255, '0')
                                     << "8" + QString(63, '0');
-        QTest::newRow("257 binary") << 256 << 0 << QString(255, '0') + "1" << "1" + QString(256, '0') << "";
         QTest::newRow("256 octal") << 256 << 1 << "1" << "1" + QString(85, '7') << f64;
-        QTest::newRow("257 octal") << 256 << 1 << "1" << "2" + QString(85, '0') << "";
         QTest::newRow("256 decimal") << 256 << 2 << "1" << max256 << f64;
-        QTest::newRow("257 decimal") << 256 << 2 << "1" << over256 << "";
     }
     void busValue()
     {
@@ -281,10 +278,9 @@ private Q_SLOTS:
     void summary()
     {
         QFETCH(QString, wave);
-        QFETCH(QString, text);
         Docks t;
         t.pick(wave, {0});
-        QCOMPARE(t->waveDataDlg()->summary()->summary()->text(), text);
+        QTEST(t->waveDataDlg()->summary()->summary()->text(), "text");
     }
 
     void insertPatterns_data()
