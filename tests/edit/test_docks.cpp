@@ -1,6 +1,5 @@
-// The three property docks driven through their widgets on documents read
-// from files: what each control writes into the saved text, what it refuses,
-// and that each change is one undo step.
+// The property docks driven through their widgets: the saved text, refusals, one undo step each
+// (undoing and redoing a run of such steps: test_randomedits).
 #include "editdlg.h"
 #include "patterndlg.h"
 #include "wavedatadlg.h"
@@ -79,9 +78,7 @@ void type(QLineEdit* edit, const QString& text)
     QTest::keyClick(edit, Qt::Key_Return);
 }
 
-// Uses a control as the user would: types into an edit, picks the entry of a
-// combo box given as its index, clicks a check box. Returns the text of the
-// message box that came up, answered with Ok ("" for none).
+// Types into an edit, picks a combo entry by index or clicks a box; the message box text ("": none).
 QString use(QWidget* control, const QString& input)
 {
     ModalAnswerer answerer({press(QMessageBox::Ok)});
@@ -209,9 +206,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shown");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("stored");   // empty: refused as wider than the bus
+        // Refusal per radix: the 8-bit rows; the width check at 256 bits and beyond: test_timetext's agreesWithGmp.
         const QString f64(64, QLatin1Char('F'));
         const QString max256 = QString::fromStdString(BigInteger(f64.toStdString(), 16).toString(10));
-        const QString over256 = QString::fromStdString(BigInteger("1" + std::string(64, '0'), 16).toString(10));
         QTest::newRow("hex prefix") << 8 << 3 << "0x1" << "0x1F" << "1F";
         QTest::newRow("hex too wide") << 4 << 3 << "0x1" << "0x1F" << "";
         QTest::newRow("hex without prefix") << 8 << 3 << "0x1" << "ab" << "ab";
@@ -226,11 +223,8 @@ private Q_SLOTS:
         QTest::newRow("257 hex") << 256 << 3 << "0x1" << "0x1" + QString(64, '0') << "";
         QTest::newRow("256 binary") << 256 << 0 << QString(255, '0') + "1" << "1" + QString(255, '0')
                                     << "8" + QString(63, '0');
-        QTest::newRow("257 binary") << 256 << 0 << QString(255, '0') + "1" << "1" + QString(256, '0') << "";
         QTest::newRow("256 octal") << 256 << 1 << "1" << "1" + QString(85, '7') << f64;
-        QTest::newRow("257 octal") << 256 << 1 << "1" << "2" + QString(85, '0') << "";
         QTest::newRow("256 decimal") << 256 << 2 << "1" << max256 << f64;
-        QTest::newRow("257 decimal") << 256 << 2 << "1" << over256 << "";
     }
     void busValue()
     {
@@ -249,6 +243,8 @@ private Q_SLOTS:
         QCOMPARE(use(value, typed), stored.isEmpty() ? "The bit number of the value is over the bus width." : "");
         QCOMPARE(t.saved(), stored.isEmpty() ? original : wdl({head + stored.toLatin1() + " 10 2 10;"}));
         QCOMPARE(t.steps(), stored.isEmpty() ? 0 : 1);
+        t->undo();
+        QCOMPARE(t.saved(), original);
     }
 
     void patternKindKeepsTheDollarOnUndo()
@@ -285,10 +281,9 @@ private Q_SLOTS:
     void summary()
     {
         QFETCH(QString, wave);
-        QFETCH(QString, text);
         Docks t;
         t.pick(wave, {0});
-        QCOMPARE(t->waveDataDlg()->summary()->summary()->text(), text);
+        QTEST(t->waveDataDlg()->summary()->summary()->text(), "text");
     }
 
     void insertPatterns_data()
@@ -343,41 +338,6 @@ private Q_SLOTS:
         QCOMPARE(t.steps(), 1);
         t->undo();
         QCOMPARE(t.saved(), kDoc);
-    }
-
-    void everyDockThenUndoEverything()
-    {
-        Docks t;
-        auto pickAndUse = [&t](const QString& wave, const QList<int>& pulses, const char* control, const QString& input) {
-            t.pick(wave, pulses);
-            use(t.control(control), input);
-        };
-        pickAndUse("a", {1}, "state", "2");
-        pickAndUse("a", {0}, "duration", "15");
-        pickAndUse("a", {0, 1}, "scale", "2");
-        pickAndUse("a", {0, 1}, "repeat", "4");
-        pickAndUse("a", {8, 9}, "forever", "");
-        pickAndUse("d[7:0]", {1}, "value", "0x3C");
-        pickAndUse("d[7:0]", {1}, "offset", "5");
-        pickAndUse("d[7:0]", {1}, "polarity", "2");
-        t.pick("a", {2});
-        t->patternDlg()->list()->selectionModel()->select(t->patternDlg()->list()->model()->index(0, 0),
-                                                          QItemSelectionModel::Select);
-        t->patternDlg()->insertButton()->click();
-        QCOMPARE(t.steps(), 9);
-        const QByteArray edited = t.saved();
-        QCOMPARE(edited, wdl({kPat, kQ, kBp, kAHead + "0 30 2 40 0 2 1 4 0 30 2 40 0 30 2 40 0 30 2 40(0 30\n 1 40)##;",
-                              "d[7:0] { B B Default NRZ 5 1 50 } = 1 10 3C 10 F 10;", kE, kN, kG}));
-        // The steps copy the edited wave only when first undone: a redo after
-        // that must still bring back every edit.
-        for (int round = 0; round < 2; ++round) {
-            while (t->undoStack()->canUndo())
-                t->undo();
-            QCOMPARE(t.saved(), kDoc);
-            while (t->undoStack()->canRedo())
-                t->redo();
-            QCOMPARE(t.saved(), edited);
-        }
     }
 };
 

@@ -1,8 +1,5 @@
-// Random edits through the tool window keep what every edit must: undoing
-// everything gives back the file as loaded, redoing everything the file as
-// edited, each step on the way the state its command left. Replay a failure
-// with VOK_RANDOMEDITS_SEED=<seed> [VOK_RANDOMEDITS_STEPS=<n>], which also
-// traces every operation.
+// Random edits through the tool window: undoing and redoing every step gives back each state exactly.
+// Replay with VOK_RANDOMEDITS_SEED=<seed> [VOK_RANDOMEDITS_STEPS=<n>], which also traces each step.
 #include "undocommands.h"
 #include "wavekind.h"
 
@@ -20,8 +17,7 @@ using namespace guitest;
 
 namespace {
 
-// The saved text, which waves are hidden (which it does not show), and
-// whether the name list shows the waves as the drawing does.
+// The saved text, the hidden waves, and whether the name list matches the drawing.
 QByteArray summary(const Tool& t)
 {
     QByteArray hidden;
@@ -76,8 +72,7 @@ private:
         return gui_.waveList()->waveAt(row);
     }
 
-    // A drag across up to four neighbouring segments, now and then every
-    // other one of them; describes them in what.
+    // A drag across up to four neighbouring segments, now and then every other one.
     WaveData* pickRun(const char* verb, QString& what)
     {
         WaveData* wave = pickRow();
@@ -240,8 +235,7 @@ private Q_SLOTS:
         t.editMode(true);
         QUndoStack* stack = t->undoStack();
         const QString replay = QStringLiteral("%1, seed %2 (replay: VOK_RANDOMEDITS_SEED=%2)").arg(file).arg(seed);
-        // states[i]: the document with i commands on the stack; made[i]: the
-        // operation that pushed command i.
+        // states[i]: the document with i commands on the stack; made[i]: what pushed command i.
         QList<QByteArray> states{summary(t)};
         QStringList made{QString()};
         RandomEditor editor(*t.gui, seed, !qEnvironmentVariableIsEmpty("VOK_RANDOMEDITS_SEED"));

@@ -1,6 +1,4 @@
-// The undoable commands on a loaded document: the deliberate quirks of each
-// command's redo and undo in the saved text, the name list and the dirty state.
-// Plain undo/redo exactness is left to the random-edit test.
+// The deliberate quirks of each undo command (plain undo/redo exactness: test_randomedits).
 #include "undocommands.h"
 
 #include "guifixture.h"
@@ -67,8 +65,7 @@ private Q_SLOTS:
         QVERIFY(!t->activeWave());
         t->undoStack()->undo();
         QCOMPARE(t.saved(), kDoc);
-        // Listed last-first: c goes back to index 3 while a is still missing,
-        // so it lands after d.
+        // Listed last-first: c goes back to index 3 while a is missing, so after d.
         t->undoStack()->push(new DelWaveCommand({t.wave("c"), t.wave("a")}, t.gui.get()));
         t->undoStack()->undo();
         QCOMPARE(t.saved(), wdl({kPat, kA, kB, kD, kC, kE, kF}));
@@ -149,8 +146,7 @@ private Q_SLOTS:
         }
         t->undoStack()->push(new CutPatternCommand(a, before.get(), t.gui.get()));
         t->undoStack()->undo();
-        // The pulses the undo put back go again with the redo: a selection
-        // that held one of them lets go of it.
+        // The redo removes the pulses the undo put back, from the selection too.
         t->selection() = {a->patterns[0], a->patterns[1]};
         t->undoStack()->redo();
         QCOMPARE(t.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 10 1 40;"));

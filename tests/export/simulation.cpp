@@ -46,9 +46,7 @@ int exportFile(const char* option, const QString& input, const QString& output)
 
 namespace {
 
-// Names as both simulators and our own VCD spell them, vector ranges
-// included: escapes, blanks and case left out, and the range of one bit,
-// which iverilog leaves out.
+// Names as every dumper spells them: no escapes, blanks, case or one-bit range (iverilog drops it).
 QByteArray nameKey(const QByteArray& name)
 {
     static const QRegularExpression oneBit(QStringLiteral("\\[(-?[0-9]+):\\1\\]$"));

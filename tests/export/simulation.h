@@ -16,18 +16,15 @@ struct Run {
     QByteArray output;     // stdout and stderr together
 };
 Run runProgram(const QString& dir, const QString& program, const QStringList& args);
-// Analyses, elaborates and runs top with ghdl in the standard (93c, 08); the
-// failing step and its output, or empty. run: the last step's.
+// Runs top through ghdl -a, -e, -r in std (93c, 08); the failing step and its output, or empty.
 QString runGhdl(const QString& dir, const QString& std, const QStringList& files, const QString& top,
                 const QStringList& runOptions, Run& run);
 
 // ExportWaveforms in this process, as the Export dialog calls it.
 int exportFile(const char* option, const QString& input, const QString& output);
 
-// Each signal's value changes, times in femtoseconds, values in lower case
-// and at full width. Changes at one time count as the last of them, values
-// that do not change are dropped, and so is everything at or after `end`.
-// lastTime: the last timestamp, which in our own VCD is the end time.
+// Each signal's changes in fs, lower case at full width: the last one per time, none before `end` that
+// changes nothing or at/after it. lastTime: the last timestamp (our own VCD's end time).
 using Changes = std::vector<std::pair<quint64, QByteArray>>;
 using Dump = QMap<QByteArray, Changes>;
 Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime = nullptr);

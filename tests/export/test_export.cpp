@@ -1,11 +1,5 @@
-// Every export goes through the real simulators: the Verilog and VHDL test
-// vectors must compile without a warning and drive exactly the waves of the
-// document's own VCD; the test bench must pass a design that copies its
-// inputs to its outputs and catch one that inverts an output.
-// What goes wrong is said in one line, with a non-zero status, and an
-// existing output file is left as it was: through `wdl export`, which hands
-// its arguments to ExportWaveforms, and through ExportWaveforms itself with
-// the arguments in any order.
+// Exports run through the real simulators; faults are one line, a non-zero status and an untouched output
+// file, through `wdl export` and through ExportWaveforms with its arguments in any order.
 #include "exportwaveforms.h"
 #include "simulation.h"
 #include "timetext.h"
@@ -64,8 +58,7 @@ private:
     std::mt19937 random_;
 };
 
-// Signals, buses of 1 to 256 bits in both directions, an element list,
-// names that need escaping, offsets, repeats and forever tails.
+// Signals, buses of 1 to 256 bits both ways, element lists, escaped names, offsets, repeats, forever tails.
 QByteArray generatedDocument(int unit, int decimals, quint32 seed)
 {
     static const std::pair<const char*, int> waves[] = {
@@ -183,9 +176,7 @@ private Q_SLOTS:
         }
     }
 
-    // The test bench of a document whose Output waves are drawn as copies of
-    // its Input waves, run against a design that copies them (no check may
-    // fail) or that inverts r (the checks of r, and only those, fail).
+    // Outputs drawn as copies of the inputs: a copying design passes, one inverting r fails r's checks only.
     void testBenchChecksTheDesign_data()
     {
         QTest::addColumn<QString>("std");

@@ -1,6 +1,4 @@
-// The frame a stand-alone tool gets from the host: shared actions with icons
-// and keys even without a desktop theme, and menus and tool bars built from
-// the lists the tool returns.
+// The host's frame: shared actions with icons and keys without a theme, menus and bars from the tool's lists.
 #include "basguitool.h"
 
 #include <QAction>
@@ -16,8 +14,7 @@ using namespace kesu::toolvok;
 
 namespace {
 
-// A tool that asks for every shared action on its tool bar, some in menus,
-// and brings one action of its own.
+// Every shared action on its tool bar, some in menus, and one action of its own.
 class BareTool : public BasGUITool
 {
 public:
@@ -71,9 +68,8 @@ private Q_SLOTS:
         QCOMPARE(bar->actions().size(), BasGUITool::sharedActionNames().size());
         for (QAction* action : bar->actions()) {
             auto* button = qobject_cast<QToolButton*>(bar->widgetForAction(action));
-            QVERIFY(button);
-            QCOMPARE(button->toolButtonStyle(), Qt::ToolButtonIconOnly);
-            QVERIFY2(!button->icon().isNull(), qPrintable(action->objectName()));
+            QVERIFY2(button && button->toolButtonStyle() == Qt::ToolButtonIconOnly && !button->icon().isNull(),
+                     qPrintable(action->objectName()));
         }
     }
 
@@ -107,8 +103,7 @@ private Q_SLOTS:
         for (QAction* menu : tool.menuBar()->actions())
             menus << menu->text().remove(QLatin1Char('&')) + QStringLiteral(": ")
                     + texts(menu->menu()->actions()).join(QLatin1Char(' '));
-        // Shared actions first, then a separator and the tool's own; menus
-        // with nothing in them are left out.
+        // Shared actions, a separator, the tool's own; empty menus are left out.
         QCOMPARE(menus, (QStringList{"File: New Save As... | Own", "Edit: Own", "Help: About..."}));
         QCOMPARE(tool.findChild<QMenu*>(QStringLiteral("menu0"))->actions().at(1), tool.sharedAction("save as"));
 

@@ -13,8 +13,7 @@ using namespace kesu::toolvok;
 // The attribute block of a plain input wave, up to its "=".
 inline const QString Attr = QStringLiteral(" { A I Default NRZ 0 1 50 } = ");
 
-// "value:duration" per segment, blank-separated; "(" in front of a segment
-// that carries the forever mark.
+// "value:duration" per segment, blank-separated; "(" in front of a forever mark.
 inline QString segments(const WaveData* wave)
 {
     QStringList out;
@@ -23,8 +22,7 @@ inline QString segments(const WaveData* wave)
     return out.join(' ');
 }
 
-// Builds a wave from segments() text without merging, so that equal
-// neighbours can be set up on purpose; "(" also sets foreverIndex.
+// A wave from segments() text, unmerged so that equal neighbours can be made; "(" sets foreverIndex.
 inline std::unique_ptr<WaveData> makeWave(const QString& name, const QString& text, quint64 offset = 0,
                                           bool bus = false)
 {

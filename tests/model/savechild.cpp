@@ -1,11 +1,6 @@
-// savechild FILE SEGMENTS FAULT N: loads FILE, adds a wave of SEGMENTS
-// segments, and saves it over FILE the way the editor saves, with one fault:
-//   none    no fault; prints the number of steps the save took
-//   kill    SIGKILL just before step N of the save
-//   remove  the file's folder removed just before step N
-//   limit   the file size limited to N bytes
-// A step is each write to a file, flush to disk, link or rename. Exits 0 when
-// the save reported success, 1 when it reported failure.
+// savechild FILE SEGMENTS FAULT N: adds a wave of SEGMENTS segments to FILE and saves it as the editor
+// does. FAULT: none (prints the steps taken), kill or remove (SIGKILL, or the folder removed, before step N:
+// a write, flush, link or rename), limit (file size limit N). Exits 1 when the save reports failure.
 #include "documentfile.h"
 #include "saveedit.h"
 

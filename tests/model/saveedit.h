@@ -1,8 +1,6 @@
 #pragma once
 
-// The edit the save trials make before saving: a wave of `segments`
-// segments added to the document, so that the new text is long enough to be
-// written in several pieces.
+// The save trials' edit: a wave long enough that the new text is written in several pieces.
 #include "wavedata.h"
 #include "waveformdata.h"
 

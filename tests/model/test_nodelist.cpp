@@ -54,12 +54,10 @@ private Q_SLOTS:
     void reads()
     {
         QFETCH(QByteArray, bytes);
-        QFETCH(QStringList, nodes);
-        QCOMPARE(nodesOf(bytes), nodes);
+        QTEST(nodesOf(bytes), "nodes");
     }
 
-    // A megabyte of noise is refused whole; printable noise is read line by
-    // line, and every node it yields is a name and a known kind.
+    // Binary noise is refused whole; printable noise yields only names of known kinds.
     void noise()
     {
         QByteArray bytes(1 << 20, Qt::Uninitialized);

@@ -1,8 +1,5 @@
-// Saves that cannot lose data: a child process (savechild) saves an edited
-// document as the editor does and is killed at every step of the save and at
-// random moments, loses its folder at every step, or meets a file size
-// limit, a full disk or a read-only folder: the file on disk is always the old
-// version or the whole new one. VOK_SAVE_TRIALS=N runs at least N trials.
+// A save (savechild) killed, robbed of its folder or refused a write leaves the old file or the whole new
+// one. VOK_SAVE_TRIALS=N runs at least N trials.
 #include "saveedit.h"
 #include "wavewriter.h"
 
@@ -92,8 +89,7 @@ private Q_SLOTS:
         m_old = readAll(QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl"));
     }
 
-    // Killed before each step (write, flush, link, rename) or with its folder
-    // removed there; then killed at random moments for the trials asked for.
+    // Killed or its folder removed before each step, then killed at random moments.
     void interruptedAtEveryStep()
     {
         for (const int segments : m_sizes) {
@@ -137,8 +133,7 @@ private Q_SLOTS:
         const QByteArray newText = newVersion(30000);
         const QByteArray folder = m_dir.filePath(fault).toLocal8Bit();
         QVERIFY(QDir().mkpath(folder));
-        // As root, a 64 KiB tmpfs: room for the old version, not the new one,
-        // and a folder that really is read-only.
+        // As root, a 64 KiB tmpfs: room for the old version only, and truly read-only.
         const bool root = geteuid() == 0;
         const bool mounted = root && ::mount("tmpfs", folder, "tmpfs", 0, "size=64k") == 0;
         const auto unmount = qScopeGuard([&] { mounted && ::umount2(folder, MNT_DETACH); });

@@ -1,6 +1,4 @@
-// Times and bus values to and from the text people read and type, and the
-// big numbers behind bus values against GMP's own arithmetic on random values
-// of every bus width the editor can make, and beyond.
+// Times and bus values to and from text, and the big numbers behind bus values against GMP.
 
 #include "biginteger.h"
 #include "modeltestutil.h"
@@ -45,14 +43,12 @@ private Q_SLOTS:
         QFETCH(bool, withUnit);
         QFETCH(int, unit);
         QFETCH(int, decimals);
-        QFETCH(QString, expected);
-        QCOMPARE(TimeText::timeString(ticks, withUnit, unit, decimals), expected);
+        QTEST(TimeText::timeString(ticks, withUnit, unit, decimals), "expected");
     }
 
     void parseTime_data()
     {
-        // A time that is not a whole number of ticks is refused but still comes
-        // with the truncated count; text that is no number at all gives 0.
+        // A time of no whole ticks is refused with the truncated count; no number at all gives 0.
         QTest::addColumn<QString>("text");
         QTest::addColumn<int>("unit");
         QTest::addColumn<int>("decimals");
@@ -85,7 +81,7 @@ private Q_SLOTS:
         QFETCH(bool, ok);
         bool converted = !ok;
         const quint64 ticks = TimeText::parseTime(converted, text, unit, decimals);
-        QCOMPARE(converted, ok);
+        QTEST(converted, "ok");
         if (expected != Unchecked)
             QCOMPARE(ticks, expected);
     }
@@ -126,8 +122,7 @@ private Q_SLOTS:
         QFETCH(QString, hex);
         QFETCH(int, width);
         QFETCH(int, radix);
-        QFETCH(QString, expected);
-        QCOMPARE(TimeText::busValueString(hex.toStdString(), width, radix), expected);
+        QTEST(TimeText::busValueString(hex.toStdString(), width, radix), "expected");
     }
 
     void maxEnd()
@@ -142,8 +137,7 @@ private Q_SLOTS:
         QCOMPARE(TimeText::maxEnd(doc), quint64(750));
     }
 
-    // For each width: 0, 1, all ones, one past them, a random value of at
-    // most and one of exactly that width, from a fixed seed.
+    // Per width: 0, 1, all ones, one past them, random values of at most and of exactly that width.
     void agreesWithGmp()
     {
         gmp_randclass random(gmp_randinit_mt);

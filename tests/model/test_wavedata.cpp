@@ -1,6 +1,4 @@
-// List surgery of WaveData, and the document-level operations of
-// WaveformData, on waves built by hand. Time look-ups: test_waveindex; the
-// merging append: the reader's segment lists.
+// WaveData's list surgery and WaveformData's document operations on hand-built waves.
 
 #include "modeltestutil.h"
 #include "segmentrange.h"
@@ -15,8 +13,7 @@ using namespace modeltest;
 
 namespace {
 
-// Replaces segments [first, first + count) of the wave by those of a
-// segments() text, as an edit would, and sets its forever index.
+// Replaces segments [first, first + count) by a segments() text, as an edit would.
 void edit(WaveData& wave, int first, int count, const QString& replacement, qint32 foreverIndex)
 {
     qDeleteAll(wave.patterns.mid(first, count));
@@ -50,11 +47,9 @@ private Q_SLOTS:
     void lastSegment()
     {
         QFETCH(QString, segs);
-        QFETCH(quint64, lastStart);
-        QFETCH(QString, lastValue);
         auto w = makeWave("w", segs, 100);
-        QCOMPARE(w->getPatternStart(w->patterns.isEmpty() ? nullptr : w->patterns.last()), lastStart);
-        QCOMPARE(QString::fromStdString(w->getLastValue()), lastValue);
+        QTEST(w->getPatternStart(w->patterns.isEmpty() ? nullptr : w->patterns.last()), "lastStart");
+        QTEST(QString::fromStdString(w->getLastValue()), "lastValue");
         Pattern stranger("0", 10);
         QCOMPARE(w->getPatternStart(&stranger), NoTime);
     }
@@ -112,14 +107,13 @@ private Q_SLOTS:
     }
     void removeData()
     {
-        QFETCH(int, forever);
         QFETCH(int, removed);
-        QFETCH(int, expected);
         auto w = makeWave("w", "0:1 1:2 0:3 1:4");
+        QFETCH(int, forever);
         w->foreverIndex = forever;
         std::unique_ptr<Pattern> p(w->patterns.at(removed));
         w->removeData(p.get());
-        QCOMPARE(w->foreverIndex, expected);
+        QTEST(w->foreverIndex, "expected");
         QVERIFY(!w->patterns.contains(p.get()));
         QCOMPARE(p->duration, removed + 1);   // handed back untouched
         Pattern stranger("0", 1);
@@ -127,8 +121,7 @@ private Q_SLOTS:
         QCOMPARE(w->patterns.size(), 3);
     }
 
-    // Taking several segments at once ends as removing them one by one does,
-    // for every subset and every tail start of a five-segment wave.
+    // Taking segments at once ends as removing them one by one, for every subset and tail of five segments.
     void takeSegmentsMatchesRemoveData()
     {
         for (int forever = -1; forever < 5; ++forever) {
@@ -174,8 +167,7 @@ private Q_SLOTS:
                                   false, false, QStringList{"a", "b"}, "A:1 A:2 (-1:3"}));
         QCOMPARE(target->patterns.at(0), reused);
 
-        // New segments go through the merging append; the tail index is the
-        // source's, whatever the merging and the forever marks say.
+        // New segments merge as appended; the tail index is the source's whatever merging and marks say.
         auto grow = makeWave("g", "0:5");
         auto marks = makeWave("m", "1:1 1:2 (0:3 (1:3");
         marks->foreverIndex = 2;
@@ -312,8 +304,7 @@ private Q_SLOTS:
             QCOMPARE(p->wave, w.get());
     }
 
-    // What the wave loses goes back to the caller when asked for, and is
-    // deleted otherwise; a range that is not in the wave changes nothing.
+    // Lost segments go to the caller when asked, are deleted otherwise; a range not in the wave changes nothing.
     void lostSegments()
     {
         auto w = makeWave("w", "0:1 1:2 0:3 1:4");

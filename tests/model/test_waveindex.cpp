@@ -1,6 +1,4 @@
-// The start-time index behind a wave's time look-ups: the answers of a walk
-// along the list on odd durations, kept right by every edit, and cheap after
-// an edit near the end.
+// The start-time index behind time look-ups: walk answers, kept right by every edit, cheap near the end.
 
 #include "modeltestutil.h"
 
@@ -62,8 +60,7 @@ private Q_SLOTS:
         }
     }
 
-    // Every member function that changes the list, in random order, with
-    // look-ups between some edits only, so that stale parts pile up.
+    // Every list-changing member in random order, looked up only now and then so that stale parts pile up.
     void randomEdits_data()
     {
         QTest::addColumn<quint32>("seed");
@@ -113,8 +110,7 @@ private Q_SLOTS:
             default:
                 w->offset = random.bounded(2) ? random.bounded(100) : NoTime - random.bounded(500);
             }
-            // Brings the index up to date as any look-up would, from where
-            // the edits since the last one left it.
+            // Brings the index up to date as any look-up would.
             if (random.bounded(3) == 0)
                 QVERIFY2(w->indexConsistent(), qPrintable(QString("step %1").arg(step)));
         }
@@ -124,9 +120,7 @@ private Q_SLOTS:
         QVERIFY(!w->indexConsistent());
     }
 
-    // An edit near the end of a long wave recounts only the last durations;
-    // one at the start recounts them all. Timed against each other, so that
-    // the check holds on a busy machine and under sanitizers.
+    // An edit near the end recounts only the last durations: timed against one at the start (busy machines).
     void editNearTheEndIsCheap()
     {
         const int segments = 200000;

@@ -1,6 +1,4 @@
-// The drawing on a screen scaled to 200 %: the wave view and the ruler paint
-// at the device's pixels, so an edge is whole device pixels of one colour,
-// never a blend of the wave and the background that would blur it.
+// At 200 % the wave view and the ruler paint whole device pixels, never a blurring blend.
 #include "rulerview.h"
 #include "vokgui.h"
 #include "waveview.h"
@@ -14,8 +12,7 @@ using namespace kesu::toolvok;
 namespace {
 constexpr int Ratio = 2;
 
-// Device pixels from `from` along `step`, as W (white background), S (blue
-// wave) or ? (anything else, a blend).
+// Device pixels from `from` along `step`: W white, S blue, ? a blend.
 QString pixels(const QImage& image, QPoint from, QPoint step, int count)
 {
     QString out;
@@ -47,9 +44,7 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { gui_.reset(); }
 
-    // As the screen gets it (grab) and as a paint device of ratio 2 gets it
-    // (render): at 20 pixels a unit the rising edge at 5 is the 2 device
-    // columns 200 and 201, the high level at 10 the 2 device rows 20 and 21.
+    // Grabbed and rendered at ratio 2: the edge at 5 is device columns 200-201, the high level rows 20-21.
     void edgesAreWholeDevicePixels_data()
     {
         QTest::addColumn<bool>("grab");
@@ -71,8 +66,7 @@ private Q_SLOTS:
         QCOMPARE(pixels(image, {300, 16}, {0, 1}, 8), QStringLiteral("WWWWSSWW"));
     }
 
-    // The ruler too: along its bottom, below the labels, only its ink and its
-    // background, no blend of the two.
+    // The ruler's bottom, below the labels: ink and background only.
     void rulerIsWholeDevicePixels()
     {
         const QImage image = gui_->rulerView()->grab().toImage();

@@ -1,5 +1,4 @@
-// The name list as the mouse drives it: titles, expanding buses, picking the
-// active wave, and moving waves by dragging rows, with undo.
+// The name list under the mouse: titles, bus expansion, the active wave, row drags with undo.
 #include "guifixture.h"
 #include "sandboxedtestmain.h"
 
@@ -32,8 +31,7 @@ class TestNameList : public QObject
         return t;
     }
     static QPoint at(int row) { return QPoint(40, rowY(row)); }
-    // A press starts the row drag; the offscreen platform has no drag to
-    // end it, so a watchdog cancels it.
+    // Offscreen no drag ends on its own: a watchdog cancels it.
     void press(int row, Qt::KeyboardModifiers mods = Qt::NoModifier)
     {
         QTimer::singleShot(2000, [] { QDrag::cancel(); });
@@ -151,8 +149,7 @@ private Q_SLOTS:
         QTest::newRow("down") << -1 << 0 << QList<int>{1, 3} << all << QStringList{"b", "bus[2:0]", "c", "a"};
         QTest::newRow("up, a collapsed bus") << -1 << 2 << QList<int>{0, 0} << all
                                              << QStringList{"bus[2:0]", "a", "b", "c"};
-        // Element rows, the space below and expanded buses are no targets,
-        // and an expanded bus cannot be dragged.
+        // Element rows, the space below and expanded buses are no targets; an expanded bus stays put.
         QTest::newRow("onto an element") << 2 << 0 << QList<int>{4, 9} << QList<bool>{true, false, false, true}
                                          << unmoved;
         QTest::newRow("onto an expanded bus") << 2 << 0 << QList<int>{2, 1} << QList<bool>{true, false, true, true}

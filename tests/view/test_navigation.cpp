@@ -1,5 +1,4 @@
-// Zoom, scroll, jumps and the marker through the actions, the mouse in the
-// zoom-area mode and the wheel.
+// Zoom, scroll, jumps and the marker through actions, the zoom-area mouse and the wheel.
 #include "guifixture.h"
 #include "modalanswerer.h"
 #include "sandboxedtestmain.h"
@@ -11,8 +10,7 @@
 using namespace guitest;
 
 namespace {
-// "a" changes at 100 and 200 and ends at 1000; "long" ends at 100000; thirty
-// more rows give the vertical bar a range.
+// "a" changes at 100 and 200, ends at 1000; "long" ends at 100000; 30 rows more to scroll.
 QByteArray document()
 {
     QByteArray text = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 0;\n%DECIMALS = 0;\n"
@@ -43,8 +41,7 @@ class TestNavigation : public QObject
         gui_->changeStep(step);
     }
 
-    // Puts the cursor at t with a click in query mode: a release takes the
-    // time of its pixel on whole steps, the start time at pixel 1.
+    // The cursor at t by a query-mode click at pixel 1 (a release takes whole steps).
     quint64 setCursor(quint64 t)
     {
         const quint64 start = gui_->startTime();
@@ -187,14 +184,12 @@ private Q_SLOTS:
         QTest::addColumn<int>("toX");
         QTest::addColumn<quint64>("startAfter");
         QTest::addColumn<quint64>("stepAfter");
-        // Pixels 100 and 300 are steps 5 and 15: [15000, 25000], so the raw
-        // step is 200000 / width, between 200 and 499.
+        // Pixels 100 and 300 are [15000, 25000]: a raw step of 200000 / width, 200 to 499.
         QTest::newRow("left drag") << quint64(10000) << quint64(1000) << false << 300 << 100 << quint64(15000)
                                    << quint64(500);
         QTest::newRow("left click") << quint64(15000) << quint64(500) << false << 40 << 40 << quint64(15000)
                                     << quint64(200);
-        // Out around the old start, not the area: a band of a quarter of the
-        // time area shows about four views of step 10, a raw step of about 40.
+        // Out around the old start: a quarter-width band shows four views of step 10, raw step ~40.
         const int timeArea = ruler_->width() - ruler_->originX;
         const auto span = static_cast<quint64>(double(timeArea) * timeArea / (timeArea / 4) / 20 * 10.0);
         QTest::newRow("right drag") << quint64(60000) << quint64(10) << true << 200 + timeArea / 4 << 200

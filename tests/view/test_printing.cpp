@@ -1,5 +1,4 @@
-// Printed pages: what one page shows at the page setup's scale, how a range
-// is cut into pages, a print to a PDF file, and the page setup dialog.
+// Printed pages: one page at the setup's scale, ranges cut into pages, PDF output, page setup.
 #include "guifixture.h"
 #include "modalanswerer.h"
 #include "pageprinter.h"
@@ -23,8 +22,7 @@ using namespace guitest;
 namespace {
 const QRgb Blue = qRgb(0, 0, 255), Red = qRgb(255, 0, 0), Black = qRgb(0, 0, 0), White = qRgb(255, 255, 255);
 
-// A signal 0, 1, 0 ten steps each, a bus 5 then don't care, and a signal
-// (given an offset and a forever tail below) 1 then 0 for five steps each.
+// a: 0, 1, 0 ten steps each; b: 5 then don't care; c: 1 then 0 five each (offset and tail below).
 const QByteArray Pair = wdl({"a { A I Default NRZ 0 1 50 } = 0 10 1 10 0 10;",
                              "b[3:0] { A I Default NRZ 0 1 50 } = 5 10 DonTCare 10;",
                              "c { A I Default NRZ 0 1 50 } = 1 5 0 5;"});
@@ -46,8 +44,7 @@ QByteArray waves(int n)
     return wdl(lines);
 }
 
-// Thousands of segments a row, one to thirty ticks long with now and then a
-// wide one: levels, don't-care boxes, and a bus with its values.
+// Thousands of segments of 1 to 30 ticks a row, now and then a wide one.
 QByteArray crowded()
 {
     QByteArray a = "a { A I Default NRZ 0 1 50 } =", c = "c { A I Default NRZ 0 1 50 } =", b = "b[3:0] { A I Default NRZ 0 1 50 } =";
@@ -100,8 +97,7 @@ private Q_SLOTS:
         const int pps = scale / 5;
         const int top = ruler ? 60 : 0;
         auto at = [&](int step, int y) { return page.pixel(startX + step * pps, top + y); };
-        // The signal: low, rising, high, falling; the bus outline; the third
-        // row low before its offset, then its tail up to the range's end.
+        // a's low, edges and high; b's outline; c low before its offset, then its tail to the end.
         const std::tuple<int, int, QRgb> probes[] = {
             {5, 40, Blue},  {5, 10, White}, {10, 25, Blue}, {15, 10, Blue},  {15, 40, White}, {20, 25, Blue},
             {25, 40, Blue}, {7, 50, Blue},  {7, 80, Blue},  {5, 120, Blue},  {12, 90, Blue},  {17, 120, Blue},
@@ -128,8 +124,7 @@ private Q_SLOTS:
         QTest::addColumn<quint64>("end");
         QTest::addColumn<int>("pages");
         QTest::addColumn<quint64>("step");
-        // From time 40 on, 1000 pixels wide: 50 steps a page at 20 px, 500 at
-        // 2 px; the ruler and 13 rows fit 600 pixels.
+        // From 40, 1000 px wide: 50 steps a page at 20 px, 500 at 2 px; ruler and 13 rows fit 600 px.
         QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1 << quint64(1);
         QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2 << quint64(1);
         QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6 << quint64(1);

@@ -1,5 +1,4 @@
-// The ruler above the waves: its ticks and labels, a marked range, and the
-// mouse position it shows.
+// The ruler: ticks and labels, a marked range, the mouse position.
 #include "rulerview.h"
 #include "vokgui.h"
 

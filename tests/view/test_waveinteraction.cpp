@@ -1,5 +1,4 @@
-// The mouse on the wave view: selecting ranges, dragging pattern edges, the
-// cursor and the other modes, as the saved text and the undo stack see them.
+// The mouse on the wave view: ranges, edge drags, cursor and modes, as text and undo stack see them.
 #include "guifixture.h"
 #include "sandboxedtestmain.h"
 
@@ -36,8 +35,7 @@ class TestWaveInteraction : public QObject
 private Q_SLOTS:
     void cleanup() { w_.reset(); }
 
-    // A drag picks every segment it touches and snaps the range to their
-    // middles; a repeated tail is picked once, and not across repetitions.
+    // A drag picks each segment it touches, snapping to their middles; a tail once, never across repeats.
     void rangeSelectionSnapsToSegmentEdges_data()
     {
         QTest::addColumn<int>("row");
@@ -86,8 +84,6 @@ private Q_SLOTS:
         QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 3 0 4 1 1 0 4;"));
         QCOMPARE(w->selection(), QList<Pattern*>{w.wave("a")->patterns.last()});
         QCOMPARE(w.steps(), 1);
-        w->undo();
-        QCOMPARE(w.line("a"), LineA);
         w.editMode(false);
         w.click(timeX(15), rowY(1));
         QCOMPARE(w.line("b"), LineB);
@@ -128,11 +124,9 @@ private Q_SLOTS:
         // Shift stretches the one pattern: everything after it moves on.
         add("stretch", LineA, 70, 90, true, {110}, "0 2 1 4 0 4 1 1");
         add("less than a step", LineA, 70, 90, false, {95}, "0 2 1 3 0 4 1 1");
-        // No duration falls below 1 however far the mouse goes; the edge then
-        // waits where it stopped until the mouse comes back there.
+        // Below 1 the edge never goes; it then waits until the mouse comes back.
         add("clamped", LineA, 70, 90, false, {1000, -2000, -1900, 70}, "0 2 1 2 0 5 1 1");
-        // The left edge of the first pattern makes one of the other value in
-        // front, a change of its own even when it is not moved.
+        // The first pattern's left edge makes one of the other value in front, moved or not.
         add("in front of low", s + "0 2 1 3;", 30, 20, false, {-400, 40}, "1 2 0 1 1 3");
         add("in front of high", s + "1 2 0 3;", 30, 20, false, {-400, 40}, "0 2 1 1 0 3");
         add("in front of bus zero", bus + "0 2 5 3;", 30, 20, false, {-400, 40}, "F 2 0 1 5 3");
@@ -220,8 +214,7 @@ private Q_SLOTS:
         RulerView* ruler = w->rulerView();
         w->setStartTime(100);
         w->changeStep(10);
-        // Query mode: the press marks the ruler, the release sets the cursor
-        // on whole steps, and nothing is selected or changed.
+        // Query mode: the press marks the ruler, the release sets the cursor; nothing changes.
         w.press(65, rowY(0));
         QVERIFY(ruler->rangeActive);
         QCOMPARE(ruler->rangeStart, quint64(130));
