@@ -5,6 +5,7 @@
 #include "waveformdata.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <string>
 #include <utility>
@@ -94,8 +95,11 @@ void WaveReader::resolvePatternReferences()
         std::vector<std::pair<const WaveData*, qint64>> melted;   // the source, how many times
         // The cost is known before anything is laid down: a wave that refers
         // to itself grows with each melted reference, so its size is followed.
+        // Copies count as well as what is laid: each pattern the placeholders
+        // take is copied once, and each melted reference copies its pattern.
         qint64 size = wave->patterns.size();
         qint64 cost = 0;
+        QSet<const WaveData*> copied;
         for (end = first; end < placeholders_.size() && placeholders_[end].wave == wave; ++end) {
             const Placeholder& p = placeholders_[end];
             const WaveData* source = byName.value(names_[size_t(p.name)], nullptr);
@@ -103,6 +107,10 @@ void WaveReader::resolvePatternReferences()
             if (p.segment) {
                 listed.insert(p.segment, source);
                 size += count - 1;
+                if (source && !copied.contains(source)) {
+                    copied.insert(source);
+                    cost += count;
+                }
                 cost = std::min(cost + count, budget_ + 1);
             } else if (source && (source == wave || source->patterns.size() > 1)) {
                 // A one-segment pattern only fills the placeholder that is gone.
@@ -113,7 +121,7 @@ void WaveReader::resolvePatternReferences()
             for (qint64 k = 0; k < times && cost <= budget_; ++k) {
                 const qint64 count = source == wave ? size : source->patterns.size();
                 size = std::min(size + count - 1, budget_ + 1);
-                cost = std::min(cost + count, budget_ + 1);
+                cost = std::min(cost + 2 * count, budget_ + 1);
             }
         }
         // Unaffordable references stay the one-unit placeholders they are.
