@@ -65,10 +65,10 @@ void append(RunSummary& s, RunSummary& piece, bool bus)
 
 } // namespace
 
-QString WaveReader::budgetReason()
+QString WaveReader::budgetReason() const
 {
     return QStringLiteral("the file lays down more than %1 segments, repeats and pattern references counted")
-        .arg(readlimits::MaxSegments);
+        .arg(segmentLimit_);
 }
 
 bool WaveReader::spend(qint64 segments, const char* at)

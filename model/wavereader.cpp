@@ -147,7 +147,10 @@ private:
 
 } // namespace
 
-WaveReader::WaveReader(WaveformData& doc) : doc_(doc) {}
+WaveReader::WaveReader(WaveformData& doc, qint64 segmentLimit)
+    : doc_(doc), segmentLimit_(segmentLimit), budget_(segmentLimit)
+{
+}
 
 WaveReader::~WaveReader() = default;
 

@@ -54,7 +54,9 @@ struct MeltedRefs {
 class WaveReader
 {
 public:
-    explicit WaveReader(WaveformData& doc);
+    // segmentLimit: what the file may lay down or copy; lower than the
+    // default only where a caller must keep each load small (the fuzz checks).
+    explicit WaveReader(WaveformData& doc, qint64 segmentLimit = readlimits::MaxSegments);
     ~WaveReader();
     WaveReader(const WaveReader&) = delete;
     WaveReader& operator=(const WaveReader&) = delete;
@@ -107,7 +109,7 @@ private:
     void measureGroup(std::string_view token, Scope scope, RunSummary& into);
 
     bool spend(qint64 segments, const char* at);
-    static QString budgetReason();
+    QString budgetReason() const;
     qint32 nameId(std::string_view token);
     void placeInList(WaveData* wave, Pattern* placeholder, qint32 name);
     void placeMelted(WaveData* wave, const MeltedRefs& refs);
@@ -122,7 +124,8 @@ private:
     qint64 lineOf(const char* at) const;
 
     WaveformData& doc_;
-    qint64 budget_ = readlimits::MaxSegments;
+    const qint64 segmentLimit_;
+    qint64 budget_;
     qint64 elementBudget_ = readlimits::MaxBusElements;
     bool failed_ = false;
 
