@@ -4,6 +4,7 @@
 #include "nodelist.h"
 #include "wavedata.h"
 #include "waveformdata.h"
+#include "wavereader.h"
 #include "wavewriter.h"
 
 #include <QBuffer>
@@ -21,11 +22,17 @@ QByteArray view(const uint8_t* data, size_t size)
     return QByteArray::fromRawData(reinterpret_cast<const char*>(data), qsizetype(size));
 }
 
+// The reader may spend time and memory in proportion to the segments a file
+// lays down, and a few bytes may lay down the full 67 million. libFuzzer
+// allows each input 10 s and 2 GB under the sanitizers: with a limit of a
+// million segments every input fits, and the limit is met more often.
+constexpr qint64 SegmentLimit = qint64(1) << 20;
+
 void load(WaveformData& document, QByteArray bytes)
 {
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::ReadOnly);
-    document.loadData(buffer);
+    WaveReader(document, SegmentLimit).readDevice(buffer);
 }
 
 // The waveforms the document draws: neighbouring segments of one value are

@@ -37,8 +37,8 @@ struct Run {
     std::string value;
     qint32 duration = 0;
     qint32 head = -1;
-    quint32 refsBegin = 0;   // in RunList::refs
-    quint32 refsEnd = 0;
+    size_t refsBegin = 0;   // in RunList::refs
+    size_t refsEnd = 0;
 };
 
 class RunList
@@ -47,30 +47,32 @@ public:
     explicit RunList(bool bus) : bus_(bus) {}
 
     // false: the merged duration would leave the 32-bit range.
-    bool lay(std::string value, qint32 duration, qint32 head, const qint32* melted, size_t count)
+    bool lay(std::string value, qint32 duration, qint32 head, const MeltedRefs* melted, size_t count)
     {
         note(false);
         if (!runs.empty() && melts(runs.back().value, value, bus_)) {
-            Run& last = runs.back();
-            if (!addDuration(last.duration, duration))
+            if (!addDuration(runs.back().duration, duration))
                 return false;
             if (head >= 0)
-                refs.push_back(head);
-            refs.insert(refs.end(), melted, melted + count);
-            last.refsEnd = quint32(refs.size());
-            return true;
+                melt({head, -1, 1});
+        } else {
+            runs.push_back(Run{std::move(value), duration, head, refs.size(), refs.size()});
         }
-        Run run{std::move(value), duration, head, quint32(refs.size()), 0};
-        refs.insert(refs.end(), melted, melted + count);
-        run.refsEnd = quint32(refs.size());
-        runs.push_back(std::move(run));
+        for (size_t k = 0; k < count; ++k)
+            melt(melted[k]);
         return true;
     }
-    // One more reference melted into the last run.
-    void melt(qint32 name)
+    // More references melted into the last run; the same again in a row
+    // only counts up.
+    void melt(const MeltedRefs& more)
     {
-        refs.push_back(name);
-        runs.back().refsEnd = quint32(refs.size());
+        Run& last = runs.back();
+        if (last.refsEnd > last.refsBegin && refs.back().sameAs(more)) {
+            refs.back().times += more.times;
+            return;
+        }
+        refs.push_back(more);
+        last.refsEnd = refs.size();
     }
     // A segment of no duration: nothing is laid, but it was the first.
     void voidLeaf() { note(true); }
@@ -84,7 +86,7 @@ public:
     }
 
     std::vector<Run> runs;
-    std::vector<qint32> refs;
+    std::vector<MeltedRefs> refs;
     // Whether anything was laid, and whether the first thing laid had no
     // duration: a forever mark would go to it and be lost.
     bool started = false;
@@ -106,7 +108,7 @@ class WaveSink
 public:
     WaveSink(WaveReader& reader, WaveData* wave) : reader_(reader), wave_(wave) {}
 
-    bool lay(std::string value, qint32 duration, qint32 head, const qint32* melted, size_t count)
+    bool lay(std::string value, qint32 duration, qint32 head, const MeltedRefs* melted, size_t count)
     {
         const bool mark = markPending_;
         markPending_ = false;
@@ -116,7 +118,7 @@ public:
                 return false;
             wave_->segmentsChanged(int(list.size() - 1));
             if (head >= 0)
-                reader_.placeMelted(wave_, head);
+                reader_.placeMelted(wave_, {head, -1, 1});
         } else {
             auto* p = new Pattern(std::move(value), duration);
             p->forever = mark;
@@ -132,7 +134,7 @@ public:
             reader_.placeMelted(wave_, melted[k]);
         return true;
     }
-    void melt(qint32 name) { reader_.placeMelted(wave_, name); }
+    void melt(const MeltedRefs& refs) { reader_.placeMelted(wave_, refs); }
     // The forever mark goes to the first thing laid; one of no duration
     // takes it along.
     void voidLeaf() { markPending_ = false; }

@@ -8,6 +8,8 @@
 #include "waveformdata.h"
 #include "wdltext.h"
 
+#include <algorithm>
+
 namespace kesu::toolvok {
 
 using namespace wdltext;
@@ -63,10 +65,10 @@ void append(RunSummary& s, RunSummary& piece, bool bus)
 
 } // namespace
 
-QString WaveReader::budgetReason()
+QString WaveReader::budgetReason() const
 {
     return QStringLiteral("the file lays down more than %1 segments, repeats and pattern references counted")
-        .arg(readlimits::MaxSegments);
+        .arg(segmentLimit_);
 }
 
 bool WaveReader::spend(qint64 segments, const char* at)
@@ -187,11 +189,21 @@ void WaveReader::layRepeated(const RunList& body, qint64 times, Sink& sink, Byte
     sink.startWith(body.leadingVoid);
     if (body.runs.empty())
         return;
+    // Each run's references are laid down as one stretch, kept once: the
+    // copies below cost a few bytes each, not one entry per reference.
+    std::vector<MeltedRefs> stretches;
+    stretches.reserve(body.runs.size());
+    for (const Run& run : body.runs) {
+        const size_t count = run.refsEnd - run.refsBegin;
+        stretches.push_back(count == 1 ? body.refs[run.refsBegin]
+                            : count > 1 ? MeltedRefs{-1, addBlock(body.refs.data() + run.refsBegin, count), 1}
+                                        : MeltedRefs{});
+    }
     const Run& first = body.runs.front();
     if (body.runs.size() == 1 && melts(first.value, first.value, body.bus())) {
         // One segment, however often: the durations add up, and every copy's
         // references melt into it.
-        const qint64 refsEach = qint64(first.refsEnd - first.refsBegin) + (first.head >= 0 ? 1 : 0);
+        const qint64 refsEach = referencesIn(body, first.refsBegin, first.refsEnd) + (first.head >= 0 ? 1 : 0);
         if (refsEach > 0 && times > budget_ / refsEach) {
             failAt(at.data(), budgetReason());
             return;
@@ -203,35 +215,48 @@ void WaveReader::layRepeated(const RunList& body, qint64 times, Sink& sink, Byte
             failAt(at.data(), meltReason());
             return;
         }
-        if (!sink.lay(first.value, qint32(total), first.head, body.refs.data() + first.refsBegin,
-                      first.refsEnd - first.refsBegin)) {
+        const size_t count = first.refsEnd - first.refsBegin;
+        if (!sink.lay(first.value, qint32(total), first.head, &stretches.front(), count > 0 ? 1 : 0)) {
             failAt(at.data(), meltReason());
             return;
         }
-        for (qint64 r = 1; r < times && refsEach > 0; ++r) {
+        if (times > 1 && refsEach > 0) {
+            std::vector<MeltedRefs> again;
             if (first.head >= 0)
-                sink.melt(first.head);
-            for (quint32 k = first.refsBegin; k < first.refsEnd; ++k)
-                sink.melt(body.refs[k]);
+                again.push_back({first.head, -1, 1});
+            if (count > 0)
+                again.push_back(stretches.front());
+            sink.melt(again.size() == 1 ? MeltedRefs{again[0].name, again[0].block, again[0].times * (times - 1)}
+                                        : MeltedRefs{-1, addBlock(again.data(), again.size()), times - 1});
         }
         return;
     }
-    const qint64 each = qint64(body.runs.size() + body.refs.size());
+    const qint64 each = qint64(body.runs.size()) + referencesIn(body, 0, body.refs.size());
     if (times > budget_ / each) {
         failAt(at.data(), budgetReason());
         return;
     }
     spend(times * each, at.data());
-    sink.reserve(size_t(times) * body.runs.size(), size_t(times) * body.refs.size());
+    const size_t withRefs = size_t(std::count_if(stretches.begin(), stretches.end(),
+                                                 [](const MeltedRefs& r) { return r.name >= 0 || r.block >= 0; }));
+    sink.reserve(size_t(times) * body.runs.size(), size_t(times) * withRefs);
     for (qint64 r = 0; r < times; ++r) {
-        for (const Run& run : body.runs) {
-            if (!sink.lay(run.value, run.duration, run.head, body.refs.data() + run.refsBegin,
-                          run.refsEnd - run.refsBegin)) {
+        for (size_t k = 0; k < body.runs.size(); ++k) {
+            const Run& run = body.runs[k];
+            if (!sink.lay(run.value, run.duration, run.head, &stretches[k], run.refsEnd > run.refsBegin ? 1 : 0)) {
                 failAt(at.data(), meltReason());
                 return;
             }
         }
     }
+}
+
+qint64 WaveReader::referencesIn(const RunList& list, size_t begin, size_t end) const
+{
+    qint64 n = 0;
+    for (size_t k = begin; k < end; ++k)
+        n += referencesOf(list.refs[k]);
+    return n;
 }
 
 bool WaveReader::affordGroup(Bytes token, bool bus)

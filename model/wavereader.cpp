@@ -147,7 +147,10 @@ private:
 
 } // namespace
 
-WaveReader::WaveReader(WaveformData& doc) : doc_(doc) {}
+WaveReader::WaveReader(WaveformData& doc, qint64 segmentLimit)
+    : doc_(doc), segmentLimit_(segmentLimit), budget_(segmentLimit)
+{
+}
 
 WaveReader::~WaveReader() = default;
 
@@ -346,29 +349,40 @@ qint32 WaveReader::nameId(Bytes token)
 
 void WaveReader::placeInList(WaveData* wave, Pattern* placeholder, qint32 name)
 {
-    placeholders_.push_back({wave, placeholder, name, firstLine_});
+    placeholders_.push_back({wave, placeholder, {name, -1, 1}, firstLine_});
 }
 
-void WaveReader::placeMelted(WaveData* wave, qint32 name)
+void WaveReader::placeMelted(WaveData* wave, const MeltedRefs& refs)
 {
-    // A repeat can melt millions of references into one segment.
     if (!placeholders_.empty()) {
         Placeholder& last = placeholders_.back();
-        if (last.wave == wave && !last.segment && last.name == name) {
-            ++last.times;
+        if (last.wave == wave && !last.segment && last.refs.sameAs(refs)) {
+            last.refs.times += refs.times;
             return;
         }
     }
-    placeholders_.push_back({wave, nullptr, name, firstLine_});
+    placeholders_.push_back({wave, nullptr, refs, firstLine_});
+}
+
+qint32 WaveReader::addBlock(const MeltedRefs* refs, size_t count)
+{
+    qint64 references = 0;
+    for (size_t k = 0; k < count; ++k)
+        references += referencesOf(refs[k]);
+    blocks_.emplace_back(refs, refs + count);
+    blockReferences_.push_back(references);
+    return qint32(blocks_.size() - 1);
 }
 
 void WaveReader::publishPlaceholders()
 {
     for (const Placeholder& p : placeholders_) {
         if (p.segment)
-            p.wave->patternNames.insert(p.segment, names_[size_t(p.name)]);
+            p.wave->patternNames.insert(p.segment, names_[size_t(p.refs.name)]);
     }
     placeholders_.clear();
+    blocks_.clear();
+    blockReferences_.clear();
 }
 
 } // namespace kesu::toolvok

@@ -41,10 +41,22 @@ inline constexpr qint64 MaxSegments = qint64(1) << 26;
 inline constexpr qint64 MaxBusElements = qint64(1) << 20;
 } // namespace readlimits
 
+// "$" references that melted into the segment before them, in a row: one
+// name, or (block >= 0) a stretch of them that a repeat laid down again and
+// again, kept once however often.
+struct MeltedRefs {
+    qint32 name = -1;
+    qint32 block = -1;   // in WaveReader's blocks
+    qint64 times = 1;
+    bool sameAs(const MeltedRefs& o) const { return name == o.name && block == o.block; }
+};
+
 class WaveReader
 {
 public:
-    explicit WaveReader(WaveformData& doc);
+    // segmentLimit: what the file may lay down or copy; lower than the
+    // default only where a caller must keep each load small (the fuzz checks).
+    explicit WaveReader(WaveformData& doc, qint64 segmentLimit = readlimits::MaxSegments);
     ~WaveReader();
     WaveReader(const WaveReader&) = delete;
     WaveReader& operator=(const WaveReader&) = delete;
@@ -97,14 +109,23 @@ private:
     void measureGroup(std::string_view token, Scope scope, RunSummary& into);
 
     bool spend(qint64 segments, const char* at);
-    static QString budgetReason();
+    QString budgetReason() const;
     qint32 nameId(std::string_view token);
     void placeInList(WaveData* wave, Pattern* placeholder, qint32 name);
-    void placeMelted(WaveData* wave, qint32 name);
+    void placeMelted(WaveData* wave, const MeltedRefs& refs);
+    qint32 addBlock(const MeltedRefs* refs, size_t count);
+    // How many references refs[begin, end) of a list stand for: each counts
+    // against the limit, however it is kept.
+    qint64 referencesIn(const RunList& list, size_t begin, size_t end) const;
+    qint64 referencesOf(const MeltedRefs& refs) const
+    {
+        return refs.block < 0 ? refs.times : refs.times * blockReferences_[size_t(refs.block)];
+    }
     qint64 lineOf(const char* at) const;
 
     WaveformData& doc_;
-    qint64 budget_ = readlimits::MaxSegments;
+    const qint64 segmentLimit_;
+    qint64 budget_;
     qint64 elementBudget_ = readlimits::MaxBusElements;
     bool failed_ = false;
 
@@ -119,11 +140,14 @@ private:
     struct Placeholder {
         WaveData* wave;
         Pattern* segment;
-        qint32 name;
+        MeltedRefs refs;   // the name alone when segment is set
         qint64 line;
-        qint64 times = 1;   // melted ones of one name in a row are kept once
     };
     std::vector<Placeholder> placeholders_;
+    // What repeats melted, each stretch once: a reference costs what it lays
+    // down, not what the repeats around it multiply it into.
+    std::vector<std::vector<MeltedRefs>> blocks_;
+    std::vector<qint64> blockReferences_;   // how many references each stands for
     std::vector<QString> names_;
     std::unordered_map<std::string, qint32> nameIds_;
 };

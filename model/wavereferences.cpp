@@ -5,8 +5,10 @@
 #include "waveformdata.h"
 
 #include <QHash>
+#include <QSet>
 
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -76,6 +78,77 @@ void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData
     qDeleteAll(dropped);
 }
 
+// Walks the references melted into one wave's segments, in order, and hands
+// each that lays something down (its pattern has segments beyond the one the
+// gone placeholder took) to visit, which answers whether to go on. A stretch
+// that lays nothing down is passed over whole, however often it repeats.
+class MeltedWalk
+{
+public:
+    using Blocks = std::vector<std::vector<MeltedRefs>>;
+    MeltedWalk(const Blocks& blocks, const std::vector<const WaveData*>& sources, const WaveData* wave)
+        : blocks_(blocks), sources_(sources), wave_(wave)
+    {
+    }
+
+    // size(): the wave's segments so far; visit(source, count): false stops.
+    template <class Size, class Visit> bool walk(const MeltedRefs& refs, const Size& size, const Visit& visit)
+    {
+        if (refs.block < 0) {
+            const WaveData* source = sources_[size_t(refs.name)];
+            for (qint64 k = 0; k < refs.times; ++k) {
+                const qint64 count = !source ? 0 : source == wave_ ? size() : source->patterns.size();
+                if (count <= 1)
+                    return true;
+                if (!visit(source, count))
+                    return false;
+            }
+            return true;
+        }
+        const Life life = lifeOf(refs.block);
+        for (qint64 k = 0; k < refs.times && (life.others || (life.self && size() > 1)); ++k) {
+            for (const MeltedRefs& inner : blocks_[size_t(refs.block)]) {
+                if (!walk(inner, size, visit))
+                    return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    // Whether a stretch holds references to other patterns of more than one
+    // segment, and to the wave itself (which lays down only once it has grown).
+    struct Life {
+        bool others = false;
+        bool self = false;
+    };
+
+    Life lifeOf(qint32 block)
+    {
+        const auto known = lives_.find(block);
+        if (known != lives_.end())
+            return known->second;
+        Life life;
+        for (const MeltedRefs& inner : blocks_[size_t(block)]) {
+            if (inner.block >= 0) {
+                const Life sub = lifeOf(inner.block);
+                life.others |= sub.others;
+                life.self |= sub.self;
+            } else if (const WaveData* source = sources_[size_t(inner.name)]) {
+                life.self |= source == wave_;
+                life.others |= source != wave_ && source->patterns.size() > 1;
+            }
+        }
+        lives_.emplace(block, life);
+        return life;
+    }
+
+    const Blocks& blocks_;
+    const std::vector<const WaveData*>& sources_;
+    const WaveData* wave_;
+    std::unordered_map<qint32, Life> lives_;
+};
+
 } // namespace
 
 void WaveReader::resolvePatternReferences()
@@ -88,34 +161,46 @@ void WaveReader::resolvePatternReferences()
     // One statement makes one wave and all its placeholders, so each wave's
     // placeholders stand together, in document order: a pattern is resolved
     // before a later wave uses it.
+    std::vector<const WaveData*> sources;
+    sources.reserve(names_.size());
+    for (const QString& name : names_)
+        sources.push_back(byName.value(name, nullptr));
     for (size_t first = 0, end = 0; first < placeholders_.size(); first = end) {
         WaveData* const wave = placeholders_[first].wave;
         QHash<Pattern*, const WaveData*> listed;
-        std::vector<std::pair<const WaveData*, qint64>> melted;   // the source, how many times
+        std::vector<MeltedRefs> melted;
         // The cost is known before anything is laid down: a wave that refers
         // to itself grows with each melted reference, so its size is followed.
+        // Copies count as well as what is laid: each pattern the placeholders
+        // take is copied once, and each melted reference copies its pattern.
         qint64 size = wave->patterns.size();
         qint64 cost = 0;
+        QSet<const WaveData*> copied;
         for (end = first; end < placeholders_.size() && placeholders_[end].wave == wave; ++end) {
             const Placeholder& p = placeholders_[end];
-            const WaveData* source = byName.value(names_[size_t(p.name)], nullptr);
+            if (!p.segment) {
+                melted.push_back(p.refs);
+                continue;
+            }
+            const WaveData* source = sources[size_t(p.refs.name)];
             const qint64 count = source ? source->patterns.size() : 0;
-            if (p.segment) {
-                listed.insert(p.segment, source);
-                size += count - 1;
-                cost = std::min(cost + count, budget_ + 1);
-            } else if (source && (source == wave || source->patterns.size() > 1)) {
-                // A one-segment pattern only fills the placeholder that is gone.
-                melted.emplace_back(source, p.times);
+            listed.insert(p.segment, source);
+            size += count - 1;
+            if (source && !copied.contains(source)) {
+                copied.insert(source);
+                cost += count;
             }
+            cost = std::min(cost + count, budget_ + 1);
         }
-        for (const auto& [source, times] : melted) {
-            for (qint64 k = 0; k < times && cost <= budget_; ++k) {
-                const qint64 count = source == wave ? size : source->patterns.size();
-                size = std::min(size + count - 1, budget_ + 1);
-                cost = std::min(cost + count, budget_ + 1);
-            }
-        }
+        MeltedWalk walk(blocks_, sources, wave);
+        const auto simulatedSize = [&size] { return size; };
+        const auto spendOn = [&](const WaveData*, qint64 count) {
+            size = std::min(size + count - 1, budget_ + 1);
+            cost = std::min(cost + 2 * count, budget_ + 1);
+            return cost <= budget_;
+        };
+        for (size_t k = 0; k < melted.size() && cost <= budget_; ++k)
+            walk.walk(melted[k], simulatedSize, spendOn);
         // Unaffordable references stay the one-unit placeholders they are.
         if (cost > budget_) {
             fail(placeholders_[first].line, budgetReason());
@@ -126,14 +211,18 @@ void WaveReader::resolvePatternReferences()
         // A placeholder that melted into the segment before it takes the
         // pattern's first segment with it; the rest lands, reversed, at the
         // end of the wave.
-        for (const auto& [source, times] : melted) {
-            for (qint64 k = 0; k < times && source->patterns.size() > 1; ++k) {
-                Pattern gone("0", 1);
-                wave->insertPattern(&gone, source);
-            }
-        }
+        const auto waveSize = [wave] { return qint64(wave->patterns.size()); };
+        const auto lay = [wave](const WaveData* source, qint64) {
+            Pattern gone("0", 1);
+            wave->insertPattern(&gone, source);
+            return true;
+        };
+        for (const MeltedRefs& refs : melted)
+            walk.walk(refs, waveSize, lay);
     }
     placeholders_.clear();
+    blocks_.clear();
+    blockReferences_.clear();
 }
 
 } // namespace kesu::toolvok

@@ -16,9 +16,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("path");
         const QDir root(QStringLiteral(VOK_SOURCE_DIR "/tests/fuzz"));
         for (const QString& target : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-            // Findings whose fix is still under way elsewhere wait in pending/.
-            if (target == QLatin1String("pending"))
-                continue;
             const QDir dir(root.filePath(target));
             for (const QString& name : dir.entryList(QDir::Files))
                 QTest::newRow(qPrintable(target + QLatin1Char('/') + name)) << target << dir.filePath(name);
