@@ -130,6 +130,14 @@ private Q_SLOTS:
             VERIFY_ANSWERED(answerer);
         }
         const bool reload = answer == QMessageBox::Yes;
+        if (reload) {
+            QApplication::setActiveWindow(gui.get());
+            QVERIFY(QTest::qWaitForWindowActive(gui.get()));
+            ModalAnswerer again({press(QMessageBox::Yes)});
+            QVERIFY(otherProgramSaves(m_file, m_other, rename));
+            QTRY_COMPARE(again.said(), QStringList{kReload});
+            VERIFY_ANSWERED(again);
+        }
         QCOMPARE(savedText(*gui), reload ? writerTextOfFile(m_file) : shown);
         QCOMPARE(gui->isModified(), !reload);
         // Kept, the save asks before replacing the other program's file;
