@@ -148,14 +148,20 @@ void WaveReader::layLeaf(Sink& sink, std::string value, qint32 duration, qint32 
     }
 }
 
+bool WaveReader::tooDeep(Bytes token, int depth)
+{
+    if (depth < readlimits::MaxGroupDepth)
+        return false;
+    failAt(token.data(), QStringLiteral("groups nest deeper than %1 levels").arg(readlimits::MaxGroupDepth));
+    return true;
+}
+
 template <class Sink>
 void WaveReader::readGroup(Bytes token, Sink& sink, Scope scope)
 {
     const GroupToken group = splitGroup(token);
-    if (scope.depth >= readlimits::MaxGroupDepth) {
-        failAt(token.data(), QStringLiteral("groups nest deeper than %1 levels").arg(readlimits::MaxGroupDepth));
+    if (tooDeep(token, scope.depth))
         return;
-    }
     // "#0", "#" alone and "*0" lay nothing down, references included.
     if (group.suffix.repeats <= 0 || group.suffix.multiplier == 0)
         return;
@@ -299,10 +305,8 @@ void WaveReader::measureSegments(Bytes text, Scope scope, RunSummary& into)
 void WaveReader::measureGroup(Bytes token, Scope scope, RunSummary& into)
 {
     const GroupToken group = splitGroup(token);
-    if (scope.depth >= readlimits::MaxGroupDepth) {
-        failAt(token.data(), QStringLiteral("groups nest deeper than %1 levels").arg(readlimits::MaxGroupDepth));
+    if (tooDeep(token, scope.depth))
         return;
-    }
     const qint64 times = group.suffix.repeats;
     if (times <= 0 || group.suffix.multiplier == 0)
         return;

@@ -105,6 +105,8 @@ private:
     void layLeaf(Sink& sink, std::string value, qint32 duration, qint32 name, Scope scope, std::string_view at);
     template <class Sink> void layRepeated(const RunList& body, qint64 times, Sink& sink, std::string_view at);
     bool affordGroup(std::string_view token, bool bus);
+    // Fails the reading when a group at depth would nest too deep.
+    bool tooDeep(std::string_view token, int depth);
     void measureSegments(std::string_view text, Scope scope, RunSummary& into);
     void measureGroup(std::string_view token, Scope scope, RunSummary& into);
 
