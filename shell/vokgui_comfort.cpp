@@ -38,7 +38,7 @@ void VokGUI::createComfort()
     m_recentMenu = new QMenu(tr("Recent Files"), this);
     m_recentMenu->setObjectName(QStringLiteral("recentFilesMenu"));
     connect(m_recentMenu, &QMenu::aboutToShow, this, &VokGUI::fillRecentFilesMenu);
-    connect(this, &BasGUITool::sigFileSaved, this, [this](const QString& path) { m_recentFiles->add(path); });
+    connect(this, &BasGUITool::sigFileSaved, this, &VokGUI::noteRecentFile);
     new DesktopEvents(this, [this](const QString& path) { openFile(path); }, [this] { followPalette(); });
 }
 
