@@ -6,8 +6,6 @@
 #include "wavewriter.h"
 
 #include <QCommandLineParser>
-#include <QFile>
-#include <QFileInfo>
 #include <QSaveFile>
 
 using namespace kesu::toolvok;
@@ -32,11 +30,8 @@ int importVcdCommand(const QStringList& args)
     const QString output = parser.value(out);
 
     QFile file(input);
-    if (QFileInfo(input).isDir() || !file.open(QIODevice::ReadOnly)) {
-        err() << "wdl: cannot read " << input << ": "
-              << (QFileInfo(input).isDir() ? QStringLiteral("Is a directory") : file.errorString()) << Qt::endl;
+    if (!openInput(file))
         return Failed;
-    }
     VcdImportOptions options;
     options.signalNames = parser.value(signalList).split(QLatin1Char(','), Qt::SkipEmptyParts);
     options.from = parser.value(from);

@@ -75,9 +75,9 @@ QTextStream& err()
     return stream;
 }
 
-bool readDocument(const QString& path, WaveformData& document)
+bool openInput(QFile& file)
 {
-    QFile file(path);
+    const QString path = file.fileName();
     if (QFileInfo(path).isDir()) {
         err() << "wdl: cannot read " << path << ": Is a directory" << Qt::endl;
         return false;
@@ -86,6 +86,14 @@ bool readDocument(const QString& path, WaveformData& document)
         err() << "wdl: cannot read " << path << ": " << file.errorString() << Qt::endl;
         return false;
     }
+    return true;
+}
+
+bool readDocument(const QString& path, WaveformData& document)
+{
+    QFile file(path);
+    if (!openInput(file))
+        return false;
     document.loadData(file);
     // A document read only in part is never worked on as if it were whole.
     if (document.loadError.isSet()) {

@@ -2,6 +2,7 @@
 // document and writing to standard output.
 #pragma once
 
+#include <QFile>
 #include <QStringList>
 #include <QTextStream>
 
@@ -19,6 +20,8 @@ QTextStream& err();
 
 // Opens and reads a document; on failure says why on stderr.
 bool readDocument(const QString& path, kesu::toolvok::WaveformData& document);
+// Opens file for reading; on failure says why on stderr.
+bool openInput(QFile& file);
 
 // Writes bytes to stdout; false when the output is gone (full disk, closed pipe).
 bool writeOut(const QByteArray& bytes);
