@@ -14,6 +14,7 @@
 
 #include "exportwaveforms.h"
 #include "generated_document.h"
+#include "processrun.h"
 #include "waveformdata.h"
 #include "wavewriter.h"
 
@@ -36,14 +37,6 @@ using namespace kesu::toolvok;
 
 namespace {
 
-struct Result {
-    double seconds = 0;
-    double cpu = 0;   // user and system: steadier than the wall clock on a shared machine
-    qint64 peakKb = 0;
-    qint64 bytes = 0;
-    bool ok = false;
-};
-
 double now()
 {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -51,10 +44,10 @@ double now()
 
 // Runs job in a child; its wall time, peak resident size and the size of
 // the file it wrote come back through a pipe.
-Result inChild(const std::function<bool()>& job, const QString& output)
+ProcessRun inChild(const std::function<bool()>& job, const QString& output)
 {
     int fds[2];
-    Result result;
+    ProcessRun result;
     if (pipe(fds) != 0)
         return result;
     std::fflush(stdout);
@@ -94,12 +87,6 @@ bool readDocument(const QString& path, WaveformData& document)
     return true;
 }
 
-Result median(std::vector<Result> runs)
-{
-    std::sort(runs.begin(), runs.end(), [](const Result& a, const Result& b) { return a.seconds < b.seconds; });
-    return runs[runs.size() / 2];
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -122,7 +109,7 @@ int main(int argc, char** argv)
     }
     QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/bench_export-XXXXXX"));
     const QString input = kept.isEmpty() ? dir.filePath(QStringLiteral("bench.wdl")) : kept;
-    const Result made = QFile::exists(input) ? Result{0, 0, 0, 0, true} : inChild([&] {
+    const ProcessRun made = QFile::exists(input) ? ProcessRun{0, 0, 0, 0, true} : inChild([&] {
         WaveformData document;
         document.endTime = quint64(segments + 1) * 1000;
         for (qint64 i = 0; i < waves; ++i)
@@ -150,7 +137,7 @@ int main(int argc, char** argv)
     bool ok = true;
     for (const Job& job : jobs) {
         const QString output = dir.filePath(QStringLiteral("out.") + QLatin1String(job.name));
-        std::vector<Result> runs;
+        std::vector<ProcessRun> runs;
         for (int r = 0; r < repeat; ++r) {
             runs.push_back(inChild([&] {
                 if (job.option) {
@@ -166,7 +153,7 @@ int main(int argc, char** argv)
             }, std::strcmp(job.name, "read") ? output : QString()));
             ok = ok && runs.back().ok;
         }
-        const Result m = median(runs);
+        const ProcessRun m = median(runs);
         if (!std::strcmp(job.name, "read")) {
             readSeconds = m.seconds;
             readCpu = m.cpu;

@@ -9,6 +9,7 @@
 // --dump keeps the VCD in FILE, and uses FILE as it is when it exists.
 #include "exportwaveforms.h"
 #include "generated_document.h"
+#include "processrun.h"
 #include "waveformdata.h"
 #include "wavewriter.h"
 
@@ -28,20 +29,13 @@ using namespace kesu::toolvok;
 
 namespace {
 
-struct Measure {
-    double seconds = 0;
-    double cpu = 0;   // user and system: steadier than the wall clock on a shared machine
-    double peakMb = 0;
-    bool ok = false;
-};
-
 // "Elapsed (wall clock) time (h:mm:ss or m:ss): 0:03.21" and
 // "Maximum resident set size (kbytes): 12345" from time -v.
-Measure timed(const QString& program, const QStringList& args)
+ProcessRun timed(const QString& program, const QStringList& args)
 {
     QProcess process;
     process.start(QStringLiteral("/usr/bin/time"), QStringList{"-v", program} + args);
-    Measure m;
+    ProcessRun m;
     if (!process.waitForFinished(-1))
         return m;
     const QString report = QString::fromLocal8Bit(process.readAllStandardError());
@@ -50,7 +44,7 @@ Measure timed(const QString& program, const QStringList& args)
     const QRegularExpressionMatch peak = QRegularExpression(QStringLiteral("Maximum resident set size.*: (\\d+)")).match(report);
     m.ok = process.exitCode() == 0 && wall.hasMatch() && peak.hasMatch();
     m.seconds = wall.captured(1).toDouble() * 3600 + wall.captured(2).toDouble() * 60 + wall.captured(3).toDouble();
-    m.peakMb = peak.captured(1).toDouble() / 1024;
+    m.peakKb = peak.captured(1).toLongLong();
     for (const char* kind : {"User", "System"}) {
         const QRegularExpression line(QStringLiteral("%1 time \\(seconds\\): ([\\d.]+)").arg(QLatin1String(kind)));
         m.cpu += line.match(report).captured(1).toDouble();
@@ -58,12 +52,6 @@ Measure timed(const QString& program, const QStringList& args)
     if (!m.ok)
         std::fprintf(stderr, "%s failed:\n%s\n", qPrintable(program), qPrintable(report));
     return m;
-}
-
-Measure median(std::vector<Measure> runs)
-{
-    std::sort(runs.begin(), runs.end(), [](const Measure& a, const Measure& b) { return a.seconds < b.seconds; });
-    return runs[runs.size() / 2];
 }
 
 bool writeDump(const QString& dump, qint64 waves, qint64 segments, const QDir& scratch)
@@ -130,21 +118,21 @@ int main(int argc, char** argv)
     const QString wdl = QStringLiteral(VOK_WDL_PATH);
     const QString imported = dir.filePath(QStringLiteral("imported.wdl"));
     const QString fst = dir.filePath(QStringLiteral("bench.fst"));
-    std::vector<Measure> ours, theirs;
+    std::vector<ProcessRun> ours, theirs;
     for (int r = 0; r < repeat; ++r) {
         ours.push_back(timed(wdl, {"import-vcd", dump, "-out=" + imported}));
         theirs.push_back(timed(QStringLiteral("vcd2fst"), {dump, fst}));
     }
-    const Measure three = timed(wdl, {"import-vcd", dump, "-out=" + imported, "--signals", "sig0,sig1,data3"});
+    const ProcessRun three = timed(wdl, {"import-vcd", dump, "-out=" + imported, "--signals", "sig0,sig1,data3"});
     std::printf("%-32s %9s %10s %10s\n", "job", "time", "processor", "peak");
-    const std::pair<const char*, Measure> rows[] = {
+    const std::pair<const char*, ProcessRun> rows[] = {
         {"wdl import-vcd, every signal", median(ours)},
         {"vcd2fst", median(theirs)},
         {"wdl import-vcd, three signals", three},
     };
     bool ok = true;
     for (const auto& [name, m] : rows) {
-        std::printf("%-32s %8.2fs %9.2fs %7.0f MB%s\n", name, m.seconds, m.cpu, m.peakMb, m.ok ? "" : "  FAILED");
+        std::printf("%-32s %8.2fs %9.2fs %7.0f MB%s\n", name, m.seconds, m.cpu, double(m.peakKb) / 1024, m.ok ? "" : "  FAILED");
         ok = ok && m.ok;
     }
     return ok ? 0 : 1;
