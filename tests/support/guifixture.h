@@ -1,6 +1,6 @@
 #pragma once
 
-// Tool windows on documents written to a file, driven with the mouse.
+// Tool windows on documents written to a file, driven with the mouse; pictures checked pixel by pixel; data tables.
 #include "rulerview.h"
 #include "vokgui.h"
 #include "wavedata.h"
@@ -8,10 +8,12 @@
 #include "wavelstview.h"
 #include "waveview.h"
 
+#include "sandboxedtestmain.h"
 #include "toolfixture.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QImage>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QStandardItemModel>
@@ -20,6 +22,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace guitest {
@@ -36,23 +39,39 @@ inline QByteArray wdl(const QList<QByteArray>& waves)
 }
 
 // The y of the middle of a row, and the x of a time at one unit per step.
-constexpr int rowY(int row)
+constexpr int rowY(int row) { return row * Viewport::RowHeight + Viewport::RowHeight / 2; }
+constexpr int timeX(double t) { return int(t * Viewport::PixelsPerStep); }
+
+// A data table's columns, typed and named in order: addColumns<int, QString>({"count", "name"}).
+template <typename... Types>
+void addColumns(const char* const (&names)[sizeof...(Types)])
 {
-    return row * Viewport::RowHeight + Viewport::RowHeight / 2;
-}
-constexpr int timeX(double t)
-{
-    return int(t * Viewport::PixelsPerStep);
+    const char* const* name = names;
+    (QTest::addColumn<Types>(*name++), ...);
 }
 
-// The arguments of every emission of a one-bool signal, taken off the spy.
-inline QList<bool> emitted(QSignalSpy& spy)
+// The view from `start` on, `step` units a pixel step.
+inline void setView(VokGUI& gui, quint64 start, quint64 step)
 {
-    QList<bool> values;
-    for (const QList<QVariant>& args : std::as_const(spy))
-        values << args.at(0).toBool();
-    spy.clear();
-    return values;
+    gui.setStartTime(start);
+    gui.changeStep(step);
+}
+
+// How many pixels of the area have exactly the colour.
+inline int count(const QImage& image, const QColor& color, const QRect& area)
+{
+    int n = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            n += image.pixel(x, y) == color.rgb();
+    return n;
+}
+
+// Whether each listed pixel has its colour.
+inline void expectPixels(const QImage& image, std::initializer_list<std::tuple<int, int, QColor>> points)
+{
+    for (const auto& [x, y, color] : points)
+        QVERIFY2(image.pixel(x, y) == color.rgb(), qPrintable(QStringLiteral("pixel %1, %2").arg(x).arg(y)));
 }
 
 // Spies on several one-bool signals of the tool window at once.
@@ -64,12 +83,16 @@ public:
     {
         (spies_.push_back(std::make_unique<QSignalSpy>(gui, signals)), ...);
     }
-    // The emissions since the last look, one list per signal.
+    // The arguments of the emissions since the last look, one list per signal.
     QList<QList<bool>> take()
     {
         QList<QList<bool>> all;
-        for (const auto& spy : spies_)
-            all << emitted(*spy);
+        for (const auto& spy : spies_) {
+            all.append(QList<bool>());
+            for (const QList<QVariant>& args : std::as_const(*spy))
+                all.last() << args.at(0).toBool();
+            spy->clear();
+        }
         return all;
     }
 
@@ -104,6 +127,14 @@ public:
             names << w->name;
         return names;
     }
+    // The wave's segments at those indexes.
+    QList<Pattern*> segments(const QString& name, const QList<int>& indexes) const
+    {
+        QList<Pattern*> list;
+        for (int i : indexes)
+            list << wave(name)->patterns.at(i);
+        return list;
+    }
     // As a drag selects: the wave active and current, its segments at indexes selected.
     void select(const QString& name, const QList<int>& indexes) const
     {
@@ -111,9 +142,7 @@ public:
         gui->setActiveWave(w);
         WaveLstView* list = gui->waveList();
         list->setCurrentIndex(list->itemModel()->index(list->rowOf(w), 0));
-        gui->selection().clear();
-        for (int i : indexes)
-            gui->selection().append(w->patterns.at(i));
+        gui->selection() = segments(name, indexes);
         w->selected = true;
     }
     // The name list's rows: wave names, and the texts of element rows.
@@ -150,17 +179,14 @@ public:
     explicit Window(const QByteArray& text, QSize size = QSize(1400, 700)) : Doc(text)
     {
         gui = toolfixture::openShown(path(), size);
-        if (!gui)
-            return;
-        gui->setStartTime(0);
-        gui->changeStep(1);
+        if (!gui || gui->waveView()->width() < 400)
+            qFatal("the tool window did not open at its size");
+        setView(*gui, 0, 1);
         gui->doListVScrollChanged(0);
     }
 
-    bool ok() const { return gui && gui->waveView()->width() >= 400; }
     WaveView* view() const { return gui->waveView(); }
     WaveLstView* list() const { return gui->waveList(); }
-    Selection& sel() const { return gui->selectionState(); }
 
     // The saved line of one wave.
     QByteArray line(const QString& name) const

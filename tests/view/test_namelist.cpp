@@ -1,6 +1,5 @@
 // The name list under the mouse: titles, bus expansion, the active wave, row drags with undo.
 #include "guifixture.h"
-#include "sandboxedtestmain.h"
 
 #include <QDrag>
 #include <QMimeData>
@@ -58,17 +57,13 @@ class TestNameList : public QObject
     int currentRow() const { return w_->list()->currentIndex().row(); }
 
 private Q_SLOTS:
-    void init()
-    {
-        w_ = std::make_unique<Window>(Document, QSize(1000, 600));
-        QVERIFY(w_->ok());
-    }
+    void init() { w_ = std::make_unique<Window>(Document, QSize(1000, 600)); }
     void cleanup() { w_.reset(); }
 
     void busTitlesAndExpansion()
     {
-        WaveData* bus = w_->wave(QStringLiteral("bus[2:0]"));
-        bus->name = QStringLiteral("D");
+        WaveData* bus = w_->wave("bus[2:0]");
+        bus->name = "D";
         w_->list()->updateWaveTitle(bus);
         QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) D I", "c B"}));
         w_->doubleClickRow(2);
@@ -77,7 +72,7 @@ private Q_SLOTS:
         w_->doubleClickRow(2);
         QCOMPARE(titles(), (QStringList{"a I", "b O", "(+) D I", "c B"}));
         // One row per element, however many there are.
-        bus->elements << QStringLiteral("x") << QStringLiteral("y");
+        bus->elements << "x" << "y";
         w_->doubleClickRow(2);
         QCOMPARE(w_->listRows(), (QStringList{"a", "b", "D", "bus[2]", "bus[1]", "bus[0]", "x", "y", "c"}));
         w_->doubleClickRow(2);
@@ -90,7 +85,7 @@ private Q_SLOTS:
 
     void layoutUpdatesTheToolBars()
     {
-        WaveData* bus = w_->wave(QStringLiteral("bus[2:0]"));
+        WaveData* bus = w_->wave("bus[2:0]");
         for (int i = 0; i < 40; ++i)
             bus->elements.append(QStringLiteral("e%1").arg(i));
         QCOMPARE(w_->gui->waveVBar()->maximum(), 0);
@@ -103,8 +98,8 @@ private Q_SLOTS:
 
     void pickingARowMakesItsWaveActive()
     {
-        WaveData* a = w_->wave(QStringLiteral("a"));
-        WaveData* b = w_->wave(QStringLiteral("b"));
+        WaveData* a = w_->wave("a");
+        WaveData* b = w_->wave("b");
         press(0);
         QCOMPARE(w_->gui->activeWave(), a);
         w_->gui->selection().append(a->patterns.first());
@@ -128,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(!w_->list()->moving);
         w_->gui->changeReadonlyMode(true);
         press(2);
-        QCOMPARE(w_->gui->activeWave(), w_->wave(QStringLiteral("bus[2:0]")));
+        QCOMPARE(w_->gui->activeWave(), w_->wave("bus[2:0]"));
         QVERIFY(!w_->list()->moving);
         w_->gui->changeReadonlyMode(false);
         press(2);
@@ -139,23 +134,17 @@ private Q_SLOTS:
 
     void dragMovesOneStepPerRow_data()
     {
-        QTest::addColumn<int>("expand");   // a bus row double-clicked first, or -1
-        QTest::addColumn<int>("from");
-        QTest::addColumn<QList<int>>("over");
-        QTest::addColumn<QList<bool>>("accepted");
-        QTest::addColumn<QStringList>("order");
-        const QList<bool> all{true, true, true, true};
+        // expand: a bus row double-clicked first, or -1
+        addColumns<int, int, QList<int>, QList<bool>, QStringList>({"expand", "from", "over", "accepted", "order"});
+        const QList<bool> all{true, true, true, true}, refused{true, false, false, true};
         const QStringList unmoved{"a", "b", "bus[2:0]", "c"};
         QTest::newRow("down") << -1 << 0 << QList<int>{1, 3} << all << QStringList{"b", "bus[2:0]", "c", "a"};
-        QTest::newRow("up, a collapsed bus") << -1 << 2 << QList<int>{0, 0} << all
-                                             << QStringList{"bus[2:0]", "a", "b", "c"};
+        QTest::newRow("a bus up") << -1 << 2 << QList<int>{0, 0} << all << QStringList{"bus[2:0]", "a", "b", "c"};
         // Element rows, the space below and expanded buses are no targets; an expanded bus stays put.
-        QTest::newRow("onto an element") << 2 << 0 << QList<int>{4, 9} << QList<bool>{true, false, false, true}
-                                         << unmoved;
+        QTest::newRow("onto an element") << 2 << 0 << QList<int>{4, 9} << refused << unmoved;
         QTest::newRow("onto an expanded bus") << 2 << 0 << QList<int>{2, 1} << QList<bool>{true, false, true, true}
                                               << QStringList{"b", "a", "bus[2:0]", "c"};
-        QTest::newRow("an expanded bus") << 2 << 2 << QList<int>{6, 0} << QList<bool>{true, false, false, true}
-                                         << unmoved;
+        QTest::newRow("an expanded bus") << 2 << 2 << QList<int>{6, 0} << refused << unmoved;
     }
     void dragMovesOneStepPerRow()
     {

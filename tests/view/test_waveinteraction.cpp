@@ -1,6 +1,5 @@
 // The mouse on the wave view: ranges, edge drags, cursor and modes, as text and undo stack see them.
 #include "guifixture.h"
-#include "sandboxedtestmain.h"
 
 using namespace guitest;
 
@@ -19,17 +18,8 @@ class TestWaveInteraction : public QObject
     Window& open(const QList<QByteArray>& lines, bool edit = true)
     {
         w_ = std::make_unique<Window>(wdl(lines));
-        if (!w_->ok())
-            qFatal("the tool window did not open");
         w_->editMode(edit);
         return *w_;
-    }
-    QList<Pattern*> patterns(const char* name, const QList<int>& indexes) const
-    {
-        QList<Pattern*> list;
-        for (int i : indexes)
-            list << w_->wave(QLatin1String(name))->patterns.at(i);
-        return list;
     }
 
 private Q_SLOTS:
@@ -38,12 +28,8 @@ private Q_SLOTS:
     // A drag picks each segment it touches, snapping to their middles; a tail once, never across repeats.
     void rangeSelectionSnapsToSegmentEdges_data()
     {
-        QTest::addColumn<int>("row");
-        QTest::addColumn<double>("from");
-        QTest::addColumn<double>("to");
-        QTest::addColumn<QList<int>>("picked");   // empty: nothing selected
-        QTest::addColumn<double>("start");
-        QTest::addColumn<double>("end");
+        // picked empty: nothing selected
+        addColumns<int, double, double, QList<int>, double, double>({"row", "from", "to", "picked", "start", "end"});
         QTest::newRow("drag") << 0 << 3.3 << 6.5 << QList<int>{1, 2} << 2.5 << 8.5;
         QTest::newRow("leftwards, other wave") << 1 << 7.5 << 0.5 << QList<int>{0, 1} << 0.5 << 11.5;
         QTest::newRow("covering") << 0 << 0.5 << 9.5 << QList<int>{0, 1, 2, 3} << 0.5 << 9.5;
@@ -65,7 +51,7 @@ private Q_SLOTS:
         w.drag(timeX(from), timeX(to), rowY(row));
         WaveData* wave = w->document()->waves.at(row);
         QCOMPARE(w->activeWave(), wave);
-        QCOMPARE(w->selection(), patterns(qPrintable(wave->name), picked));
+        QCOMPARE(w->selection(), w.segments(wave->name, picked));
         QCOMPARE(wave->selected, !picked.isEmpty());
         for (WaveData* other : w->document()->waves)
             QVERIFY(other == wave || !other->selected);
@@ -107,12 +93,8 @@ private Q_SLOTS:
 
     void edgeDragIsOneUndoStep_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("clickX");
-        QTest::addColumn<int>("pressX");
-        QTest::addColumn<bool>("shift");
-        QTest::addColumn<QList<int>>("moves");
-        QTest::addColumn<QByteArray>("dragged");
+        addColumns<QByteArray, int, int, bool, QList<int>, QByteArray>(
+            {"text", "clickX", "pressX", "shift", "moves", "dragged"});
         const QByteArray s = "s { A I Default NRZ 0 1 50 } = ", bus = "s[3:0] { A I Default NRZ 0 1 50 } = ";
         auto add = [](const char* name, const QByteArray& text, int clickX, int pressX, bool shift,
                       const QList<int>& moves, const QByteArray& dragged) {
@@ -164,7 +146,7 @@ private Q_SLOTS:
         w.doubleClickRow(0);
         QVERIFY(w.wave("v[1:0]")->expandFlag);
         w.click(70, rowY(0));
-        QCOMPARE(w->selection(), patterns("v[1:0]", {1}));
+        QCOMPARE(w->selection(), w.segments("v[1:0]", {1}));
         // A bit row is no wave's first row: the press drags the edge.
         w.press(90, rowY(2));
         QVERIFY(w.view()->isDraggingEdge());
@@ -174,7 +156,7 @@ private Q_SLOTS:
         // b's row comes after the two bit rows.
         w.click(30, rowY(3));
         QCOMPARE(w->activeWave(), w.wave("b"));
-        QCOMPARE(w->selection(), patterns("b", {0}));
+        QCOMPARE(w->selection(), w.segments("b", {0}));
     }
 
     void dragsEndBeforeAnythingElseEdits()
