@@ -1,16 +1,12 @@
 // At 200 % the wave view and the ruler paint whole device pixels, never a blurring blend.
-#include "rulerview.h"
-#include "vokgui.h"
-#include "waveview.h"
+#include "guifixture.h"
 
-#include <QtTest>
-
-#include "toolfixture.h"
-
-using namespace kesu::toolvok;
+using namespace guitest;
 
 namespace {
 constexpr int Ratio = 2;
+// The scale a 200 % desktop gives every window of the program, set before the application starts.
+const bool scaled = qputenv("QT_SCALE_FACTOR", QByteArray::number(Ratio));
 
 // Device pixels from `from` along `step`: W white, S blue, ? a blend.
 QString pixels(const QImage& image, QPoint from, QPoint step, int count)
@@ -25,24 +21,19 @@ QString pixels(const QImage& image, QPoint from, QPoint step, int count)
 class TestHiDpi : public QObject
 {
     Q_OBJECT
-    QTemporaryDir dir_;
-    std::unique_ptr<VokGUI> gui_;
+    std::unique_ptr<Window> w_;
 
 private Q_SLOTS:
     void initTestCase()
     {
-        const QString path = dir_.filePath(QStringLiteral("edge.wdl"));
-        QVERIFY(testfiles::writeFile(path, "%ENDTIME = 20;\nclk { A I Default NRZ 0 1 50 } = 0 5 1 5 0 10;\n"));
-        gui_ = toolfixture::openShown(path, QSize(800, 500));
-        QVERIFY(gui_);
-        QCOMPARE(gui_->devicePixelRatioF(), qreal(Ratio));
-        gui_->color_back = Qt::white;
-        gui_->color_signal = Qt::blue;
-        gui_->Refresh();
-        gui_->setStartTime(0);
-        gui_->changeStep(1);
+        QVERIFY(scaled);
+        w_ = std::make_unique<Window>(wdl({"clk { A I Default NRZ 0 1 50 } = 0 5 1 5 0 10;"}));
+        QCOMPARE(w_->gui->devicePixelRatioF(), qreal(Ratio));
+        (*w_)->color_back = Qt::white;
+        (*w_)->color_signal = Qt::blue;
+        (*w_)->Refresh();
     }
-    void cleanupTestCase() { gui_.reset(); }
+    void cleanupTestCase() { w_.reset(); }
 
     // Grabbed and rendered at ratio 2: the edge at 5 is device columns 200-201, the high level rows 20-21.
     void edgesAreWholeDevicePixels_data()
@@ -54,7 +45,7 @@ private Q_SLOTS:
     void edgesAreWholeDevicePixels()
     {
         QFETCH(bool, grab);
-        WaveView* view = gui_->waveView();
+        WaveView* view = w_->view();
         QImage image = grab ? view->grab().toImage() : QImage(view->size() * Ratio, QImage::Format_RGB32);
         if (!grab) {
             image.setDevicePixelRatio(Ratio);
@@ -69,8 +60,8 @@ private Q_SLOTS:
     // The ruler's bottom, below the labels: ink and background only.
     void rulerIsWholeDevicePixels()
     {
-        const QImage image = gui_->rulerView()->grab().toImage();
-        QCOMPARE(image.size(), gui_->rulerView()->size() * Ratio);
+        const QImage image = (*w_)->rulerView()->grab().toImage();
+        QCOMPARE(image.size(), (*w_)->rulerView()->size() * Ratio);
         QSet<QRgb> colours;
         for (int x = 0; x < image.width(); ++x)
             colours.insert(image.pixel(x, image.height() - 3));
@@ -78,16 +69,6 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char** argv)
-{
-    // The scale a 200 % desktop gives every window of the program.
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(Ratio));
-    QTemporaryDir config;
-    qputenv("XDG_CONFIG_HOME", config.path().toLocal8Bit());
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    TestHiDpi test;
-    return QTest::qExec(&test, argc, argv);
-}
+VOK_SANDBOXED_TEST_MAIN(TestHiDpi)
 
 #include "test_hidpi.moc"

@@ -1,7 +1,6 @@
 // Zoom, scroll, jumps and the marker through actions, the zoom-area mouse and the wheel.
 #include "guifixture.h"
 #include "modalanswerer.h"
-#include "sandboxedtestmain.h"
 
 #include <QRubberBand>
 #include <QScrollBar>
@@ -13,15 +12,12 @@ namespace {
 // "a" changes at 100 and 200, ends at 1000; "long" ends at 100000; 30 rows more to scroll.
 QByteArray document()
 {
-    QByteArray text = "%MASTERCLOCKMULT = 1;\n%SMALLESTUNIT = 9;\n%AUTOASSIGN = 0;\n%DECIMALS = 0;\n"
-                      "%ENDTIME = 100000;\n"
-                      "a { A I Default NRZ 0 1 50 } = 0 100 1 100 0 800;\n"
-                      "long { A O Default NRZ 0 1 50 } = 0 50000 1 50000;\n";
+    QList<QByteArray> waves{"a { A I Default NRZ 0 1 50 } = 0 100 1 100 0 800;",
+                            "long { A O Default NRZ 0 1 50 } = 0 50000 1 50000;"};
     for (int i = 0; i < 30; ++i)
-        text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 1000;\n";
-    return text;
+        waves << "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 1000;";
+    return wdl(waves).replace("%ENDTIME = 400;", "%ENDTIME = 100000;");
 }
-
 } // namespace
 
 class TestNavigation : public QObject
@@ -31,35 +27,26 @@ class TestNavigation : public QObject
     std::unique_ptr<Window> w_;
     VokGUI* gui_ = nullptr;
     WaveView* view_ = nullptr;
-    RulerView* ruler_ = nullptr;
 
     int viewWidth() const { return view_->width(); }
-
-    void setView(quint64 start, quint64 step)
-    {
-        gui_->setStartTime(start);
-        gui_->changeStep(step);
-    }
+    void setView(quint64 start, quint64 step) { guitest::setView(*gui_, start, step); }
 
     // The cursor at t by a query-mode click at pixel 1 (a release takes whole steps).
     quint64 setCursor(quint64 t)
     {
         const quint64 start = gui_->startTime();
         gui_->setStartTime(t);
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(1, 10));
-        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(1, 10));
+        w_->click(1, 10);
         gui_->setStartTime(start);
         return view_->cursorTime();
     }
 
     // The width of a range whose raw step (range x 20 / view width) is r.
     quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
-    void mouse(QEvent::Type type, Qt::MouseButton button, QPoint pos) { w_->send(type, pos.x(), pos.y(), button); }
     void wheel(QWidget* target, QPoint angle, Qt::KeyboardModifiers mods)
     {
         const QPointF pos(target->width() / 2, target->height() / 2);
-        QWheelEvent event(pos, target->mapToGlobal(pos), QPoint(), angle, Qt::NoButton, mods, Qt::NoScrollPhase,
-                          false);
+        QWheelEvent event(pos, target->mapToGlobal(pos), QPoint(), angle, Qt::NoButton, mods, Qt::NoScrollPhase, false);
         QCoreApplication::sendEvent(target, &event);
     }
 
@@ -78,7 +65,6 @@ private Q_SLOTS:
         w_ = std::make_unique<Window>(document(), QSize(1000, 600));
         gui_ = w_->gui.get();
         view_ = w_->view();
-        ruler_ = gui_->rulerView();
         // The cases below pick ranges for views between these widths.
         QVERIFY2(viewWidth() > 400 && viewWidth() <= 1000, qPrintable(QString::number(viewWidth())));
     }
@@ -125,8 +111,7 @@ private Q_SLOTS:
 
     void zoomRangeRoundsUpPastTheLeadingDigit_data()
     {
-        QTest::addColumn<quint64>("raw");
-        QTest::addColumn<quint64>("step");
+        addColumns<quint64, quint64>({"raw", "step"});
         for (auto [raw, step] : QList<QPair<quint64, quint64>>{{20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2},
                                                                 {4, 5}, {150, 200}, {99999, 100000},
                                                                 {5000000, 100000}})
@@ -177,45 +162,38 @@ private Q_SLOTS:
 
     void zoomArea_data()
     {
-        QTest::addColumn<quint64>("start");
-        QTest::addColumn<quint64>("step");
-        QTest::addColumn<bool>("right");
-        QTest::addColumn<int>("fromX");
-        QTest::addColumn<int>("toX");
-        QTest::addColumn<quint64>("startAfter");
-        QTest::addColumn<quint64>("stepAfter");
+        using Time = quint64;
+        addColumns<Time, Time, Qt::MouseButton, int, int, Time, Time>(
+            {"start", "step", "button", "fromX", "toX", "startAfter", "stepAfter"});
         // Pixels 100 and 300 are [15000, 25000]: a raw step of 200000 / width, 200 to 499.
-        QTest::newRow("left drag") << quint64(10000) << quint64(1000) << false << 300 << 100 << quint64(15000)
-                                   << quint64(500);
-        QTest::newRow("left click") << quint64(15000) << quint64(500) << false << 40 << 40 << quint64(15000)
-                                    << quint64(200);
+        QTest::newRow("left drag") << Time(10000) << Time(1000) << Qt::LeftButton << 300 << 100 << Time(15000) << Time(500);
+        QTest::newRow("left click") << Time(15000) << Time(500) << Qt::LeftButton << 40 << 40 << Time(15000) << Time(200);
         // Out around the old start: a quarter-width band shows four views of step 10, raw step ~40.
-        const int timeArea = ruler_->width() - ruler_->originX;
+        const int timeArea = gui_->rulerView()->width() - gui_->rulerView()->originX;
         const auto span = static_cast<quint64>(double(timeArea) * timeArea / (timeArea / 4) / 20 * 10.0);
-        QTest::newRow("right drag") << quint64(60000) << quint64(10) << true << 200 + timeArea / 4 << 200
-                                    << 60000 - span / 2 << quint64(50);
-        QTest::newRow("right drag near 0") << quint64(100) << quint64(10) << true << 200 << 200 + timeArea / 4
-                                           << quint64(0) << quint64(50);
-        QTest::newRow("right click") << quint64(0) << quint64(50) << true << 200 << 200 << quint64(0) << quint64(100);
+        QTest::newRow("right drag") << Time(60000) << Time(10) << Qt::RightButton << 200 + timeArea / 4 << 200
+                                    << 60000 - span / 2 << Time(50);
+        QTest::newRow("right drag near 0") << Time(100) << Time(10) << Qt::RightButton << 200 << 200 + timeArea / 4
+                                           << Time(0) << Time(50);
+        QTest::newRow("right click") << Time(0) << Time(50) << Qt::RightButton << 200 << 200 << Time(0) << Time(100);
     }
     void zoomArea()
     {
         QFETCH(quint64, start);
         QFETCH(quint64, step);
-        QFETCH(bool, right);
+        QFETCH(Qt::MouseButton, button);
         QFETCH(int, fromX);
         QFETCH(int, toX);
         setView(start, step);
         const quint64 cursor = setCursor(777);
         gui_->sharedAction(QStringLiteral("zoom area"))->setChecked(true);
         QVERIFY(gui_->isZooming());
-        const Qt::MouseButton button = right ? Qt::RightButton : Qt::LeftButton;
-        mouse(QEvent::MouseButtonPress, button, QPoint(fromX, 70));
-        mouse(QEvent::MouseMove, button, QPoint(toX, 30));
+        w_->send(QEvent::MouseButtonPress, fromX, 70, button);
+        w_->send(QEvent::MouseMove, toX, 30, button);
         if (fromX != toX)
             QCOMPARE(band()->geometry(), QRect(QPoint(qMin(fromX, toX), 30), QPoint(qMax(fromX, toX), 70)));
         QCOMPARE(gui_->step(), step);   // nothing before the release
-        mouse(QEvent::MouseButtonRelease, button, QPoint(toX, 30));
+        w_->send(QEvent::MouseButtonRelease, toX, 30, button);
         QVERIFY(!band() || !band()->isVisible());
         QTEST(gui_->startTime(), "startAfter");
         QTEST(gui_->step(), "stepAfter");
@@ -228,8 +206,8 @@ private Q_SLOTS:
         QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
         zoomArea->setChecked(true);
         QSignalSpy quit(gui_, &VokGUI::sigQuitZooming);
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(100, 10));
-        mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(200, 10));
+        w_->press(100, 10);
+        w_->move(200, 10);
         QVERIFY(band() && band()->isVisible());
         QTest::keyClick(view_, Qt::Key_Escape);
         QCOMPARE(quit.count(), 1);
@@ -239,12 +217,12 @@ private Q_SLOTS:
         // Unchecking the action ends the mode and drops a band being dragged.
         zoomArea->setChecked(true);
         setView(0, 10);
-        mouse(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(100, 10));
-        mouse(QEvent::MouseMove, Qt::LeftButton, QPoint(300, 10));
+        w_->press(100, 10);
+        w_->move(300, 10);
         zoomArea->setChecked(false);
         QVERIFY(!gui_->isZooming());
         QVERIFY(!band() || !band()->isVisible());
-        mouse(QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(300, 10));
+        w_->release(300, 10);
         QCOMPARE(gui_->step(), quint64(10));
         QCOMPARE(gui_->startTime(), quint64(0));
     }
@@ -283,10 +261,7 @@ private Q_SLOTS:
 
     void jumps_data()
     {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<quint64>("cursor");
-        QTest::addColumn<int>("action");
-        QTest::addColumn<quint64>("landed");
+        addColumns<QString, quint64, int, quint64>({"wave", "cursor", "action", "landed"});
         // The view shows step 10; "a" changes at 100 and 200 and ends at 1000.
         QTest::newRow("left to 0") << "a" << quint64(10) << int(VokGUI::ActTickLeft) << quint64(0);
         QTest::newRow("left") << "a" << quint64(17) << int(VokGUI::ActTickLeft) << quint64(7);

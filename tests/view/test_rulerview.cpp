@@ -1,37 +1,12 @@
 // The ruler: ticks and labels, a marked range, the mouse position.
-#include "rulerview.h"
-#include "vokgui.h"
+#include "guifixture.h"
 
-#include <QImage>
-#include <QMouseEvent>
-#include <QtTest>
-
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
-
-#include <memory>
-
-using namespace kesu::toolvok;
+using namespace guitest;
 
 namespace {
 const QColor Back(255, 255, 255);
 const QColor Ink(0, 0, 128);
 const QColor Black(Qt::black);
-
-int count(const QImage& image, const QColor& color, int x0, int y0, int x1, int y1)
-{
-    int n = 0;
-    for (int y = y0; y <= y1; ++y)
-        for (int x = x0; x <= x1; ++x)
-            n += image.pixel(x, y) == color.rgb();
-    return n;
-}
-
-void expect(const QImage& image, std::initializer_list<std::tuple<int, int, QColor>> points)
-{
-    for (const auto& [x, y, color] : points)
-        QVERIFY2(image.pixel(x, y) == color.rgb(), qPrintable(QStringLiteral("pixel %1, %2").arg(x).arg(y)));
-}
 } // namespace
 
 class TestRulerView : public QObject
@@ -41,11 +16,7 @@ class TestRulerView : public QObject
     std::unique_ptr<VokGUI> gui_;
     RulerView* ruler_ = nullptr;
 
-    void setView(quint64 start, quint64 step)
-    {
-        gui_->setStartTime(start);
-        gui_->changeStep(step);
-    }
+    void setView(quint64 start, quint64 step) { guitest::setView(*gui_, start, step); }
     // The ruler 600 x 50, its time axis from x 100.
     QImage paintRuler()
     {
@@ -54,10 +25,11 @@ class TestRulerView : public QObject
         ruler_->render(&image);
         return image;
     }
-    void send(QEvent::Type type, Qt::MouseButton button, QPoint pos)
+    // The mouse moved to x with no button down.
+    void move(int x)
     {
-        const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
-        QMouseEvent event(type, QPointF(pos), ruler_->mapToGlobal(QPointF(pos)), button, buttons, Qt::NoModifier);
+        const QPointF pos(x, 10);
+        QMouseEvent event(QEvent::MouseMove, pos, ruler_->mapToGlobal(pos), Qt::NoButton, Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(ruler_, &event);
     }
 
@@ -83,9 +55,7 @@ private Q_SLOTS:
 
     void rulerTicksFromTheStart_data()
     {
-        QTest::addColumn<quint64>("start");
-        QTest::addColumn<int>("minors");
-        QTest::addColumn<quint64>("labelStart");
+        addColumns<quint64, int, quint64>({"start", "minors", "labelStart"});
         QTest::newRow("on the grid") << quint64(100) << 0 << quint64(0);
         QTest::newRow("start 10") << quint64(10) << 9 << quint64(0);
         QTest::newRow("start 15") << quint64(15) << 9 << quint64(5);
@@ -102,16 +72,16 @@ private Q_SLOTS:
         // Height 50, half 25: minor ticks from y 40, major ticks from y 35.
         for (int i = 0; i < minors; ++i) {
             const int x = 100 + 20 * i;
-            expect(img, {{x, 45, Ink}, {x, 37, Back}, {x + 10, 45, Back}});
+            expectPixels(img, {{x, 45, Ink}, {x, 37, Back}, {x + 10, 45, Back}});
         }
         const int major = 100 + 20 * minors;
-        expect(img, {{major, 37, Ink}, {major + 200, 37, Ink}, {major + 20, 37, Back}});
+        expectPixels(img, {{major, 37, Ink}, {major + 200, 37, Ink}, {major + 20, 37, Back}});
         // Its label equals the label of the same time elsewhere.
         setView(labelStart, 10);
         const QImage reference = paintRuler();
-        expect(reference, {{300, 37, Ink}});
+        expectPixels(reference, {{300, 37, Ink}});
         const QImage label = img.copy(major - 20, 0, 40, 34);
-        QVERIFY(count(label, Back, 0, 0, 39, 33) < 40 * 34 - 20);
+        QVERIFY(count(label, Back, label.rect()) < 40 * 34 - 20);
         QCOMPARE(label, reference.copy(300 - 20, 0, 40, 34));
         QVERIFY(label != reference.copy(100 - 20, 0, 40, 34));
     }
@@ -122,27 +92,26 @@ private Q_SLOTS:
         ruler_->rangeActive = true;
         ruler_->rangeStart = 50;
         ruler_->rangeEnd = 20;
-        QImage img = paintRuler();
+        const QImage img = paintRuler();
         // Black inside the white outline of each marked step.
         for (int x : {150, 170, 190})
-            expect(img, {{x, 45, Black}, {140, 45, Back}, {210, 45, Back}});
+            expectPixels(img, {{x, 45, Black}, {140, 45, Back}, {210, 45, Back}});
         ruler_->rangeEnd = 50;
-        img = paintRuler();
-        QCOMPARE(count(img, Black, 100, 36, 599, 48), 0);
+        QCOMPARE(count(paintRuler(), Black, QRect(100, 36, 500, 13)), 0);
     }
 
     void rulerMouse()
     {
         setView(1000, 10);
-        send(QEvent::MouseMove, Qt::NoButton, QPoint(40, 10));
+        move(40);
         QCOMPARE(ruler_->mouseX, 0);
-        send(QEvent::MouseMove, Qt::NoButton, QPoint(175, 10));
+        move(175);
         QCOMPARE(ruler_->mouseX, 75);
         // Outside zoom mode a range ends at the first move.
-        send(QEvent::MouseButtonPress, Qt::LeftButton, QPoint(150, 10));
+        QTest::mousePress(ruler_, Qt::LeftButton, {}, QPoint(150, 10));
         QVERIFY(ruler_->rangeActive);
         QCOMPARE(ruler_->rangeStart, quint64(1020));
-        send(QEvent::MouseMove, Qt::NoButton, QPoint(210, 10));
+        move(210);
         QVERIFY(!ruler_->rangeActive);
     }
 };

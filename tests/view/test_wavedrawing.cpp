@@ -1,23 +1,11 @@
 // The wave drawing, pixel by pixel: levels, shapes, rows, the selection,
 // the marker and the cursor, and what painting costs.
+#include "guifixture.h"
 #include "selection.h"
-#include "vokgui.h"
-#include "waveformdata.h"
-#include "waveview.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QImage>
-#include <QMouseEvent>
 #include <QScrollBar>
-#include <QtTest>
 
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
-
-#include <memory>
-
-using namespace kesu::toolvok;
+using namespace guitest;
 
 namespace {
 const QColor Back(255, 255, 255);
@@ -30,35 +18,6 @@ const QColor Black(Qt::black);
 
 constexpr int Width = 400;
 constexpr int Height = 200;
-
-QColor at(const QImage& image, int x, int y)
-{
-    return QColor(image.pixel(x, y));
-}
-
-struct Px
-{
-    int x, y;
-    QColor color;
-};
-
-// Whether each listed pixel has its colour.
-void expect(const QImage& image, std::initializer_list<Px> points)
-{
-    for (const Px& p : points)
-        QVERIFY2(at(image, p.x, p.y) == p.color, qPrintable(QStringLiteral("pixel %1, %2").arg(p.x).arg(p.y)));
-}
-
-// How many pixels of the rectangle [x0, x1] x [y0, y1] have exactly the colour.
-int count(const QImage& image, const QColor& color, int x0, int y0, int x1, int y1)
-{
-    int n = 0;
-    for (int y = y0; y <= y1; ++y)
-        for (int x = x0; x <= x1; ++x)
-            n += image.pixel(x, y) == color.rgb();
-    return n;
-}
-
 } // namespace
 
 class TestWaveDrawing : public QObject
@@ -93,20 +52,9 @@ class TestWaveDrawing : public QObject
         return wave;
     }
 
-    WaveData* addToggling(int n, int duration = 1)
-    {
-        auto* wave = new WaveData(QStringLiteral("t%1").arg(doc()->waves.size()));
-        for (int i = 0; i < n; ++i)
-            wave->insertData(new Pattern(i % 2 ? "1" : "0", duration), nullptr);
-        doc()->addWave(wave);
-        return wave;
-    }
-
-    void setView(quint64 start, quint64 step)
-    {
-        gui_->setStartTime(start);
-        gui_->changeStep(step);
-    }
+    // n segments of one unit, 0 and 1 by turns.
+    void addToggling(int n) { addWave(QStringLiteral("0:1 1:1 ").repeated(n / 2)); }
+    void setView(quint64 start, quint64 step) { guitest::setView(*gui_, start, step); }
 
     QImage paint(int width = Width, int height = Height)
     {
@@ -117,13 +65,6 @@ class TestWaveDrawing : public QObject
         if (view_->size() != QSize(width, height))
             qFatal("the wave view was laid out to another size while rendering");
         return image;
-    }
-
-    void send(QWidget* target, QEvent::Type type, Qt::MouseButton button, QPoint pos)
-    {
-        const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(button);
-        QMouseEvent event(type, QPointF(pos), target->mapToGlobal(QPointF(pos)), button, buttons, Qt::NoModifier);
-        QCoreApplication::sendEvent(target, &event);
     }
 
     // Scrolls the wave view down to a row, as the tool's scroll bar does.
@@ -162,56 +103,41 @@ private Q_SLOTS:
         setView(0, 1);
     }
 
-    void cleanupTestCase()
-    {
-        gui_->ClearAll();
-        gui_.reset();
-    }
+    void cleanupTestCase() { gui_.reset(); }
 
     void scenes_data()
     {
-        // Waves separated by "|": segments as addWave takes them, then
-        // "@offset" and "/bus width"; "+" in front expands a bus, "~" hides
-        // the wave. Expected: "C@x,y" a pixel of colour C, "C>x0,y0,x1,y1"
-        // some of the rectangle in C, "C!x0,y0,x1,y1" none of it. Colours:
-        // S signal, B bus, K black, D don't care, G gray, W background.
-        QTest::addColumn<QString>("scene");
-        QTest::addColumn<quint64>("start");
-        QTest::addColumn<quint64>("step");
-        QTest::addColumn<int>("radix");
-        QTest::addColumn<QString>("expected");
-        // Low at row top + 40, high at + 10, edges between; none after a
-        // don't care or high impedance, none for an empty pattern; low up to
-        // an offset.
-        QTest::newRow("levels") << "0:2 1:3 0:2 | 1:2 -1:2 0:2 | 1:2 -2:2 0:2 | 1:2 1:0 1:2 | 1:2@3" << quint64(0)
-                                << quint64(1) << 3
-                                << "S@20,40 S@70,10 S@40,25 S@100,25 S@120,40 W@150,40 S@100,80 S@100,120 S@60,130 "
-                                   "S!38,131,42,159 S@30,200 S@60,185 S@80,170 W@110,170";
+        // Waves separated by "|": segments as addWave takes them, then "@offset" and "/bus width"; "+" in front
+        // expands a bus, "~" hides the wave. Expected: "C@x,y" a pixel of colour C, "C>x0,y0,x1,y1" some of the
+        // rectangle in C, "C!x0,y0,x1,y1" none of it. Colours: S signal, B bus, K black, D don't care, G gray, W back.
+        using Time = quint64;
+        addColumns<QString, Time, Time, int, QString>({"scene", "start", "step", "radix", "expected"});
+        // Low at row top + 40, high at + 10, edges between; none after a don't care or high impedance, none for an
+        // empty pattern; low up to an offset.
+        QTest::newRow("levels") << "0:2 1:3 0:2 | 1:2 -1:2 0:2 | 1:2 -2:2 0:2 | 1:2 1:0 1:2 | 1:2@3" << Time(0)
+                                << Time(1) << 3 << "S@20,40 S@70,10 S@40,25 S@100,25 S@120,40 W@150,40 S@100,80 "
+                                   "S@100,120 S@60,130 S!38,131,42,159 S@30,200 S@60,185 S@80,170 W@110,170";
         QTest::newRow("don't care and high impedance")
-            << "1:2 -1:2 0:2 -2:2" << quint64(0) << quint64(1) << 3
+            << "1:2 -1:2 0:2 -2:2" << Time(0) << Time(1) << 3
             << "D>40,10,47,39 D>40,32,47,39 D!30,0,39,198 D!80,0,398,198 D!40,40,79,45 G@120,10 G@159,10 "
                "G@120,39 G@159,39 W@125,20 G>136,22,144,32 G!160,0,398,198";
-        QTest::newRow("hidden takes no row") << "~1:5 | 0:5" << quint64(0) << quint64(1) << 3
-                                             << "S@50,40 W@50,10 S!1,41,398,198";
-        // 10 pixels a unit: a hexagon over 0..60, a diamond 60..70, 20 pixels
-        // a hexagon again, each with its text where it fits.
-        QTest::newRow("bus") << "A5:6 1F:1 3:2/8" << quint64(0) << quint64(2) << 3
+        QTest::newRow("hidden: no row") << "~1:5 | 0:5" << Time(0) << Time(1) << 3 << "S@50,40 W@50,10 S!1,41,398,198";
+        // 10 pixels a unit: a hexagon over 0..60, a diamond 60..70, 20 pixels a hexagon again, each with its text.
+        QTest::newRow("bus") << "A5:6 1F:1 3:2/8" << Time(0) << Time(2) << 3
                              << "B@30,10 B@30,40 B@60,25 B@65,10 B@65,40 B@76,10 B@84,10 B>10,15,50,35 B>76,20,84,33";
         // Binary "10100101" is 64 pixels of text: too wide for 60.
-        QTest::newRow("bus text too wide") << "A5:6 1F:1 3:2/8" << quint64(0) << quint64(2) << 0
-                                           << "B@30,10 B!10,15,50,35";
+        QTest::newRow("bus text too wide") << "A5:6 1F:1 3:2/8" << Time(0) << Time(2) << 0 << "B@30,10 B!10,15,50,35";
         // Begun left of the view: the edges run from the left side, no bevel.
-        QTest::newRow("bus begun left") << "A5:6 1F:1 3:2/8" << quint64(1) << quint64(2) << 3 << "B@2,10 B@2,40";
-        // Bit row 0 shows bit 1 (0 then 1), bit row 1 bit 0 (1 then 0); don't
-        // care in the bus row and in both bit rows; the next wave below them.
-        QTest::newRow("bit rows") << "+1:2 2:2 -1:1 3:1/2 | 1:5" << quint64(0) << quint64(1) << 3
+        QTest::newRow("bus begun left") << "A5:6 1F:1 3:2/8" << Time(1) << Time(2) << 3 << "B@2,10 B@2,40";
+        // Bit row 0 shows bit 1 (0 then 1), bit row 1 bit 0 (1 then 0); don't care in the bus row and in both bit
+        // rows; the next wave below them.
+        QTest::newRow("bit rows") << "+1:2 2:2 -1:1 3:1/2 | 1:5" << Time(0) << Time(1) << 3
                                   << "B@20,10 K@20,80 K@60,50 K@40,65 K@20,90 K@60,120 K@40,105 D>80,10,87,39 "
                                      "D>80,50,87,79 D>80,90,87,119 D!100,0,398,198 S@50,130";
-        // The forever tail repeats to the right edge over clone blocks,
-        // however far the view scrolls.
-        QTest::newRow("forever") << "0:1 (1:1 0:1" << quint64(0) << quint64(1) << 3
+        // The forever tail repeats to the right edge over clone blocks, however far the view scrolls.
+        QTest::newRow("forever") << "0:1 (1:1 0:1" << Time(0) << Time(1) << 3
                                  << "S@30,10 S@50,40 G!1,10,59,39 G>60,10,99,39 G>360,10,398,39 S@390,10 S@370,40";
-        QTest::newRow("forever far") << "0:1 (1:1 0:1" << quint64(1000001) << quint64(1) << 3 << "S@10,10 S@30,40";
+        QTest::newRow("forever far") << "0:1 (1:1 0:1" << Time(1000001) << Time(1) << 3 << "S@10,10 S@30,40";
     }
     void scenes()
     {
@@ -242,9 +168,9 @@ private Q_SLOTS:
             for (const QString& number : check.mid(2).split(QLatin1Char(',')))
                 n << number.toInt();
             if (check.at(1) == QLatin1Char('@'))
-                QVERIFY2(at(img, n[0], n[1]) == color, qPrintable(check));
+                QVERIFY2(img.pixelColor(n[0], n[1]) == color, qPrintable(check));
             else
-                QVERIFY2((count(img, color, n[0], n[1], n[2], n[3]) > 0) == (check.at(1) == QLatin1Char('>')),
+                QVERIFY2((count(img, color, QRect(QPoint(n[0], n[1]), QPoint(n[2], n[3]))) > 0) == (check.at(1) == '>'),
                          qPrintable(check));
         }
     }
@@ -257,34 +183,33 @@ private Q_SLOTS:
         QImage img = paint();
         // A dotted line 8 below each row's low level.
         for (int y : {48, 88}) {
-            QVERIFY(count(img, Black, 1, y, Width - 2, y) > 100);
+            QVERIFY(count(img, Black, QRect(1, y, Width - 2, 1)) > 100);
             for (int x = 1; x < Width - 2; ++x)
-                QVERIFY(!(at(img, x, y) == Black && at(img, x + 1, y) == Black));
+                QVERIFY(!(img.pixelColor(x, y) == Black && img.pixelColor(x + 1, y) == Black));
         }
-        QCOMPARE(count(img, Black, 1, 120, Width - 2, Height - 2), 0);
+        QCOMPARE(count(img, Black, QRect(1, 120, Width - 2, Height - 121)), 0);
         scrollTo(1);   // the first wave scrolled out above
-        expect(paint(), {{50, 40, Signal}, {50, 10, Back}});
+        expectPixels(paint(), {{50, 40, Signal}, {50, 10, Back}});
     }
 
     void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
     {
         view_->setMarkerTime(5);
         QImage img = paint();
-        QCOMPARE(at(img, 100, 150), Red);
-        QCOMPARE(count(img, Red, 0, 0, Width - 1, Height - 1), Height - 2);
+        QCOMPARE(img.pixelColor(100, 150), Red);
+        QCOMPARE(count(img, Red, img.rect()), Height - 2);
         setView(4, 1);
-        QCOMPARE(at(paint(), 20, 150), Red);
+        QCOMPARE(paint().pixelColor(20, 150), Red);
         setView(5, 1);
-        QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
+        QCOMPARE(count(paint(), Red, img.rect()), 0);
         view_->setMarkerTime(NoTime);   // hidden
         setView(0, 1);
-        QCOMPARE(count(paint(), Red, 0, 0, Width - 1, Height - 1), 0);
-        send(view_, QEvent::MouseButtonPress, Qt::LeftButton, QPoint(140, 10));
-        send(view_, QEvent::MouseButtonRelease, Qt::LeftButton, QPoint(140, 10));
+        QCOMPARE(count(paint(), Red, img.rect()), 0);
+        QTest::mouseClick(view_, Qt::LeftButton, {}, QPoint(140, 10));
         QCOMPARE(view_->cursorTime(), quint64(7));
         for (int mode : {1, 2, 3, 4}) {
             gui_->setMode(mode);
-            QCOMPARE(at(paint(), 140, 150), mode >= 3 ? Black : Back);
+            QCOMPARE(paint().pixelColor(140, 150), mode >= 3 ? Black : Back);
         }
     }
 
@@ -298,26 +223,25 @@ private Q_SLOTS:
         gui_->changeRange(1.3, 4.2);
         const QImage img = paint();
         for (int y : {4, 5, 44, 45})
-            expect(img, {{60, y, Black}, {10, y, Back}, {110, y, Back}});
+            expectPixels(img, {{60, y, Black}, {10, y, Back}, {110, y, Back}});
         // A free range is marked from its own times.
         gui_->selectionState().isRange = true;
         gui_->changeRange(2, 3);
-        const QImage range = paint();
-        expect(range, {{50, 5, Black}, {30, 5, Back}, {70, 5, Back}});
+        expectPixels(paint(), {{50, 5, Black}, {30, 5, Back}, {70, 5, Back}});
         // Outside edit mode nothing is marked.
         gui_->setMode(VokGUI::ModeQuery);
-        QCOMPARE(at(paint(), 50, 5), Back);
+        QCOMPARE(paint().pixelColor(50, 5), Back);
     }
 
     void paintingCostsWhatIsVisible()
     {
         // Segments right of the view cost nothing.
-        addToggling(25);
+        addToggling(26);
         paint();
         const int few = view_->lastPaintPrimitives();
         QVERIFY(few > 20);
         init();
-        addToggling(100025);
+        addToggling(100026);
         paint();
         QCOMPARE(view_->lastPaintPrimitives(), few);
         // Thousands of segments per pixel cost about the pixels.
@@ -326,14 +250,12 @@ private Q_SLOTS:
         view_->resize(Width, Height);
         gui_->zoomRange(0, 200000);
         paint();
-        QVERIFY2(view_->lastPaintPrimitives() < 4 * Width,
-                 qPrintable(QString::number(view_->lastPaintPrimitives())));
+        QVERIFY2(view_->lastPaintPrimitives() < 4 * Width, qPrintable(QString::number(view_->lastPaintPrimitives())));
     }
 
     void gatheredPaintingEqualsDirectPainting_data()
     {
-        QTest::addColumn<quint64>("start");
-        QTest::addColumn<quint64>("step");
+        addColumns<quint64, quint64>({"start", "step"});
         QTest::newRow("step 1") << quint64(0) << quint64(1);
         QTest::newRow("step 2 mid-wave") << quint64(1003) << quint64(2);
         QTest::newRow("many segments a column") << quint64(77) << quint64(200);
