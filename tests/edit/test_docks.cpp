@@ -9,7 +9,6 @@
 
 #include "guifixture.h"
 #include "modalanswerer.h"
-#include "sandboxedtestmain.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -18,7 +17,6 @@
 #include <QPushButton>
 #include <QUndoStack>
 
-using namespace kesu::toolvok;
 using namespace guitest;
 
 namespace {
@@ -53,12 +51,11 @@ class Docks : public Tool
 public:
     explicit Docks(const QByteArray& text = kDoc) : Tool(text) { editMode(true); }
 
-    template <typename W> W* pulse(const char* name) const { return gui->editDlg()->findChild<W*>(name); }
-    template <typename W> W* waveData(const char* name) const { return gui->waveDataDlg()->findChild<W*>(name); }
-    QWidget* control(const QString& name) const
+    // A control of either dock by its name.
+    template <typename W = QWidget> W* control(const QString& name) const
     {
-        QWidget* found = gui->editDlg()->findChild<QWidget*>(name);
-        return found ? found : gui->waveDataDlg()->findChild<QWidget*>(name);
+        W* found = gui->editDlg()->findChild<W*>(name);
+        return found ? found : gui->waveDataDlg()->findChild<W*>(name);
     }
 
     // Pulses picked with the mouse: the views load the selection.
@@ -70,21 +67,16 @@ public:
     }
 };
 
-// Typing the text and pressing Enter; the validator filters keys as it would.
-void type(QLineEdit* edit, const QString& text)
-{
-    edit->selectAll();
-    QTest::keyClicks(edit, text);
-    QTest::keyClick(edit, Qt::Key_Return);
-}
-
-// Types into an edit, picks a combo entry by index or clicks a box; the message box text ("": none).
+// Types into an edit and presses Enter (the validator filters keys as it would), picks a combo entry by index
+// or clicks a box; the message box text ("": none).
 QString use(QWidget* control, const QString& input)
 {
     ModalAnswerer answerer({press(QMessageBox::Ok)});
-    if (auto* edit = qobject_cast<QLineEdit*>(control))
-        type(edit, input);
-    else if (auto* combo = qobject_cast<QComboBox*>(control))
+    if (auto* edit = qobject_cast<QLineEdit*>(control)) {
+        edit->selectAll();
+        QTest::keyClicks(edit, input);
+        QTest::keyClick(edit, Qt::Key_Return);
+    } else if (auto* combo = qobject_cast<QComboBox*>(control))
         combo->setCurrentIndex(input.toInt());
     else if (auto* box = qobject_cast<QCheckBox*>(control))
         box->click();
@@ -100,13 +92,10 @@ class TestDocks : public QObject
 private Q_SLOTS:
     void pulseControls_data()
     {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<QList<int>>("pulses");
-        QTest::addColumn<QString>("control");
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QByteArray>("edited");   // empty: the document stays as it was
-        QTest::addColumn<int>("span");            // the selected range afterwards, end minus start
+        // edited empty: the document stays as it was
+        // span: the selected range afterwards, end minus start
+        addColumns<QString, QList<int>, QString, QString, QString, QByteArray, int>(
+            {"wave", "pulses", "control", "input", "message", "edited", "span"});
         const QList<int> one{1}, two{0, 1};
         const QString overflow = "The duration is overflowed.";
         auto add = [](const char* name, const QString& wave, const QList<int>& pulses, const QString& control,
@@ -160,7 +149,7 @@ private Q_SLOTS:
         Docks t;
         t.pick(wave, pulses);
         t->changeRange(0, 1);
-        QCOMPARE(t.waveData<QLabel>("name")->text(), wave);
+        QCOMPARE(t.control<QLabel>("name")->text(), wave);
         QWidget* widget = t.control(control);
         QVERIFY(widget->isEnabled());
         QCOMPARE(use(widget, input), message);
@@ -174,38 +163,45 @@ private Q_SLOTS:
         QCOMPARE(t.saved(), kDoc);
     }
 
-    void foreverBox_data()
+    // What the docks show for the pulses picked: the Forever box, Repeat, State and the wave's summary.
+    void shownForAPick_data()
     {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<QList<int>>("pulses");
-        QTest::addColumn<bool>("enabled");
-        QTest::addColumn<bool>("checked");
-        QTest::newRow("single pulse") << "a" << QList<int>{1} << false << false;
-        QTest::newRow("up to the end") << "a" << QList<int>{2, 3} << true << false;
-        QTest::newRow("named pattern") << "$q" << QList<int>{0, 1} << false << false;
-        QTest::newRow("in the tail") << "e" << QList<int>{3} << true << true;
-        QTest::newRow("before the tail") << "e" << QList<int>{0} << false << false;
+        // summary empty: not looked at
+        addColumns<QString, QList<int>, bool, bool, QString>({"wave", "pulses", "enabled", "checked", "summary"});
+        QTest::newRow("single pulse") << "a" << QList<int>{1} << false << false << "";
+        QTest::newRow("up to the end") << "a" << QList<int>{2, 3} << true << false << "";
+        QTest::newRow("named pattern") << "$q" << QList<int>{0, 1} << false << false << "";
+        QTest::newRow("in the tail") << "e" << QList<int>{3} << true << true << "";
+        QTest::newRow("before the tail") << "e" << QList<int>{0} << false << false
+                                         << "e - Input\nData - 0x0 - 10\nData - 0x1 - 10\n(...) Repeat Forever\n"
+                                            "Data - 0x0 - 10\nData - 0x1 - 10\n";
+        QTest::newRow("bus") << "d[7:0]" << QList<int>{0} << false << false
+                             << "d[7:0] - Input\nData - 0x1 - 10\nData - 0x2 - 10\nData - 0xF - 10\n";
+        QTest::newRow("x and z") << "n[3:0]" << QList<int>{0} << false << false
+                                 << "n[3:0] - Input\nData - X - 10\nData - 0x1 - 10\nData - Z - 5\n";
+        QTest::newRow("pattern") << "$pat" << QList<int>{0} << false << false
+                                 << "$pat - Pattern\nData - 0x0 - 2\nData - 0x1 - 4\n";
     }
-    void foreverBox()
+    void shownForAPick()
     {
         QFETCH(QString, wave);
         QFETCH(QList<int>, pulses);
         QFETCH(bool, checked);
+        QFETCH(QString, summary);
         Docks t;
         t.pick(wave, pulses);
-        QTEST(t.pulse<QCheckBox>("forever")->isEnabled(), "enabled");
-        QCOMPARE(t.pulse<QCheckBox>("forever")->isChecked(), checked);
-        QCOMPARE(t.pulse<QLineEdit>("repeat")->text(), checked ? QStringLiteral("##") : QStringLiteral("1"));
-        QCOMPARE(t.pulse<QComboBox>("state")->isEnabled(), pulses.size() == 1 && !checked);
+        QTEST(t.control<QCheckBox>("forever")->isEnabled(), "enabled");
+        QCOMPARE(t.control<QCheckBox>("forever")->isChecked(), checked);
+        QCOMPARE(t.control<QLineEdit>("repeat")->text(), checked ? QStringLiteral("##") : QStringLiteral("1"));
+        QCOMPARE(t.control<QComboBox>("state")->isEnabled(), pulses.size() == 1 && !checked);
+        if (!summary.isEmpty())
+            QCOMPARE(t->waveDataDlg()->summary()->summary()->text(), summary);
     }
 
     void busValue_data()
     {
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("radix");
-        QTest::addColumn<QString>("shown");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("stored");   // empty: refused as wider than the bus
+        // stored empty: refused as wider than the bus
+        addColumns<int, int, QString, QString, QString>({"width", "radix", "shown", "typed", "stored"});
         // Refusal per radix: the 8-bit rows; the width check at 256 bits and beyond: test_timetext's agreesWithGmp.
         const QString f64(64, QLatin1Char('F'));
         const QString max256 = QString::fromStdString(BigInteger(f64.toStdString(), 16).toString(10));
@@ -238,7 +234,7 @@ private Q_SLOTS:
         Docks t(original);
         t->setBusRadix(radix);
         t.pick(name, {0});
-        auto* value = t.pulse<QLineEdit>("value");
+        auto* value = t.control<QLineEdit>("value");
         QTEST(value->text(), "shown");
         QCOMPARE(use(value, typed), stored.isEmpty() ? "The bit number of the value is over the bus width." : "");
         QCOMPARE(t.saved(), stored.isEmpty() ? original : wdl({head + stored.toLatin1() + " 10 2 10;"}));
@@ -251,10 +247,10 @@ private Q_SLOTS:
     {
         Docks t(wdl(kWaves + QList<QByteArray>{"q { A I Default NRZ 0 1 50 } = 1 5;"}));
         t.pick("q", {0});
-        QCOMPARE(use(t.waveData<QComboBox>("polarity"), "5"), QStringLiteral("The name is used."));
+        QCOMPARE(use(t.control<QComboBox>("polarity"), "5"), QStringLiteral("The name is used."));
         QCOMPARE(t.steps(), 0);
         t.pick("a", {0});
-        use(t.waveData<QComboBox>("polarity"), "5");
+        use(t.control<QComboBox>("polarity"), "5");
         QVERIFY(t.saved().contains("\n$a = 0 10 1 20 0 30 1 40;\n"));
         QCOMPARE(t->patternDlg()->list()->model()->rowCount(), 4);
         t->undo();
@@ -263,60 +259,37 @@ private Q_SLOTS:
         QCOMPARE(t->patternDlg()->list()->model()->rowCount(), 3);
         // A named pattern shows its kind and offset, changeable neither.
         t.pick("$pat", {0});
-        QVERIFY(!t.waveData<QComboBox>("polarity")->isEnabled());
-        QCOMPARE(t.waveData<QComboBox>("polarity")->currentIndex(), 5);
-        QCOMPARE(t.waveData<QLineEdit>("offset")->text(), QStringLiteral("0"));
-    }
-
-    void summary_data()
-    {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("bus") << "d[7:0]" << "d[7:0] - Input\nData - 0x1 - 10\nData - 0x2 - 10\nData - 0xF - 10\n";
-        QTest::newRow("x and z") << "n[3:0]" << "n[3:0] - Input\nData - X - 10\nData - 0x1 - 10\nData - Z - 5\n";
-        QTest::newRow("forever") << "e" << "e - Input\nData - 0x0 - 10\nData - 0x1 - 10\n(...) Repeat Forever\n"
-                                           "Data - 0x0 - 10\nData - 0x1 - 10\n";
-        QTest::newRow("pattern") << "$pat" << "$pat - Pattern\nData - 0x0 - 2\nData - 0x1 - 4\n";
-    }
-    void summary()
-    {
-        QFETCH(QString, wave);
-        Docks t;
-        t.pick(wave, {0});
-        QTEST(t->waveDataDlg()->summary()->summary()->text(), "text");
+        QVERIFY(!t.control<QComboBox>("polarity")->isEnabled());
+        QCOMPARE(t.control<QComboBox>("polarity")->currentIndex(), 5);
+        QCOMPARE(t.control<QLineEdit>("offset")->text(), QStringLiteral("0"));
     }
 
     void insertPatterns_data()
     {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<int>("pulse");
-        QTest::addColumn<QStringList>("patterns");
-        QTest::addColumn<QByteArray>("edited");   // empty: Insert stays disabled
-        QTest::newRow("one, merging") << "a" << 1 << QStringList{"$pat"} << kAHead + "0 12 1 24 0 30 1 40;";
-        QTest::newRow("two in picking order") << "a" << 2 << QStringList{"$pat", "$q"}
-                                              << kAHead + "0 10 1 20 0 2 1 7 0 35 1 40;";
-        QTest::newRow("picked the other way") << "a" << 2 << QStringList{"$q", "$pat"}
-                                              << kAHead + "0 10 1 23 0 7 1 4 0 30 1 40;";
-        QTest::newRow("into the tail") << "e" << 3 << QStringList{"$q"} << kEHead + "0 10 1 10(0 10 1 3 0 5 1 10)##;";
-        QTest::newRow("bus of that width") << "n[3:0]" << 1 << QStringList{"$bp[3:0]"}
-                                           << kNHead + "DonTCare 10 1 10 2 10 1 10 HighZ 5;";
-        QTest::newRow("bus of another width") << "d[7:0]" << 0 << QStringList{"$bp[3:0]"} << QByteArray();
-        QTest::newRow("bus into a signal") << "a" << 0 << QStringList{"$bp[3:0]"} << QByteArray();
-        QTest::newRow("signal into a bus") << "n[3:0]" << 0 << QStringList{"$pat"} << QByteArray();
-        QTest::newRow("into a pattern") << "$q" << 0 << QStringList{"$pat"} << QByteArray();
+        // patterns in picking order; edited empty: Insert stays disabled
+        addColumns<QString, int, QString, QByteArray>({"wave", "pulse", "patterns", "edited"});
+        QTest::newRow("one, merging") << "a" << 1 << "$pat" << kAHead + "0 12 1 24 0 30 1 40;";
+        QTest::newRow("two in picking order") << "a" << 2 << "$pat $q" << kAHead + "0 10 1 20 0 2 1 7 0 35 1 40;";
+        QTest::newRow("picked the other way") << "a" << 2 << "$q $pat" << kAHead + "0 10 1 23 0 7 1 4 0 30 1 40;";
+        QTest::newRow("into the tail") << "e" << 3 << "$q" << kEHead + "0 10 1 10(0 10 1 3 0 5 1 10)##;";
+        QTest::newRow("bus as wide") << "n[3:0]" << 1 << "$bp[3:0]" << kNHead + "DonTCare 10 1 10 2 10 1 10 HighZ 5;";
+        QTest::newRow("bus, other width") << "d[7:0]" << 0 << "$bp[3:0]" << QByteArray();
+        QTest::newRow("bus into a signal") << "a" << 0 << "$bp[3:0]" << QByteArray();
+        QTest::newRow("signal into a bus") << "n[3:0]" << 0 << "$pat" << QByteArray();
+        QTest::newRow("into a pattern") << "$q" << 0 << "$pat" << QByteArray();
     }
     void insertPatterns()
     {
         QFETCH(QString, wave);
         QFETCH(int, pulse);
-        QFETCH(QStringList, patterns);
+        QFETCH(QString, patterns);
         QFETCH(QByteArray, edited);
         Docks t;
         PatternDlg* dlg = t->patternDlg();
         dlg->LoadData();
         t.pick(wave, {pulse});
         QAbstractItemModel* model = dlg->list()->model();
-        for (const QString& name : patterns) {
+        for (const QString& name : patterns.split(' ')) {
             const QModelIndexList found = model->match(model->index(0, 0), Qt::DisplayRole, name, 1, Qt::MatchExactly);
             dlg->list()->selectionModel()->select(found.value(0), QItemSelectionModel::Select);
         }

@@ -11,7 +11,6 @@
 #include <iterator>
 
 #include "guifixture.h"
-#include "sandboxedtestmain.h"
 
 using namespace guitest;
 
@@ -29,7 +28,7 @@ QByteArray summary(const Tool& t)
 class RandomEditor
 {
 public:
-    RandomEditor(VokGUI& gui, quint32 seed, bool trace) : gui_(gui), rng_(seed), trace_(trace)
+    RandomEditor(VokGUI& gui, quint32 seed) : gui_(gui), rng_(seed)
     {
         for (WaveData* wave : std::as_const(gui.document()->waves))
             loaded_.insert(wave);
@@ -45,12 +44,8 @@ public:
             const int pick = int(rng_.bounded(100));
             const int op = int(std::upper_bound(std::begin(upTo), std::end(upTo), pick) - std::begin(upTo));
             pushes = 1;
-            const QString what = apply(op, pushes);
-            if (!what.isEmpty()) {
-                if (trace_)
-                    qInfo().noquote() << what;
+            if (const QString what = apply(op, pushes); !what.isEmpty())
                 return what;
-            }
         }
     }
 
@@ -200,7 +195,6 @@ private:
 
     VokGUI& gui_;
     QRandomGenerator rng_;
-    bool trace_;
     QSet<const WaveData*> loaded_;
 };
 
@@ -213,16 +207,13 @@ class TestRandomEdits : public QObject
 private Q_SLOTS:
     void undoRedoRestoresText_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<quint32>("seed");
-        QTest::addColumn<int>("steps");
+        addColumns<QString, quint32, int>({"file", "seed", "steps"});
         const QByteArray fixed = qgetenv("VOK_RANDOMEDITS_SEED");
-        bool stepsOk = false;
-        const int steps = qEnvironmentVariableIntValue("VOK_RANDOMEDITS_STEPS", &stepsOk);
+        const int steps = qEnvironmentVariableIntValue("VOK_RANDOMEDITS_STEPS");
         const QList<quint32> seeds = fixed.isEmpty() ? QList<quint32>{1, 2, 3, 20240611} : QList<quint32>{fixed.toUInt()};
         for (const char* file : {"counter.wdl", "cpu_bus.wdl"}) {
             for (quint32 seed : seeds)
-                QTest::addRow("%s seed %u", file, seed) << QString::fromLatin1(file) << seed << (stepsOk ? steps : 300);
+                QTest::addRow("%s seed %u", file, seed) << QString::fromLatin1(file) << seed << (steps > 0 ? steps : 300);
         }
     }
 
@@ -238,11 +229,14 @@ private Q_SLOTS:
         // states[i]: the document with i commands on the stack; made[i]: what pushed command i.
         QList<QByteArray> states{summary(t)};
         QStringList made{QString()};
-        RandomEditor editor(*t.gui, seed, !qEnvironmentVariableIsEmpty("VOK_RANDOMEDITS_SEED"));
+        RandomEditor editor(*t.gui, seed);
+        const bool trace = !qEnvironmentVariableIsEmpty("VOK_RANDOMEDITS_SEED");
         for (int step = 0; step < steps; ++step) {
             int expected = 0;
             const int before = stack->count();
             const QString where = QStringLiteral("%1, step %2: %3").arg(replay).arg(step).arg(editor.step(expected));
+            if (trace)
+                qInfo().noquote() << where;
             QVERIFY2(stack->count() == before + expected && stack->index() == stack->count(),
                      qPrintable(QStringLiteral("%1: %2 commands pushed, %3 expected")
                                     .arg(where).arg(stack->count() - before).arg(expected)));

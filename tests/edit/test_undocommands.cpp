@@ -3,7 +3,6 @@
 
 #include "guifixture.h"
 #include "wavekind.h"
-#include "sandboxedtestmain.h"
 
 using namespace guitest;
 
@@ -19,16 +18,6 @@ const QByteArray kF = "f[3:0] { B I Default NRZ 0 1 50 } = 1 10(1 10 2 10)##;";
 const QByteArray kDoc = wdl({kPat, kA, kB, kC, kD, kE, kF});
 const QStringList kAll{"$pat", "a", "b", "c", "d[3:0]", "e", "f[3:0]"};
 
-WaveData* newWave(const QString& name, const QList<QPair<const char*, int>>& segments)
-{
-    auto* w = new WaveData(name);
-    w->polarity = WaveKind::Input;
-    w->waveType = WaveType::NRZ;
-    for (const auto& s : segments)
-        w->addData(new Pattern(s.first, s.second));
-    return w;
-}
-
 } // namespace
 
 class TestUndoCommands : public QObject
@@ -39,16 +28,18 @@ private Q_SLOTS:
     void typeChangeToPatternOutlivesUndoOfTheAdd()
     {
         Window t(kDoc);
-        t->undoStack()->push(new AddWaveCommand(newWave(QStringLiteral("x"), {{"1", 7}}), t.gui.get()));
-        WaveData* live = t.wave(QStringLiteral("x"));
+        WaveData* x = snapshotOf(t.wave("c"));
+        x->name = "x";
+        t->undoStack()->push(new AddWaveCommand(x, t.gui.get()));
+        WaveData* live = t.wave("x");
         // What the Waveform Properties view does before it pushes.
         live->polarity = WaveKind::Pattern;
         live->isPattern = true;
-        live->name = QStringLiteral("$x");
+        live->name = "$x";
         t->undoStack()->push(new NodeParaCommand(live, WaveKind::Input, 0, t.gui.get()));
-        QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, kE, kF, "$x = 1 7;"}));
+        QCOMPARE(t.saved(), wdl({kPat, kA, kB, kC, kD, kE, kF, "$x = 0 100;"}));
         t->undoStack()->undo();
-        QCOMPARE(t->waveList()->itemModel()->item(t->waveList()->rowOf(live))->text(), QStringLiteral("$x I"));
+        QCOMPARE(t->waveList()->itemModel()->item(t->waveList()->rowOf(live))->text(), "$x I");
         // The add no longer finds "x": the document keeps "$x" yet turns dirty.
         t->ResetDirtyBit();
         t->undoStack()->undo();
@@ -59,7 +50,7 @@ private Q_SLOTS:
     void delWaveReinsertsAtRecordedPositions()
     {
         Window t(kDoc);
-        t->setActiveWave(t.wave(QStringLiteral("a")));
+        t->setActiveWave(t.wave("a"));
         t->undoStack()->push(new DelWaveCommand({t.wave("a"), t.wave("c")}, t.gui.get()));
         QCOMPARE(t.listRows(), (QStringList{"$pat", "b", "d[3:0]", "e", "f[3:0]"}));
         QVERIFY(!t->activeWave());
@@ -71,10 +62,11 @@ private Q_SLOTS:
         QCOMPARE(t.saved(), wdl({kPat, kA, kB, kD, kC, kE, kF}));
         QCOMPARE(t.listRows(), t.docOrder());
         // A wave of no document is appended; an empty list still turns dirty.
-        std::unique_ptr<WaveData> stranger(newWave(QStringLiteral("zz"), {{"0", 1}}));
+        std::unique_ptr<WaveData> stranger(snapshotOf(t.wave("c")));
+        stranger->name = "zz";
         t->undoStack()->push(new DelWaveCommand({stranger.get()}, t.gui.get()));
         t->undoStack()->undo();
-        QCOMPARE(t.docOrder().last(), QStringLiteral("zz"));
+        QCOMPARE(t.docOrder().last(), "zz");
         t->undoStack()->push(new DelWaveCommand({}, t.gui.get()));
         t->ResetDirtyBit();
         t->undoStack()->undo();
@@ -83,10 +75,7 @@ private Q_SLOTS:
 
     void foreverUndoRestoresWhatRedoMerged_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("index");
-        QTest::addColumn<QByteArray>("redone");
-        QTest::addColumn<QByteArray>("undone");
+        addColumns<QString, int, QByteArray, QByteArray>({"name", "index", "redone", "undone"});
         // A bus keeps equal neighbours apart until an edit merges them.
         QTest::newRow("bus tail off") << "f[3:0]" << -1 << QByteArray("f[3:0] { B I Default NRZ 0 1 50 } = 1 20 2 10;")
                                       << kF;
@@ -113,7 +102,7 @@ private Q_SLOTS:
     void editPatternFindsTheWaveByName()
     {
         Window t(kDoc);
-        WaveData* a = t.wave(QStringLiteral("a"));
+        WaveData* a = t.wave("a");
         std::unique_ptr<WaveData> before(snapshotOf(a));
         a->patterns[1]->value = "0";
         t->mergeAfterEdit(a);
@@ -128,7 +117,7 @@ private Q_SLOTS:
         t->undoStack()->redo();
         QCOMPARE(t.saved(), edited);
         // Gone for good: nothing to restore, and nothing turns dirty.
-        t->removeWave(t.wave(QStringLiteral("a")));
+        t->removeWave(t.wave("a"));
         t->ResetDirtyBit();
         t->undoStack()->undo();
         QVERIFY(!t->isModified());
@@ -137,7 +126,7 @@ private Q_SLOTS:
     void cutPatternDropsSurplusFromTheSelection()
     {
         Window t(kDoc);
-        WaveData* a = t.wave(QStringLiteral("a"));
+        WaveData* a = t.wave("a");
         std::unique_ptr<WaveData> before(snapshotOf(a));
         for (int i : {2, 1}) {
             Pattern* p = a->patterns[i];
@@ -156,15 +145,15 @@ private Q_SLOTS:
     void nodeParaKeepsOnlyThirtyTwoBitsOfOffset()
     {
         Window t(kDoc);
-        WaveData* b = t.wave(QStringLiteral("b"));
+        WaveData* b = t.wave("b");
         b->polarity = WaveKind::Bidir;
         b->offset = (quint64(1) << 31) + 5;
         t->undoStack()->push(new NodeParaCommand(b, WaveKind::Output, 0, t.gui.get()));
         QCOMPARE(t.line("b"), QByteArray("b { A B Default NRZ 18446744071562067973 1 50 } = 1 5 0 5;"));
-        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), QStringLiteral("b B"));
+        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), "b B");
         t->ResetDirtyBit();
         t->undoStack()->undo();
-        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), QStringLiteral("b O"));
+        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), "b O");
         QVERIFY(t->isModified());
     }
 
@@ -172,17 +161,17 @@ private Q_SLOTS:
     {
         // With b hidden, row 2 is c, which sits at document position 3.
         Window t(kDoc);
-        t->undoStack()->push(new HideWaveCommand(t.wave(QStringLiteral("b")), t.gui.get()));
-        WaveData* a = t.wave(QStringLiteral("a"));
+        t->undoStack()->push(new HideWaveCommand(t.wave("b"), t.gui.get()));
+        WaveData* a = t.wave("a");
         t->undoStack()->push(new moveWaveCommand(a, 1, 2, t.gui.get()));
         const QStringList moved{"$pat", "b", "c", "a", "d[3:0]", "e", "f[3:0]"};
         QCOMPARE(t.docOrder(), moved);
         QCOMPARE(t.listRows(), (QStringList{"$pat", "c", "a", "d[3:0]", "e", "f[3:0]"}));
         // Removed and put back, the wave is found again by its name.
-        t->undoStack()->push(new DelWaveCommand({t.wave(QStringLiteral("b")), a}, t.gui.get()));
+        t->undoStack()->push(new DelWaveCommand({t.wave("b"), a}, t.gui.get()));
         t->undoStack()->undo();
         QCOMPARE(t.docOrder(), moved);
-        QVERIFY(!t.wave(QStringLiteral("b"))->visible);
+        QVERIFY(!t.wave("b")->visible);
         t->undoStack()->undo();
         QCOMPARE(t.docOrder(), kAll);
         QCOMPARE(t.listRows(), (QStringList{"$pat", "a", "c", "d[3:0]", "e", "f[3:0]"}));
