@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QPaintEngine>
 #include <QPainter>
+#include <QTextLayout>
 
 #include <tuple>
 
@@ -16,7 +17,8 @@ LineBatch::LineBatch(QPainter& painter, int& count, bool direct, const QColor& d
       painter_(painter),
       count_(count),
       direct_(direct),
-      raster_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Raster)
+      raster_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Raster),
+      glyphRuns_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Pdf)
 {
     const QString texts[] = {QStringLiteral("X"), QStringLiteral("Z"), QStringLiteral("0")};
     for (int i = 0; i < 3; ++i) {
@@ -28,6 +30,7 @@ LineBatch::LineBatch(QPainter& painter, int& count, bool direct, const QColor& d
 void LineBatch::line(int layer, const QColor& color, int width, int x1, int y1, int x2, int y2)
 {
     if (direct_) {
+        drawLetters();
         painter_.setPen(QPen(color, width));
         painter_.drawLine(x1, y1, x2, y2);
         ++count_;
@@ -109,6 +112,7 @@ void LineBatch::line(int layer, const QColor& color, int width, int x1, int y1, 
 void LineBatch::styledLine(int layer, const QPen& pen, int x1, int y1, int x2, int y2)
 {
     flush(layer);
+    drawLetters();
     painter_.setPen(pen);
     painter_.drawLine(x1, y1, x2, y2);
     ++count_;
@@ -135,6 +139,7 @@ void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRec
         return;
     }
     flush(layer);
+    drawLetters();
     painter_.setPen(pen);
     painter_.setBrush(brush);
     painter_.drawRect(r);
@@ -150,6 +155,7 @@ void LineBatch::cloneBlock(int layer, int x, int y, int width, int height)
     if (!direct_ && (width == 0 || height == 0))
         return;
     flush(layer);
+    drawLetters();
     drawCloneBlock(painter_, x, y, width, height);
     ++count_;
 }
@@ -182,6 +188,7 @@ void LineBatch::setTextColor(const QColor& color)
 void LineBatch::text(int layer, const QColor& color, int x, int y, const QString& text)
 {
     flush(layer);
+    drawLetters();
     setTextColor(color);
     painter_.drawText(x, y, text);
     ++count_;
@@ -194,17 +201,56 @@ void LineBatch::letter(int layer, const QColor& color, int x, int y, Letter whic
         return;
     }
     flush(layer);
-    setTextColor(color);
-    QStaticText& prepared = letters_[which];
-    if (ascent_ == 0) {
-        ascent_ = QFontMetricsF(painter_.font()).ascent();
-        for (QStaticText& t : letters_)
-            t.prepare(QTransform(), painter_.font());
+    if (ascent_ == 0)
+        prepareLetters();
+    if (glyphRuns_) {
+        if (!pendingGlyphs_.isEmpty() && pendingColor_ != color)
+            drawLetters();
+        pendingColor_ = color;
+        const QGlyphRun& glyph = glyphs_[which];
+        pendingGlyphs_.append(glyph.glyphIndexes().constFirst());
+        pendingPositions_.append(QPointF(x, y - ascent_) + glyph.positions().constFirst());
+        ++count_;
+        return;
     }
+    setTextColor(color);
     // Placed by its top; the font's exact ascent puts the baseline at y, on
     // the very pixels drawText gives.
-    painter_.drawStaticText(QPointF(x, y - ascent_), prepared);
+    painter_.drawStaticText(QPointF(x, y - ascent_), letters_[which]);
     ++count_;
+}
+
+void LineBatch::prepareLetters()
+{
+    ascent_ = QFontMetricsF(painter_.font()).ascent();
+    for (int i = 0; i < 3; ++i) {
+        letters_[i].prepare(QTransform(), painter_.font());
+        if (!glyphRuns_)
+            continue;
+        QTextLayout layout(letters_[i].text(), painter_.font(), painter_.device());
+        layout.beginLayout();
+        layout.createLine();
+        layout.endLayout();
+        const QList<QGlyphRun> runs = layout.glyphRuns();
+        // A font without the letter leaves it out, as drawing its text would.
+        if (runs.isEmpty() || runs.constFirst().glyphIndexes().isEmpty())
+            glyphRuns_ = false;
+        else
+            glyphs_[i] = runs.constFirst();
+    }
+}
+
+void LineBatch::drawLetters()
+{
+    if (pendingGlyphs_.isEmpty())
+        return;
+    pending_ = glyphs_[0];
+    pending_.setGlyphIndexes(pendingGlyphs_);
+    pending_.setPositions(pendingPositions_);
+    setTextColor(pendingColor_);
+    painter_.drawGlyphRun(QPointF(0, 0), pending_);
+    pendingGlyphs_.clear();
+    pendingPositions_.clear();
 }
 
 void LineBatch::flush(int layer)
@@ -216,6 +262,7 @@ void LineBatch::flush(int layer)
 void LineBatch::flush(Layer& l)
 {
     if (!l.lines.empty()) {
+        drawLetters();
         if (l.merge && l.width == 1)
             fillStraight(l);
         if (!l.lines.empty()) {
@@ -272,6 +319,7 @@ void LineBatch::flushAll()
 {
     for (Layer& l : layers_)
         flush(l);
+    drawLetters();
 }
 
 } // namespace kesu::toolvok

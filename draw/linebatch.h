@@ -10,6 +10,7 @@
 
 #include <QBrush>
 #include <QColor>
+#include <QGlyphRun>
 #include <QLine>
 #include <QPen>
 #include <QRect>
@@ -154,6 +155,10 @@ private:
     void flush(Layer& l);
     void fillStraight(Layer& l);
     void setTextColor(const QColor& color);
+    void prepareLetters();
+    // Letters in a row of one colour, drawn as one run of glyphs before
+    // anything else is drawn.
+    void drawLetters();
 
     QPainter& painter_;
     int& count_;
@@ -164,6 +169,14 @@ private:
     std::vector<QRect> rects_;
     QStaticText letters_[3];
     qreal ascent_ = 0;
+    // A PDF or SVG engine lays out static text anew at every call; it gets
+    // the letters' glyphs, shaped once per paint, instead.
+    bool glyphRuns_;
+    QGlyphRun glyphs_[3];
+    QGlyphRun pending_;
+    QColor pendingColor_;
+    QList<quint32> pendingGlyphs_;
+    QList<QPointF> pendingPositions_;
 };
 
 } // namespace kesu::toolvok

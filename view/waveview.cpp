@@ -51,7 +51,7 @@ WavePaintSetup WaveView::paintSetup() const
     setup.vp = view();
     setup.style = owner_->rowStyle(font());
     setup.guideline = owner_->showGuideline();
-    setup.direct = property("directPaint").toBool();
+    setup.direct = directPaint_;
     setup.width = width();
     setup.height = height();
     return setup;

@@ -27,6 +27,10 @@ class WaveData;
 class WaveView : public QWidget
 {
     Q_OBJECT
+    // For tests and benchmarks: draw every primitive on its own, the
+    // reference picture; force a number of bands (reset: the view decides).
+    Q_PROPERTY(bool directPaint MEMBER directPaint_)
+    Q_PROPERTY(int paintBands MEMBER forcedBands_ RESET resetPaintBands)
 public:
     static constexpr int RowHeight = Viewport::RowHeight;
     static constexpr int PixelsPerStep = Viewport::PixelsPerStep;
@@ -103,6 +107,9 @@ private:
 
     // How many primitives the last paint drew.
     int primitives_ = 0;
+    bool directPaint_ = false;
+    int forcedBands_ = 0;
+    void resetPaintBands() { forcedBands_ = 0; }
     // Counted by every paint, as the rows above the view leave them.
     int hiddenCount = 0;
     int rowIndex = 0;
@@ -112,7 +119,7 @@ private:
     // The shown waves from the first visible row down to the bottom edge.
     std::vector<ShownWave> shownWaves(const WavePaintSetup& setup);
     // How many bands the paint runs side by side: 1 unless the view is
-    // crowded (the property "paintBands" sets it for tests).
+    // crowded, or as many as forced.
     int bandCount(const WavePaintSetup& setup, const std::vector<ShownWave>& shown) const;
     void paintBands(QPainter& painter, const WavePaintSetup& setup, const std::vector<ShownWave>& shown, int bands);
 };

@@ -32,13 +32,26 @@ qint64 segmentsInView(const WaveData& wave, quint64 start, quint64 end)
     return wave.firstSegmentEndingAfter(end) - wave.firstSegmentEndingAfter(start);
 }
 
+// Each band's first wave (an index into shown), cut by rows so that bands
+// hold about as many rows.
+std::vector<int> bandStarts(const std::vector<WaveView::ShownWave>& shown, int bands)
+{
+    const int firstRow = shown.front().row;
+    const int rows = shown.back().row + 1 - firstRow;
+    std::vector<int> starts;
+    for (size_t i = 0; i < shown.size(); ++i) {
+        if (starts.empty() || shown[i].row - firstRow >= rows * int(starts.size()) / bands)
+            starts.push_back(int(i));
+    }
+    return starts;
+}
+
 } // namespace
 
 int WaveView::bandCount(const WavePaintSetup& setup, const std::vector<ShownWave>& shown) const
 {
-    const QVariant forced = property("paintBands");
-    if (forced.isValid())
-        return qBound(1, forced.toInt(), qMax(1, int(shown.size())));
+    if (forcedBands_ > 0)
+        return qBound(1, forcedBands_, qMax(1, int(shown.size())));
     if (setup.direct || shown.size() < 2)
         return 1;
     const int cores = qMin(MaxBands, QThread::idealThreadCount());
@@ -54,14 +67,7 @@ int WaveView::bandCount(const WavePaintSetup& setup, const std::vector<ShownWave
 void WaveView::paintBands(QPainter& painter, const WavePaintSetup& setup, const std::vector<ShownWave>& shown,
                           int bands)
 {
-    // Waves split by their rows, so that bands hold about as many rows.
-    const int firstRow = shown.front().row;
-    const int rows = shown.back().row + 1 - firstRow;
-    std::vector<int> starts;   // index into shown of each band's first wave
-    for (size_t i = 0; i < shown.size(); ++i) {
-        if (starts.empty() || shown[i].row - firstRow >= rows * int(starts.size()) / bands)
-            starts.push_back(int(i));
-    }
+    const std::vector<int> starts = bandStarts(shown, bands);
     // The waves' start-time indexes fill in lazily on first use: fill them
     // here, before the bands read them side by side.
     for (const ShownWave& s : shown)
