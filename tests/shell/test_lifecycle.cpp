@@ -64,9 +64,7 @@ private Q_SLOTS:
         QVERIFY(edited.contains("\nrst_n { A I Default NRZ 0 1 50 } = 0 25 1 375 0 100;\n"));
         const int n = VokGUI::untitledCounter();
 
-        QList<Answer> answers;
-        if (answer)
-            answers << press(QMessageBox::StandardButton(answer));
+        QList<Answer> answers = answer ? QList<Answer>{press(QMessageBox::StandardButton(answer))} : QList<Answer>();
         if (command == QLatin1String("open"))
             answers.prepend(choose(m_other));
         ModalAnswerer answerer(answers);
@@ -124,32 +122,27 @@ private Q_SLOTS:
         QCOMPARE(gui->title(), QStringLiteral("Untitled %1").arg(n + 1));
     }
 
+    // Save of an untitled document is a save as; cancelled, nothing is saved. A named
+    // document's save as starts at its own file and leaves the original alone; one that
+    // cannot write keeps the name and title it had. Untitled, even unmodified, closing
+    // asks; Yes means choosing a name.
     void saveAs()
     {
         const auto untitled = openTool();
-        const QString first = m_dir.filePath(QStringLiteral("first.wdl"));
-        {   // Save of an untitled document is a save as; cancelled, nothing is saved.
-            ModalAnswerer answerer({dismiss(), choose(first)});
-            QVERIFY(!untitled->onSave());
-            QVERIFY(untitled->fullFileName().isEmpty());
-            QVERIFY(untitled->onSave());
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.said(), (QStringList{"Save Waveform File", "Save Waveform File"}));
-            QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
-        }
-        QCOMPARE(untitled->title(), QStringLiteral("first.wdl"));
-        QCOMPARE(readFile(first), savedText(*untitled));
-
-        // A named document's save as starts at its own file and leaves the original
-        // alone; one that cannot write keeps the name and title it had. Untitled, even
-        // unmodified, closing asks; Yes means choosing a name.
         const auto gui = openTool(m_file);
         const auto closing = openTool();
         appendSegment(*gui, QStringLiteral("oe_n"), 420);
+        const QString first = m_dir.filePath(QStringLiteral("first.wdl"));
         const QString copy = m_dir.filePath(QStringLiteral("copy.wdl"));
         const QString nowhere = m_dir.filePath(QStringLiteral("no_such_folder/x.wdl"));
         const QString named = m_dir.filePath(QStringLiteral("named_on_close.wdl"));
-        ModalAnswerer answerer({choose(copy), choose(nowhere), press(QMessageBox::Ok), press(QMessageBox::Yes), choose(named)});
+        ModalAnswerer answerer({dismiss(), choose(first), choose(copy), choose(nowhere), press(QMessageBox::Ok),
+                                press(QMessageBox::Yes), choose(named)});
+        QVERIFY(!untitled->onSave());
+        QVERIFY(untitled->fullFileName().isEmpty());
+        QVERIFY(untitled->onSave());
+        QCOMPARE(untitled->title(), QStringLiteral("first.wdl"));
+        QCOMPARE(readFile(first), savedText(*untitled));
         gui->sharedAction(QStringLiteral("save as"))->trigger();
         QVERIFY(readFile(copy).contains("\noe_n { A I Default NRZ 0 1 50 } = 0 360 1 40 0 20;\n"));
         QCOMPARE(readFile(copy), savedText(*gui));
@@ -161,8 +154,10 @@ private Q_SLOTS:
         QCOMPARE(gui->fullFileName() + gui->title(), copy + QStringLiteral("copy.wdl*"));
         QVERIFY(closing->close());
         VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.seen[0].preselected, m_file);
-        QCOMPARE(answerer.seen[2].text, QStringLiteral("Cannot open waveform file ") + nowhere);
+        QCOMPARE(answerer.said().mid(0, 2), (QStringList{"Save Waveform File", "Save Waveform File"}));
+        QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
+        QCOMPARE(answerer.seen[2].preselected, m_file);
+        QCOMPARE(answerer.seen[4].text, QStringLiteral("Cannot open waveform file ") + nowhere);
         QCOMPARE(readFile(named), savedText(*closing));
     }
 
