@@ -1,37 +1,8 @@
 // The document's life in a stand-alone window, the dialogs answered as a user would.
-#include "vokgui.h"
 #include "baseusrsettings.h"
-#include "wavedata.h"
-#include "waveformdata.h"
-#include "wavelstview.h"
-#include "wavewriter.h"
+#include "shelltest.h"
 
-#include <QAction>
-#include <QDir>
-#include <QFile>
-#include <QSignalSpy>
 #include <QStatusBar>
-#include <QTemporaryDir>
-#include <QTimer>
-#include <QtTest>
-
-#include "modalanswerer.h"
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
-
-using namespace kesu::toolvok;
-using namespace toolfixture;
-
-namespace {
-
-void setAutoSaveIndex(int index)
-{
-    BaseUsrSettings settings(QStringLiteral("WAVE_EDITOR"));
-    settings.setValue(QStringLiteral("auto_save"), QString::number(index));
-    settings.settings().sync();
-}
-
-} // namespace
 
 class TestLifecycle : public QObject
 {
@@ -41,12 +12,17 @@ class TestLifecycle : public QObject
     QString m_file;   // a copy of counter.wdl, fresh for every test
     QString m_other;  // a copy of cpu_bus.wdl
     QByteArray m_original;
-    QString m_project;
+
+    static void setAutoSaveIndex(int index)
+    {
+        BaseUsrSettings settings(QStringLiteral("WAVE_EDITOR"));
+        settings.setValue(QStringLiteral("auto_save"), QString::number(index));
+        settings.settings().sync();
+    }
 
 private Q_SLOTS:
     void init()
     {
-        QVERIFY(m_dir.isValid());
         m_file = m_dir.filePath(QStringLiteral("counter.wdl"));
         m_other = m_dir.filePath(QStringLiteral("cpu_bus.wdl"));
         QVERIFY(copyWritable(exampleFile(QStringLiteral("counter.wdl")), m_file));
@@ -61,17 +37,17 @@ private Q_SLOTS:
         QTest::addColumn<QString>("command");
         QTest::addColumn<int>("answer");
         QTest::addColumn<bool>("saved");
-        QTest::addColumn<QString>("fileAfter");   // "same", "other" or "none"
+        QTest::addColumn<QString>("fileAfter");   // none: an empty untitled document
         QTest::addColumn<bool>("modifiedAfter");
         const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel;
-        QTest::newRow("close, cancel") << "close" << cancel << false << "same" << true;
-        QTest::newRow("close, yes saves and stays") << "close" << yes << true << "same" << false;
-        QTest::newRow("save asks nothing") << "save" << 0 << true << "same" << false;
-        QTest::newRow("close, no") << "close" << no << false << "none" << false;
-        QTest::newRow("window, cancel") << "window" << cancel << false << "same" << true;
-        QTest::newRow("window, no") << "window" << no << false << "same" << false;
-        QTest::newRow("open, cancel still opens") << "open" << cancel << false << "other" << false;
-        QTest::newRow("new, yes") << "new" << yes << true << "none" << false;
+        QTest::newRow("close, cancel") << "close" << cancel << false << "counter.wdl" << true;
+        QTest::newRow("close, yes saves and stays") << "close" << yes << true << "counter.wdl" << false;
+        QTest::newRow("save asks nothing") << "save" << 0 << true << "counter.wdl" << false;
+        QTest::newRow("close, no") << "close" << no << false << "" << false;
+        QTest::newRow("window, cancel") << "window" << cancel << false << "counter.wdl" << true;
+        QTest::newRow("window, no") << "window" << no << false << "counter.wdl" << false;
+        QTest::newRow("open, cancel still opens") << "open" << cancel << false << "cpu_bus.wdl" << false;
+        QTest::newRow("new, yes") << "new" << yes << true << "" << false;
     }
     void saveQuestion()
     {
@@ -88,9 +64,7 @@ private Q_SLOTS:
         QVERIFY(edited.contains("\nrst_n { A I Default NRZ 0 1 50 } = 0 25 1 375 0 100;\n"));
         const int n = VokGUI::untitledCounter();
 
-        QList<Answer> answers;
-        if (answer)
-            answers << press(QMessageBox::StandardButton(answer));
+        QList<Answer> answers = answer ? QList<Answer>{press(QMessageBox::StandardButton(answer))} : QList<Answer>();
         if (command == QLatin1String("open"))
             answers.prepend(choose(m_other));
         ModalAnswerer answerer(answers);
@@ -105,6 +79,8 @@ private Q_SLOTS:
         VERIFY_ANSWERED(answerer);
         QCOMPARE(answerer.said().mid(command == QLatin1String("open")),
                  answer ? QStringList{"Do you want to save your changes?"} : QStringList());
+        const Seen question = answerer.seen.value(command == QLatin1String("open"));
+        QVERIFY(!answer || (question.icon == QMessageBox::Question && question.buttons == (QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)));
 
         QCOMPARE(readFile(m_file), saved ? edited : m_original);
         if (saved)   // read back, the file is the document saved
@@ -115,103 +91,74 @@ private Q_SLOTS:
             QCOMPARE(gui.sharedAction(QStringLiteral("save"))->isEnabled(), modifiedAfter);
             QCOMPARE(gui.windowTitle().endsWith(QLatin1Char('*')), modifiedAfter);
         }
-        if (fileAfter == QLatin1String("same")) {
-            QCOMPARE(gui.fullFileName(), m_file);
-        } else if (fileAfter == QLatin1String("other")) {
-            QCOMPARE(gui.fullFileName(), m_other);
+        QCOMPARE(gui.fullFileName(), fileAfter.isEmpty() ? QString() : m_dir.filePath(fileAfter));
+        if (command == QLatin1String("open"))
             QCOMPARE(savedText(gui), writerTextOfFile(m_other));
-        } else {
-            QVERIFY(gui.fullFileName().isEmpty());
-            QVERIFY(gui.document()->waves.isEmpty());
-            QVERIFY(!gui.autoSaveTimer()->isActive());
-            if (command == QLatin1String("new"))
-                QCOMPARE(gui.title(), QStringLiteral("Untitled %1").arg(n));
-        }
+        if (fileAfter.isEmpty())
+            QVERIFY(gui.document()->waves.isEmpty() && !gui.autoSaveTimer()->isActive());
+        if (command == QLatin1String("new"))
+            QCOMPARE(gui.title(), QStringLiteral("Untitled %1").arg(n));
     }
 
-    void openAndNewWithoutQuestions()
+    // Only an untitled document is offered for saving first; the dialog starts
+    // in the working folder, then where the last file came from.
+    void openAndNew()
     {
         const int n = VokGUI::untitledCounter();
-        VokGUI gui(nullptr, QStringList(), m_project, true);
-        QVERIFY(gui.initialize());
-        QCOMPARE(gui.title(), QStringLiteral("Untitled %1").arg(n));
-        {   // Untitled, even unmodified, it is offered for saving; the dialog starts in the working folder.
-            ModalAnswerer answerer({choose(m_file), press(QMessageBox::No)});
-            gui.fileOpen();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.said(), (QStringList{"Open Existing Waveform File", "Do you want to save your changes?"}));
-            QCOMPARE(answerer.seen[0].directory, QDir::currentPath());
-        }
-        // Opened this way the short name is the whole path.
-        QCOMPARE(gui.title(), m_file);
-        {   // Cancelled: nothing changes; the dialog now starts where the last file came from.
-            ModalAnswerer answerer({dismiss()});
-            gui.fileOpen();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.seen[0].directory, m_dir.path());
-            QCOMPARE(gui.fullFileName(), m_file);
-        }
-        {   // Named and unmodified: no question; New takes the next number.
-            ModalAnswerer answerer({choose(m_other)});
-            gui.fileOpen();
-            gui.fileNew();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(gui.title(), QStringLiteral("Untitled %1").arg(n + 1));
-        }
+        const auto gui = openTool();
+        QCOMPARE(gui->title(), QStringLiteral("Untitled %1").arg(n));
+        ModalAnswerer answerer({choose(m_file), press(QMessageBox::No), dismiss(), choose(m_other)});
+        gui->fileOpen();
+        QCOMPARE(gui->title(), m_file);   // opened this way the short name is the whole path
+        gui->fileOpen();
+        QCOMPARE(gui->fullFileName(), m_file);
+        gui->fileOpen();
+        gui->fileNew();
+        VERIFY_ANSWERED(answerer);
+        const QString open = QStringLiteral("Open Existing Waveform File");
+        QCOMPARE(answerer.said(), (QStringList{open, "Do you want to save your changes?", open, open}));
+        QCOMPARE(answerer.seen[0].directory, QDir::currentPath());
+        QCOMPARE(answerer.seen[2].directory, m_dir.path());
+        QCOMPARE(gui->title(), QStringLiteral("Untitled %1").arg(n + 1));
     }
 
+    // Save of an untitled document is a save as; cancelled, nothing is saved. A named
+    // document's save as starts at its own file and leaves the original alone; one that
+    // cannot write keeps the name and title it had. Untitled, even unmodified, closing
+    // asks; Yes means choosing a name.
     void saveAs()
     {
-        VokGUI untitled(nullptr, QStringList(), m_project, true);
-        QVERIFY(untitled.initialize());
+        const auto untitled = openTool();
+        const auto gui = openTool(m_file);
+        const auto closing = openTool();
+        appendSegment(*gui, QStringLiteral("oe_n"), 420);
         const QString first = m_dir.filePath(QStringLiteral("first.wdl"));
-        {   // Save of an untitled document is a save as; cancelled, nothing is saved.
-            ModalAnswerer answerer({dismiss(), choose(first)});
-            QVERIFY(!untitled.onSave());
-            QVERIFY(untitled.fullFileName().isEmpty());
-            QVERIFY(untitled.onSave());
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.said(), (QStringList{"Save Waveform File", "Save Waveform File"}));
-            QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
-        }
-        QCOMPARE(untitled.title(), QStringLiteral("first.wdl"));
-        QCOMPARE(readFile(first), savedText(untitled));
-
-        // A named document's save as starts at its own file and leaves the original alone.
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        QVERIFY(gui.initialize());
-        appendSegment(gui, QStringLiteral("oe_n"), 420);
         const QString copy = m_dir.filePath(QStringLiteral("copy.wdl"));
-        {
-            ModalAnswerer answerer({choose(copy)});
-            gui.sharedAction(QStringLiteral("save as"))->trigger();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.seen[0].preselected, m_file);
-        }
+        const QString nowhere = m_dir.filePath(QStringLiteral("no_such_folder/x.wdl"));
+        const QString named = m_dir.filePath(QStringLiteral("named_on_close.wdl"));
+        ModalAnswerer answerer({dismiss(), choose(first), choose(copy), choose(nowhere), press(QMessageBox::Ok),
+                                press(QMessageBox::Yes), choose(named)});
+        QVERIFY(!untitled->onSave());
+        QVERIFY(untitled->fullFileName().isEmpty());
+        QVERIFY(untitled->onSave());
+        QCOMPARE(untitled->title(), QStringLiteral("first.wdl"));
+        QCOMPARE(readFile(first), savedText(*untitled));
+        gui->sharedAction(QStringLiteral("save as"))->trigger();
         QVERIFY(readFile(copy).contains("\noe_n { A I Default NRZ 0 1 50 } = 0 360 1 40 0 20;\n"));
-        QCOMPARE(readFile(copy), savedText(gui));
+        QCOMPARE(readFile(copy), savedText(*gui));
         QCOMPARE(readFile(m_file), m_original);
-        QCOMPARE(gui.windowTitle(), "Waveform Editor (Stand-alone) - " + copy);
-        QVERIFY(!gui.isModified());
-
-        {   // A save as that cannot write keeps the name and title it had.
-            gui.SetDirtyBit();
-            const QString nowhere = m_dir.filePath(QStringLiteral("no_such_folder/x.wdl"));
-            ModalAnswerer answerer({choose(nowhere), press(QMessageBox::Ok)});
-            QVERIFY(!gui.fileSaveAs());
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.seen[1].text, QStringLiteral("Cannot open waveform file ") + nowhere);
-            QCOMPARE(gui.fullFileName() + gui.title(), copy + QStringLiteral("copy.wdl*"));
-        }
-        {   // Untitled, even unmodified, closing asks; Yes means choosing a name.
-            VokGUI closing(nullptr, QStringList(), m_project, true);
-            QVERIFY(closing.initialize());
-            const QString named = m_dir.filePath(QStringLiteral("named_on_close.wdl"));
-            ModalAnswerer answerer({press(QMessageBox::Yes), choose(named)});
-            QVERIFY(closing.close());
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(readFile(named), savedText(closing));
-        }
+        QCOMPARE(gui->windowTitle(), "Waveform Editor (Stand-alone) - " + copy);
+        QVERIFY(!gui->isModified());
+        gui->SetDirtyBit();
+        QVERIFY(!gui->fileSaveAs());
+        QCOMPARE(gui->fullFileName() + gui->title(), copy + QStringLiteral("copy.wdl*"));
+        QVERIFY(closing->close());
+        VERIFY_ANSWERED(answerer);
+        QCOMPARE(answerer.said().mid(0, 2), (QStringList{"Save Waveform File", "Save Waveform File"}));
+        QCOMPARE(answerer.seen[1].directory, QDir::currentPath());
+        QCOMPARE(answerer.seen[2].preselected, m_file);
+        QCOMPARE(answerer.seen[4].text, QStringLiteral("Cannot open waveform file ") + nowhere);
+        QCOMPARE(readFile(named), savedText(*closing));
     }
 
     // A file read only in part opens read-only, says why, and is never saved over.
@@ -219,69 +166,22 @@ private Q_SLOTS:
     {
         const QByteArray text = "w { A I Default NRZ 0 1 50 } = 0 5;\n\nw { A I Default NRZ 0 1 50 } = 0 5;\n";
         QVERIFY(writeFile(m_file, text));
-        VokGUI gui(nullptr, QStringList(), m_project, true);
-        QVERIFY(gui.initialize());
-        {
-            ModalAnswerer answerer({choose(m_file), press(QMessageBox::No), press(QMessageBox::Ok)});
-            gui.fileOpen();
-            VERIFY_ANSWERED(answerer);
-            QVERIFY2(answerer.said().value(2).contains("line 2: the reading stops at this empty line"),
-                     qPrintable(answerer.said().value(2)));
-            QCOMPARE(answerer.seen.value(2).icon, QMessageBox::Critical);
-        }
-        QVERIFY(gui.isReadOnly());
-        QCOMPARE(gui.document()->waves.first()->patterns.size(), 1);   // what came before the problem
-        gui.onActivated();
-        QVERIFY(gui.isReadOnly());
-        {
-            ModalAnswerer answerer({choose(m_file), press(QMessageBox::Ok)});
-            QVERIFY(!gui.fileSaveAs());
-            VERIFY_ANSWERED(answerer);
-            QVERIFY2(answerer.said().value(1).contains("not saved over"), qPrintable(answerer.said().value(1)));
-        }
+        const auto gui = openTool();
+        ModalAnswerer answerer({choose(m_file), press(QMessageBox::No), press(QMessageBox::Ok), choose(m_file),
+                                press(QMessageBox::Ok)});
+        gui->fileOpen();
+        QVERIFY(gui->isReadOnly());
+        QCOMPARE(gui->document()->waves.first()->patterns.size(), 1);   // what came before the problem
+        gui->onActivated();
+        QVERIFY(gui->isReadOnly());
+        QVERIFY(!gui->fileSaveAs());
+        VERIFY_ANSWERED(answerer);
+        const QStringList said = answerer.said();
+        QVERIFY2(said.value(2).contains("line 2: the reading stops at this empty line"), qPrintable(said.value(2)));
+        QCOMPARE(answerer.seen.value(2).icon, QMessageBox::Critical);
+        QVERIFY2(said.value(4).contains("not saved over"), qPrintable(said.value(4)));
         QCOMPARE(readFile(m_file), text);
-        QCOMPARE(gui.fullFileName(), m_file);
-    }
-
-    void changesOnDisk()
-    {
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        QVERIFY(gui.initialize());
-        const QByteArray shown = savedText(gui);
-        // Another program writes a different document, a minute later.
-        QVERIFY(writeFile(m_file, readFile(m_other)));
-        QVERIFY(touchLater(m_file, 60));
-        {   // No keeps the shown version, modified, and asks no second time. Yes:
-            // test_diskevents changedWhileActive, through the same check.
-            ModalAnswerer answerer({press(QMessageBox::No)});
-            gui.onActivated();
-            gui.onActivated();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.said(), QStringList{"The file was modified by another program. Do you want to reload it?"});
-            QCOMPARE(savedText(gui), shown);
-            QVERIFY(gui.isModified());
-        }
-
-        // Deleted: asked once per tool; No keeps it open and named, Yes closes the window.
-        VokGUI drop(nullptr, QStringList{m_file}, m_project, true);
-        QVERIFY(drop.initialize());
-        drop.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&drop));
-        QVERIFY(QFile::remove(m_file));
-        {
-            ModalAnswerer answerer({press(QMessageBox::No), press(QMessageBox::Yes)});
-            gui.onActivated();
-            gui.onActivated();
-            drop.onActivated();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.seen[0].title, QStringLiteral("Close non-existing file"));
-            const QString gone = QStringLiteral("The file \"%1\" doesn't exist any more. Close it?").arg(m_file);
-            QCOMPARE(answerer.said(), QStringList(2, gone));
-        }
-        QCOMPARE(gui.fullFileName(), m_file);
-        QVERIFY(!gui.closedByHost());
-        QVERIFY(!drop.isVisible());
-        QVERIFY(drop.closedByHost());
+        QCOMPARE(gui->fullFileName(), m_file);
     }
 
     // The stored index picks the interval (0 and 2: test_settings); the timer
@@ -299,25 +199,23 @@ private Q_SLOTS:
         QFETCH(int, index);
         QFETCH(int, interval);
         setAutoSaveIndex(index);
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        QVERIFY(gui.initialize());
-        QTimer* timer = gui.autoSaveTimer();
+        const auto gui = openTool(m_file);
+        QTimer* timer = gui->autoSaveTimer();
         QCOMPARE(timer->isActive() ? timer->interval() : 0, interval);
         if (!interval)
             return;
-        appendSegment(gui, QStringLiteral("rst_n"), 500);
-        QSignalSpy saved(&gui, &BasGUITool::sigFileSaved);
+        appendSegment(*gui, QStringLiteral("rst_n"), 500);
+        QSignalSpy saved(gui.get(), &BasGUITool::sigFileSaved);
         ModalAnswerer answerer({});
         timer->start(1);
         QVERIFY(saved.wait(5000));
-        QCOMPARE(readFile(m_file), savedText(gui));
-        QVERIFY(!gui.isModified());
-        QCOMPARE(gui.statusBar()->currentMessage(), QStringLiteral("Auto saving..."));
+        QCOMPARE(readFile(m_file), savedText(*gui));
+        QVERIFY(!gui->isModified() && timer->isActive());
+        QCOMPARE(gui->statusBar()->currentMessage(), QStringLiteral("Auto saving..."));
         QCOMPARE(timer->interval(), interval);
-        QVERIFY(timer->isActive());
 
-        gui.changeReadonlyMode(true);
-        gui.SetDirtyBit();
+        gui->changeReadonlyMode(true);
+        gui->SetDirtyBit();
         timer->start(1);
         QTest::qWait(100);
         QCOMPARE(saved.size(), 1);

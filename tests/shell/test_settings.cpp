@@ -1,25 +1,28 @@
-// What the editor remembers between runs, and the Options dialog.
+// What the editor remembers between runs, the Options dialog, recent files,
+// dropped documents, progress with Cancel, and colours following the palette.
 #include "basehelp.h"
 #include "editdlg.h"
+#include "exportwaveforms.h"
 #include "optionsdlg.h"
 #include "patterndlg.h"
+#include "progressgate.h"
+#include "recentfiles.h"
+#include "shelltest.h"
 #include "wavedatadlg.h"
 
-#include "modalanswerer.h"
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
-
-#include <QAction>
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QDir>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPrinter>
+#include <QProgressDialog>
 #include <QSettings>
 #include <QSplitter>
+#include <QStatusBar>
 #include <QToolButton>
-
-using namespace kesu::toolvok;
 
 // Name list width, radix, auto-save, guide line, docks shown, colours 1 to 7.
 static QString state(VokGUI& gui)
@@ -39,12 +42,29 @@ class TestSettings : public QObject
     QTemporaryDir dir_;
     const QString ini_ = qEnvironmentVariable("XDG_CONFIG_HOME") + "/Vostranelle/WAVE_EDITOR.ini";
 
-    std::unique_ptr<VokGUI> tool(bool titled = true)
+    // The splitter has its real sizes only once the window is laid out.
+    std::unique_ptr<VokGUI> tool(bool titled = true) { return openShown(titled ? doc("doc.wdl", 0) : QString(), QSize(1200, 700)); }
+
+    // `waves` waves of 1,000 pulses (600: about 3 MB, read in several pieces).
+    QString doc(const QString& name, int waves = 1)
     {
-        const QString doc = dir_.filePath("doc.wdl");
-        const bool named = titled && toolfixture::writeFile(doc, "%ENDTIME = 9;\n");
-        // The splitter has its real sizes only once the window is laid out.
-        return toolfixture::openShown(named ? doc : QString(), QSize(1200, 700));
+        const QString path = dir_.filePath(name);
+        QByteArray text = "%ENDTIME = 10000;\n";
+        for (int i = 0; i < waves; ++i)
+            text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } =" + QByteArray(" 0 5 1 5").repeated(500) + ";\n";
+        if (!QFileInfo::exists(path) && !writeFile(path, text))
+            qWarning("cannot write %s", qPrintable(path));
+        return path;
+    }
+    // The recent files the menu offers, by base name.
+    static QString entries(QMenu* menu)
+    {
+        Q_EMIT menu->aboutToShow();
+        QStringList names;
+        for (QAction* a : menu->actions())
+            if (!a->data().toString().isEmpty())
+                names << QFileInfo(a->data().toString()).completeBaseName();
+        return names.join(' ');
     }
 
 private Q_SLOTS:
@@ -76,7 +96,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, file);
         QVERIFY(QDir().mkpath(file == "/" ? ini_ : QFileInfo(ini_).path()));
-        QVERIFY(file.size() < 2 || toolfixture::writeFile(ini_, file));
+        QVERIFY(file.size() < 2 || writeFile(ini_, file));
         auto first = tool();
         QTEST(state(*first), "expected");
         const QList<int> sizes = first->splitter()->sizes();
@@ -87,7 +107,7 @@ private Q_SLOTS:
         first.reset();
         if (file == "/")
             return;
-        QVERIFY(toolfixture::readFile(ini_).contains("auto_save=2\nbus_radix=3\n"));
+        QVERIFY(readFile(ini_).contains("auto_save=2\nbus_radix=3\n"));
         auto next = tool();
         QTEST(state(*next), "next");
     }
@@ -135,7 +155,164 @@ private Q_SLOTS:
         QTEST(gui->autoSaveTimer()->isActive() ? gui->autoSaveTimer()->interval() : 0, "interval");
         QCOMPARE(gui->autoSaveTimer()->remainingTime() > left, autoSave == 2);
     }
+
+    // Newest first, at most eight, a deleted one taken off with a note; below
+    // Open; the same in a second window; Clear empties it.
+    void recentFilesMenu_data()
+    {
+        QTest::addColumn<QString>("opened");
+        QTest::addColumn<QString>("deleted");
+        QTest::addColumn<QString>("menu");
+        QTest::newRow("newest first, once") << "a b a" << "" << "a b start";
+        QTest::newRow("at most eight") << "0 1 2 3 4 5 6 7 8" << "" << "8 7 6 5 4 3 2 1";
+        QTest::newRow("missing taken off") << "a gone c" << "gone" << "c a start";
+    }
+    void recentFilesMenu()
+    {
+        QFETCH(QString, opened);
+        QFETCH(QString, deleted);
+        QFETCH(QString, menu);
+        auto gui = openTool(doc("start.wdl"));
+        for (const QString& name : opened.split(' '))
+            gui->openFile(doc(name + ".wdl"));
+        const QString gone = deleted.isEmpty() ? QString() : dir_.filePath(deleted + ".wdl");
+        QVERIFY(gone.isEmpty() || QFile::remove(gone));
+        QCOMPARE(entries(gui->recentFilesMenu()), menu);
+        QCOMPARE(gui->statusBar()->currentMessage().section(": ", 1), gone);
+        const QList<QAction*> file = gui->menuBar()->actions().first()->menu()->actions();
+        QCOMPARE(file.indexOf(gui->recentFilesMenu()->menuAction()), file.indexOf(gui->sharedAction("open")) + 1);
+        QCOMPARE(entries(openTool()->recentFilesMenu()), menu);
+        gui->recentFilesMenu()->actions().last()->trigger();   // Clear Recent Files
+        QCOMPARE(entries(gui->recentFilesMenu()), QString());
+    }
+
+    // What is dropped, whether the window takes it, what it then shows.
+    void dropDocument_data()
+    {
+        QTest::addColumn<QStringList>("dropped");
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("document") << QStringList{"drop.wdl"} << 0 << "drop.wdl";
+        QTest::newRow("upper-case suffix") << QStringList{"DROP.WDL"} << 0 << "DROP.WDL";
+        QTest::newRow("text file") << QStringList{"notes.txt"} << 0 << "start.wdl";
+        QTest::newRow("folder named .wdl") << QStringList{"dir.wdl"} << 0 << "start.wdl";
+        QTest::newRow("first of several") << QStringList{"notes.txt", "drop.wdl", "b.wdl"} << 0 << "drop.wdl";
+        QTest::newRow("unsaved, not saved") << QStringList{"drop.wdl"} << int(QMessageBox::No) << "drop.wdl";
+    }
+    void dropDocument()
+    {
+        QFETCH(QStringList, dropped);
+        QFETCH(int, answer);
+        QFETCH(QString, shown);
+        QVERIFY(QDir(dir_.path()).mkpath("dir.wdl"));
+        auto gui = openTool(doc("start.wdl"));
+        if (answer)
+            gui->SetDirtyBit();
+        QMimeData data;
+        for (const QString& name : dropped)
+            data.setUrls(data.urls() << QUrl::fromLocalFile(name.endsWith(".txt") || name == "dir.wdl" ? dir_.filePath(name) : doc(name)));
+        ModalAnswerer answerer(answer ? QList<Answer>{press(QMessageBox::StandardButton(answer))} : QList<Answer>());
+        QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(gui.get(), &enter);
+        QCOMPARE(enter.isAccepted(), shown != "start.wdl");
+        QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        if (enter.isAccepted())
+            QCoreApplication::sendEvent(gui.get(), &drop);
+        QTRY_COMPARE(gui->fullFileName(), dir_.filePath(shown));
+        VERIFY_ANSWERED(answerer);
+        QCOMPARE(answerer.said(), answer ? QStringList{"Do you want to save your changes?"} : QStringList());
+    }
+
+    // Open cancelled keeps document, changes and recent files; print cancelled leaves no file.
+    void longWorkWithProgress_data()
+    {
+        QTest::addColumn<QString>("work");
+        QTest::addColumn<bool>("cancel");
+        QTest::newRow("open, cancelled") << "open" << true;
+        QTest::newRow("open, run through") << "open" << false;
+        QTest::newRow("print, cancelled") << "print" << true;
+    }
+    void longWorkWithProgress()
+    {
+        QFETCH(QString, work);
+        QFETCH(bool, cancel);
+        const QString big = doc("big.wdl", 600);
+        auto gui = openTool(work == "print" ? big : doc("start.wdl"));
+        auto answerer = cancel && work == "open" ? std::make_unique<ModalAnswerer>(QList<Answer>{press(QMessageBox::No)}) : nullptr;
+        if (answerer)
+            gui->SetDirtyBit();
+        bool shown = false;
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, [&] {
+            if (auto* dialog = gui->findChild<QProgressDialog*>("progressGate"); dialog && dialog->isVisible()) {
+                shown = true;
+                if (cancel)
+                    dialog->cancel();
+            }
+        });
+        watch.start(0);
+        ProgressGate::delayMs = 0;
+        QPrinter printer(QPrinter::ScreenResolution);
+        printer.setOutputFileName(dir_.filePath("big.pdf"));
+        gui->printSettings().timeScale = 200;
+        if (work == "open")
+            gui->openFile(big);
+        else
+            gui->PreviewPages(&printer);
+        ProgressGate::delayMs = 500;
+        QVERIFY(shown);
+        if (answerer)
+            VERIFY_ANSWERED(*answerer);
+        const bool kept = cancel && work == "open";
+        QCOMPARE(gui->fullFileName(), kept ? dir_.filePath("start.wdl") : big);
+        QCOMPARE(gui->document()->waves.size(), kept ? 1 : 600);
+        QCOMPARE(gui->isModified(), kept);
+        QCOMPARE(entries(gui->recentFilesMenu()).section(' ', 0, 0), kept ? "start" : "big");
+        QVERIFY(!QFileInfo::exists(dir_.filePath("big.pdf")));
+    }
+
+    // A stopped export returns 2 and leaves the output as it was.
+    void exportWithProgress_data()
+    {
+        QTest::addColumn<int>("stopAt");   // the call that answers false; 0 never
+        QTest::addColumn<int>("result");
+        QTest::newRow("stopped reading") << 1 << 2;
+        QTest::newRow("stopped writing") << 4 << 2;
+        QTest::newRow("run through") << 0 << 0;
+    }
+    void exportWithProgress()
+    {
+        QFETCH(int, stopAt);
+        const QString output = dir_.filePath("big.vcd");
+        QVERIFY(writeFile(output, "before"));
+        QByteArray args[] = {"-vcd", doc("big.wdl", 600).toLocal8Bit(), "-out=" + output.toLocal8Bit()};
+        char* argv[] = {args[0].data(), args[1].data(), args[2].data()};
+        int calls = 0;
+        QTEST(ExportWaveforms(3, argv, [&](qint64, qint64) { return ++calls != stopAt; }), "result");
+        QVERIFY(stopAt ? calls == stopAt : calls >= 4);
+        QCOMPARE(readFile(output) == "before", stopAt != 0);
+    }
+
+    // A dark palette darkens the colours the user left alone; only a chosen one is stored.
+    void colorsFollowThePalette()
+    {
+        const QPalette light = QApplication::palette();
+        auto gui = openTool();
+        QCOMPARE(gui->color_back, light.color(QPalette::Base));
+        gui->applyColors({QColor(), QColor(), QColor(), QColor(), QColor(), QColor(), QColor(Qt::green)});
+        QPalette dark = light;
+        dark.setColor(QPalette::Base, QColor(30, 30, 34));
+        dark.setColor(QPalette::Text, QColor(220, 220, 220));
+        QApplication::setPalette(dark);
+        QCOMPARE(gui->colors().mid(1), (QList<QColor>{QColor(30, 30, 34), QColor(220, 220, 220), QColor(90, 90, 100),
+                 QColor(90, 160, 255), QColor(90, 160, 255), QColor(Qt::green), QColor(150, 150, 150)}));
+        QApplication::setPalette(light);
+        QCOMPARE(gui->color_back, light.color(QPalette::Base));
+        gui.reset();
+        QVERIFY(readFile(ini_).contains("color_x=") && !readFile(ini_).contains("color_back="));
+    }
 };
 
 VOK_SANDBOXED_TEST_MAIN(TestSettings)
+
 #include "test_settings.moc"

@@ -1,31 +1,56 @@
 // The tool window's contract with the host: names, titles, wiring, command
-// availability, message boxes, help, and further windows from New and Open.
-#include "vokgui.h"
+// availability, help that lands everywhere, and further windows from New and Open.
 #include "basehelp.h"
 #include "editdlg.h"
 #include "patterndlg.h"
+#include "shelltest.h"
 #include "toolhost.h"
 #include "wavedatadlg.h"
-#include "wavedata.h"
-#include "wavelstview.h"
-#include "waveformdata.h"
 #include "waveview.h"
-#include "wavewriter.h"
 
-#include <QAction>
+#include <QDirIterator>
 #include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QSettings>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QtTest>
+#include <QToolBar>
 
-#include "modalanswerer.h"
-#include "sandboxedtestmain.h"
-#include "toolfixture.h"
+namespace {
 
-using namespace kesu::toolvok;
-using namespace toolfixture;
+QString textOf(const QString& path) { return QString::fromUtf8(readFile(path)); }
+
+QStringList literalsIn(const QString& text)
+{
+    QStringList found;
+    for (const QRegularExpressionMatch& m : QRegularExpression(QStringLiteral("\"(\\w+)\"")).globalMatch(text))
+        found << m.captured(1);
+    return found;
+}
+
+// "page#section": the page exists and marks the section by name or id.
+bool resolves(const QString& location)
+{
+    const QString text = textOf(location.section(QLatin1Char('#'), 0, 0));
+    const QString section = location.section(QLatin1Char('#'), 1);
+    return !text.isEmpty() && (section.isEmpty() || text.contains(QStringLiteral("name=\"%1\"").arg(section))
+                               || text.contains(QStringLiteral("id=\"%1\"").arg(section)));
+}
+
+void collectActions(const QList<QAction*>& actions, QList<QAction*>& out)
+{
+    for (QAction* a : actions) {
+        if (a->isSeparator() || out.contains(a))
+            continue;
+        out << a;
+        // The recent files are the user's documents, not commands.
+        if (a->menu() && a->menu()->objectName() != QLatin1String("recentFilesMenu"))
+            collectActions(a->menu()->actions(), out);
+    }
+}
+
+} // namespace
 
 class TestToolWindow : public QObject
 {
@@ -33,15 +58,13 @@ class TestToolWindow : public QObject
 
     QTemporaryDir m_dir;
     QString m_file;
-    QString m_project;
 
-    ToolHost::Factory hostedTools()
+    static ToolHost::Factory hostedTools()
     {
-        return [this](const QStringList& files) -> BasGUITool* {
-            auto* tool = new VokGUI(nullptr, files, m_project, false);
-            tool->initialize();
+        return [](const QStringList& files) -> BasGUITool* {
+            auto tool = openTool(files.value(0), false);
             tool->resize(800, 500);
-            return tool;
+            return tool.release();
         };
     }
 
@@ -64,29 +87,27 @@ private Q_SLOTS:
     void namesTitlesAndModes()
     {
         // A quoted name, as shells and hosts pass paths with spaces.
-        VokGUI gui(nullptr, QStringList{QLatin1Char('"') + m_file + QLatin1Char('"')}, m_project, true);
-        QVERIFY(gui.initialize());
+        const auto gui = openTool(QLatin1Char('"') + m_file + QLatin1Char('"'));
         const QString title = QStringLiteral("Waveform Editor (Stand-alone) - ") + m_file;
-        QCOMPARE((QStringList{gui.windowTitle(), gui.fullFileName(), gui.fileName(), gui.getVirtualFileName()}),
+        QCOMPARE((QStringList{gui->windowTitle(), gui->fullFileName(), gui->fileName(), gui->getVirtualFileName()}),
                  (QStringList{title, m_file, QStringLiteral("counter.wdl"), m_file}));
-        QVERIFY(!gui.document()->waves.isEmpty());
-        QVERIFY(gui.getModifiedFileList().isEmpty());
-        gui.SetDirtyBit();
-        gui.SetDirtyBit();   // never two marks
-        QCOMPARE(gui.windowTitle(), title + QLatin1Char('*'));
-        QCOMPARE(gui.getModifiedFileList(), QStringList{m_file});
-        QVERIFY(gui.needToBeClosed(11, 0));
-        QVERIFY(!gui.needToBeClosed(10, 0));
+        QVERIFY(!gui->document()->waves.isEmpty());
+        QVERIFY(gui->getModifiedFileList().isEmpty());
+        gui->SetDirtyBit();
+        gui->SetDirtyBit();   // never two marks
+        QCOMPARE(gui->windowTitle(), title + QLatin1Char('*'));
+        QCOMPARE(gui->getModifiedFileList(), QStringList{m_file});
+        QVERIFY(gui->needToBeClosed(11, 0));
+        QVERIFY(!gui->needToBeClosed(10, 0));
 
         // Hosted, a missing file opens untitled, with nothing on disk to name.
-        VokGUI hosted(nullptr, QStringList{m_dir.filePath(QStringLiteral("missing.wdl"))}, m_project, false);
-        hosted.initialize();
-        QVERIFY(hosted.windowTitle().startsWith(QStringLiteral("Waveform Editor - Untitled ")));
-        hosted.SetDirtyBit();
-        QVERIFY(hosted.getModifiedFileList().isEmpty());
+        const auto hosted = openTool(m_dir.filePath(QStringLiteral("missing.wdl")), false);
+        QVERIFY(hosted->windowTitle().startsWith(QStringLiteral("Waveform Editor - Untitled ")));
+        hosted->SetDirtyBit();
+        QVERIFY(hosted->getModifiedFileList().isEmpty());
         // The host wires by name: shared actions, and signatures that exist on the tool.
-        const QMetaObject* meta = hosted.metaObject();
-        for (const Connection* c : *hosted.activeConnections()) {
+        const QMetaObject* meta = hosted->metaObject();
+        for (const Connection* c : *hosted->activeConnections()) {
             const bool toolSends = c->sender.isNull();
             const QString own = toolSends ? c->signal : c->slot;
             const QByteArray norm = QMetaObject::normalizedSignature(own.mid(1).toLatin1().constData());
@@ -140,8 +161,7 @@ private Q_SLOTS:
     // What the user's steps make available, and what read-only takes away and gives back.
     void availability()
     {
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        gui.initialize();
+        const auto gui = openTool(m_file);
         // Wave, marker and editing commands; shared save as, undo, redo, save, cut, paste.
         auto enabled = [&gui] {
             QString states;
@@ -149,85 +169,128 @@ private Q_SLOTS:
                                VokGUI::ActHideMarker, VokGUI::ActJumpMarker, -1, VokGUI::ActEditMode, VokGUI::ActNewWave,
                                VokGUI::ActImportWave, VokGUI::ActShowWave, VokGUI::ActRemoveWave, VokGUI::ActTimeSettings, -1};
             for (int id : ids)
-                states += id < 0 ? ' ' : gui.action(id)->isEnabled() ? '1' : '0';
+                states += id < 0 ? ' ' : gui->action(id)->isEnabled() ? '1' : '0';
             for (const char* name : {"save as", "undo", "redo", "save", "cut", "paste"})
-                states += gui.sharedAction(QLatin1String(name))->isEnabled() ? '1' : '0';
+                states += gui->sharedAction(QLatin1String(name))->isEnabled() ? '1' : '0';
             return states;
         };
         QCOMPARE(enabled(), QString("0000 00 111111 100000"));
-        gui.waveList()->setCurrentIndex(gui.waveList()->itemModel()->index(1, 0));
+        gui->waveList()->setCurrentIndex(gui->waveList()->itemModel()->index(1, 0));
         QCOMPARE(enabled(), QString("1111 00 111111 100000"));
-        gui.action(VokGUI::ActPlaceMarker)->trigger();
+        gui->action(VokGUI::ActPlaceMarker)->trigger();
         QCOMPARE(enabled(), QString("1111 11 111111 100000"));
         // An edit, its segment selected and copied.
-        gui.action(VokGUI::ActEditMode)->setChecked(true);
-        WaveData* wave = gui.waveList()->waveAt(1);
-        gui.addEditData(wave->getEndTime() + 10);
-        gui.selection() = {wave->patterns.last()};
-        gui.copyData();
-        gui.onEditDataChanged();
+        gui->action(VokGUI::ActEditMode)->setChecked(true);
+        WaveData* wave = gui->waveList()->waveAt(1);
+        gui->addEditData(wave->getEndTime() + 10);
+        gui->selection() = {wave->patterns.last()};
+        gui->copyData();
+        gui->onEditDataChanged();
         QCOMPARE(enabled(), QString("1111 11 111111 110111"));
-        gui.changeReadonlyMode(true);
+        gui->changeReadonlyMode(true);
         QCOMPARE(enabled(), QString("1111 11 000000 000000"));
-        QVERIFY(!gui.action(VokGUI::ActEditMode)->isChecked() && gui.selection().isEmpty());
+        QVERIFY(!gui->action(VokGUI::ActEditMode)->isChecked() && gui->selection().isEmpty());
         // Nothing the tool does meanwhile offers editing again.
-        gui.selection() = {wave->patterns.last()};
-        gui.onEditDataChanged();
-        gui.onUndoChanged(true);
-        gui.SetDirtyBit();
+        gui->selection() = {wave->patterns.last()};
+        gui->onEditDataChanged();
+        gui->onUndoChanged(true);
+        gui->SetDirtyBit();
         QCOMPARE(enabled(), QString("1111 11 000000 000000"));
         // Back in query mode: no selection to cut, nothing to paste onto.
-        gui.changeReadonlyMode(false);
+        gui->changeReadonlyMode(false);
         QCOMPARE(enabled(), QString("1111 11 111111 110100"));
-    }
-
-    void messageBoxes()
-    {
-        using Show = QMessageBox::StandardButton (*)(const QString&, QWidget*);
-        const QMessageBox::StandardButtons ok = QMessageBox::Ok, ync = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-        const std::tuple<Show, QMessageBox::Icon, QMessageBox::StandardButtons> boxes[] = {
-            {&VokGUI::showerrormsg, QMessageBox::Critical, ok}, {&VokGUI::showconfirmmsg, QMessageBox::Question, ync},
-            {&VokGUI::showwarnmsg, QMessageBox::Warning, ok}, {&VokGUI::showmsg, QMessageBox::Information, ok}};
-        for (const auto& [show, icon, buttons] : boxes) {
-            const auto answer = buttons == ok ? QMessageBox::Ok : QMessageBox::Cancel;
-            ModalAnswerer answerer({press(answer)});
-            QWidget parent;
-            QCOMPARE(show(QStringLiteral("some text"), &parent), answer);
-            VERIFY_ANSWERED(answerer);
-            const Seen& box = answerer.seen[0];
-            QCOMPARE((QStringList{box.title, box.text}), (QStringList{"Waveform Editor", "some text"}));
-            QVERIFY(box.icon == icon && box.buttons == buttons);
-        }
     }
 
     void helpFromKeysAndMenus()
     {
-        VokGUI gui(nullptr, QStringList{m_file}, m_project, true);
-        gui.initialize();
+        const auto gui = openTool(m_file);
         auto f1 = [](QObject* target) {
             QKeyEvent event(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
             QCoreApplication::sendEvent(target, &event);
         };
         const QString main = QStringLiteral(":/help/waveform_editor.html");
-        f1(gui.waveView());
+        f1(gui->waveView());
         QCOMPARE(BaseHelp::currentPage(), main + QStringLiteral("#wave_display"));
         QVERIFY(BaseHelp::helpWindow()->isVisible());
-        f1(&gui);
+        f1(gui.get());
         QCOMPARE(BaseHelp::currentPage(), main);
         // Each dock has its own page.
-        const QList<std::pair<QDockWidget*, const char*>> docks{{gui.editDlg(), "pulse_property"},
-            {gui.waveDataDlg(), "waveform_property"}, {gui.patternDlg(), "insert_pattern"}};
+        const QList<std::pair<QDockWidget*, const char*>> docks{{gui->editDlg(), "pulse_property"},
+            {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}};
         for (const auto& [dock, page] : docks) {
             f1(dock->widget()->findChildren<QWidget*>().last());
             QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/%1.html").arg(QLatin1String(page)));
         }
         BaseHelp::helpWindow()->hide();
-        gui.sharedAction(QStringLiteral("help"))->trigger();
+        gui->sharedAction(QStringLiteral("help"))->trigger();
         QVERIFY(BaseHelp::helpWindow()->isVisible());
         // What's-this texts are the marked sections of the pages.
         QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
                  QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
         BaseHelp::helpWindow()->hide();
+    }
+
+    // The topic of every help call in the sources (a literal, or a name defined
+    // in that file), and every link of every page.
+    void everyPlaceResolves_data()
+    {
+        QTest::addColumn<QString>("location");
+        QTest::newRow("main") << BaseHelp::locationOf(QStringLiteral("WAVE_EDITOR"));
+        const QRegularExpression call(QStringLiteral("(?:open\\w*HelpUrl|getWhatsThisText)\\(\\s*([^,;]*)"));
+        for (const char* dir : {"host", "shell", "edit", "view"}) {
+            QDirIterator files(QStringLiteral(VOK_SOURCE_DIR "/") + QLatin1String(dir), {QStringLiteral("*.cpp")});
+            while (files.hasNext()) {
+                const QString source = textOf(files.next());
+                for (const QRegularExpressionMatch& m : call.globalMatch(source)) {
+                    QStringList topics = literalsIn(m.captured(1));
+                    const QString name = m.captured(1).section(QLatin1Char('('), -1).remove(QLatin1Char(')')).trimmed();
+                    if (topics.isEmpty() && !name.isEmpty())
+                        topics = literalsIn(QRegularExpression(QStringLiteral("\\b%1\\s*=([^;]*);").arg(name)).match(source).captured(1));
+                    topics.removeDuplicates();
+                    for (const QString& topic : std::as_const(topics))
+                        QTest::addRow("%s %s", qPrintable(files.fileName()), qPrintable(topic)) << BaseHelp::locationOf(topic);
+                }
+            }
+        }
+        QDirIterator pages(QStringLiteral(":/help"), {QStringLiteral("*.html")});
+        int count = 0;
+        for (; pages.hasNext(); ++count) {
+            const QString page = pages.next();
+            for (const QRegularExpressionMatch& m : QRegularExpression(QStringLiteral("href=\"([^\"]*)\"")).globalMatch(textOf(page))) {
+                const QString target = m.captured(1);
+                QTest::addRow("%s -> %s", qPrintable(pages.fileName()), qPrintable(target))
+                    << (target.startsWith(QLatin1Char('#')) ? page : QStringLiteral(":/help/")) + target;
+            }
+        }
+        QVERIFY(count >= 17);
+    }
+    void everyPlaceResolves()
+    {
+        QFETCH(QString, location);
+        QVERIFY2(resolves(location), qPrintable(location));
+    }
+
+    // Menus and tool bars of a real window against the command and shortcut pages.
+    void everyCommandAndShortcutDescribed()
+    {
+        auto gui = laidOutTool();
+        QList<QAction*> actions;
+        // The menus' own titles are no commands.
+        for (QAction* menu : gui->menuBar()->actions())
+            collectActions(menu->menu()->actions(), actions);
+        for (QToolBar* bar : gui->findChildren<QToolBar*>())
+            collectActions(bar->actions(), actions);
+        QVERIFY(actions.size() > 40);
+        const QString commands = textOf(QStringLiteral(":/help/commands.html"));
+        const QString shortcuts = textOf(QStringLiteral(":/help/shortcuts.html"));
+        for (QAction* a : std::as_const(actions)) {
+            const QString name = QString(a->text()).remove(QLatin1Char('&'));
+            QVERIFY2(commands.contains(QStringLiteral("<b>%1</b>").arg(name.toHtmlEscaped())), qPrintable(name));
+            // The main key; a desktop may add alternatives of its own.
+            const QString keyText = a->shortcut().toString(QKeySequence::PortableText);
+            const QRegularExpression entry(QStringLiteral("(>|/ )%1( /|<)").arg(QRegularExpression::escape(keyText)));
+            QVERIFY2(keyText.isEmpty() || entry.match(shortcuts).hasMatch(), qPrintable(name + QLatin1Char(' ') + keyText));
+        }
     }
 
     void newAndOpenBringFurtherWindows()
@@ -237,13 +300,11 @@ private Q_SLOTS:
         const int n = VokGUI::untitledCounter();
         auto* first = qobject_cast<VokGUI*>(host.open({}));
         QVERIFY(first && first->isVisible() && !first->isStandalone());
-        {   // Nothing is asked: the first document is not being closed.
-            ModalAnswerer answerer({choose(m_file)});
-            first->sharedAction(QStringLiteral("new"))->trigger();
-            first->fileOpen();
-            VERIFY_ANSWERED(answerer);
-            QCOMPARE(answerer.seen.size(), 1);
-        }
+        // Nothing is asked: the first document is not being closed.
+        ModalAnswerer answerer({choose(m_file), choose(m_file)});
+        first->sharedAction(QStringLiteral("new"))->trigger();
+        first->fileOpen();
+        QVERIFY(answerer.problems.isEmpty() && answerer.seen.size() == 1);
         QCOMPARE(host.tools().size(), 3);
         auto* second = qobject_cast<VokGUI*>(host.tools().at(1));
         QCOMPARE(second->windowTitle(), QStringLiteral("Waveform Editor - Untitled %1").arg(n + 1));
@@ -256,11 +317,8 @@ private Q_SLOTS:
         // The same file asked for from another window: its window comes to the front.
         second->activateWindow();
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(second));
-        {
-            ModalAnswerer answerer({choose(m_file)});
-            second->sharedAction(QStringLiteral("open"))->trigger();
-            VERIFY_ANSWERED(answerer);
-        }
+        second->sharedAction(QStringLiteral("open"))->trigger();
+        VERIFY_ANSWERED(answerer);
         QCOMPARE(raised.size(), 1);
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(shown));
         // Other spellings of the same file find it too; minimised, it comes back.

@@ -106,7 +106,6 @@ class Doc
     QTemporaryDir dir_;
 
 protected:
-    QString project_;
     QString path() const { return dir_.filePath(QStringLiteral("doc.wdl")); }
     explicit Doc(const QByteArray& text)
     {
@@ -246,11 +245,7 @@ public:
 class Tool : public Doc
 {
 public:
-    explicit Tool(const QByteArray& text) : Doc(text)
-    {
-        gui = std::make_unique<VokGUI>(nullptr, QStringList{path()}, project_, true);
-        gui->initialize();
-    }
+    explicit Tool(const QByteArray& text) : Doc(text) { gui = toolfixture::openTool(path()); }
 };
 
 } // namespace guitest

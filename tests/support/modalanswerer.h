@@ -52,7 +52,6 @@ public:
         connect(&m_poll, &QTimer::timeout, this, &ModalAnswerer::poll);
         m_poll.start(10);
     }
-    ~ModalAnswerer() override { m_poll.stop(); }
 
     QList<Seen> seen;
     QStringList problems;
@@ -70,65 +69,56 @@ private:
     void poll()
     {
         QWidget* modal = QApplication::activeModalWidget();
-        if (!modal)
-            return;
-        if (modal == m_current) {
-            if (!m_pendingPath.isEmpty())
-                chooseFile(qobject_cast<QFileDialog*>(modal));
+        if (modal && modal == m_current) {
+            chooseFile(qobject_cast<QFileDialog*>(modal));
             if (m_shown.elapsed() > m_limitMs) {
                 problems << QStringLiteral("still open after %1 ms: %2").arg(m_limitMs).arg(modal->windowTitle());
                 modal->close();
             }
-            return;
+        } else if (modal) {
+            m_current = modal;
+            m_shown.start();
+            m_pendingPath.clear();
+            const bool planned = !m_answers.isEmpty();
+            answer(modal, planned ? m_answers.takeFirst() : dismiss(), planned);
         }
-        m_current = modal;
-        m_shown.start();
-        m_pendingPath.clear();
-        const bool planned = !m_answers.isEmpty();
-        const Answer answer = planned ? m_answers.takeFirst() : dismiss();
+    }
+
+    void answer(QWidget* modal, const Answer& answer, bool planned)
+    {
         Seen s;
         s.title = modal->windowTitle();
-        if (answer.kind == Answer::Act) {
-            seen.append(s);
-            answer.act(modal);
-        } else if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+        auto* box = qobject_cast<QMessageBox*>(modal);
+        auto* files = qobject_cast<QFileDialog*>(modal);
+        auto* input = qobject_cast<QInputDialog*>(modal);
+        if (box && answer.kind != Answer::Act) {
             s.text = box->text();
             s.icon = box->icon();
             s.buttons = box->standardButtons();
-            seen.append(s);
-            if (QAbstractButton* button = answer.kind == Answer::Button ? box->button(answer.button) : nullptr) {
-                button->click();
-            } else {
-                problems << QStringLiteral("no answer for the box \"%1\"").arg(box->text());
-                box->reject();
-            }
-        } else if (auto* dialog = qobject_cast<QFileDialog*>(modal)) {
-            s.filters = dialog->nameFilters();
-            s.directory = dialog->directory().absolutePath();
-            s.preselected = dialog->selectedFiles().value(0);
-            s.acceptMode = dialog->acceptMode();
-            seen.append(s);
-            if (answer.kind == Answer::File) {
-                m_pendingPath = answer.path;
-                chooseFile(dialog);
-            } else {
-                if (!planned || answer.kind != Answer::Dismiss)
-                    problems << QStringLiteral("no answer for the file dialog \"%1\"").arg(s.title);
-                dialog->reject();
-            }
-        } else if (auto* input = qobject_cast<QInputDialog*>(modal)) {
-            seen.append(s);
-            if (answer.kind == Answer::Text) {
-                input->setTextValue(answer.path);
-                input->accept();
-            } else {
-                if (!planned || answer.kind != Answer::Dismiss)
-                    problems << QStringLiteral("no answer for the input dialog \"%1\"").arg(s.title);
-                input->reject();
-            }
+        }
+        if (files) {
+            s.filters = files->nameFilters();
+            s.directory = files->directory().absolutePath();
+            s.preselected = files->selectedFiles().value(0);
+            s.acceptMode = files->acceptMode();
+        }
+        seen.append(s);
+        QAbstractButton* button = box && answer.kind == Answer::Button ? box->button(answer.button) : nullptr;
+        if (answer.kind == Answer::Act) {
+            answer.act(modal);
+        } else if (button) {
+            button->click();
+        } else if (files && answer.kind == Answer::File) {
+            m_pendingPath = answer.path;
+            chooseFile(files);
+        } else if (input && answer.kind == Answer::Text) {
+            input->setTextValue(answer.path);
+            input->accept();
         } else {
-            problems << QStringLiteral("unexpected window \"%1\"").arg(s.title);
-            modal->close();
+            // Only a file or text asked for may be planned away unanswered.
+            if (box || !(files || input) || !planned || answer.kind != Answer::Dismiss)
+                problems << QStringLiteral("no answer for \"%1\"").arg(box ? s.text : s.title);
+            qobject_cast<QDialog*>(modal) ? qobject_cast<QDialog*>(modal)->reject() : void(modal->close());
         }
     }
 
@@ -136,14 +126,14 @@ private:
     // of its own: type the name once it settled, take it when it still shows.
     void chooseFile(QFileDialog* dialog)
     {
-        if (!dialog || m_shown.elapsed() < 100)
+        if (!dialog || m_pendingPath.isEmpty() || m_shown.elapsed() < 100)
             return;
         const QString wanted = QFileInfo(m_pendingPath).absoluteFilePath();
         if (QFileInfo(dialog->selectedFiles().value(0)).absoluteFilePath() != wanted) {
             dialog->selectFile(m_pendingPath);
             // selectFile() leaves a focused name field alone.
             if (auto* name = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit")))
-                name->setText(QFileInfo(m_pendingPath).absoluteFilePath());
+                name->setText(wanted);
             return;
         }
         m_pendingPath.clear();

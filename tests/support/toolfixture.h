@@ -52,27 +52,29 @@ inline void appendSegment(kesu::toolvok::VokGUI& gui, const QString& waveName, q
     gui.addEditData(upTo);
 }
 
+// The file (none: untitled) in a tool window, stand-alone or for a host, never shown.
+inline std::unique_ptr<kesu::toolvok::VokGUI> openTool(const QString& path = {}, bool standalone = true)
+{
+    QString project;
+    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, path.isEmpty() ? QStringList() : QStringList{path},
+                                                       project, standalone);
+    gui->initialize();
+    return gui;
+}
+
 // An untitled tool window, never shown but laid out once so later view sizes stay.
 inline std::unique_ptr<kesu::toolvok::VokGUI> laidOutTool()
 {
-    QString project;
-    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, QStringList{}, project, true);
-    gui->initialize();
+    auto gui = openTool();
     QImage settle(8, 8, QImage::Format_RGB32);
     gui->render(&settle);
     return gui;
 }
 
-// The file (none: untitled) in a stand-alone window, shown and exposed; null, with the reason logged, on failure.
+// As openTool, shown and exposed; null, with the reason logged, on failure.
 inline std::unique_ptr<kesu::toolvok::VokGUI> openShown(const QString& path, QSize size)
 {
-    QString project;
-    auto gui = std::make_unique<kesu::toolvok::VokGUI>(nullptr, path.isEmpty() ? QStringList() : QStringList{path},
-                                                       project, true);
-    if (!gui->initialize()) {
-        qWarning("the tool did not take %s", qPrintable(path));
-        return nullptr;
-    }
+    auto gui = openTool(path);
     gui->resize(size);
     gui->show();
     if (!QTest::qWaitForWindowExposed(gui.get())) {
