@@ -22,10 +22,10 @@ int main(int argc, char** argv)
     const QStringList args = app.arguments();
     if (args.size() != 3)
         return 2;
-    RecoveryCopy::setInterval(50);
     QString project;
     const QStringList files = args[1] == QLatin1String("-") ? QStringList() : QStringList{args[1]};
     auto* gui = new VokGUI(nullptr, files, project, true);
+    gui->findChild<RecoveryCopy*>()->setInterval(50);
     gui->initialize();
     if (files.isEmpty()) {
         auto* wave = new WaveData(QStringLiteral("typed"));

@@ -93,10 +93,10 @@ private Q_SLOTS:
     // A copy is written no sooner and no more often than the interval after a change.
     void interval()
     {
-        RecoveryCopy::setInterval(300);
         int written = 0;
         RecoveryCopy copy([&written] { ++written; return RecoveryCopy::Document{{}, QStringLiteral("t"), {}, "x"}; },
                           nullptr);
+        copy.setInterval(300);
         copy.changed();
         QTest::qWait(100);
         copy.changed();
@@ -108,7 +108,6 @@ private Q_SLOTS:
         QTRY_COMPARE(written, 2);
         copy.discard();
         QVERIFY(QDir(RecoveryCopy::folder()).entryList(QDir::Files).isEmpty());
-        RecoveryCopy::setInterval(30000);
     }
 };
 
