@@ -219,8 +219,8 @@ bool WaveReader::readDevice(QIODevice& file, const Progress& progress)
     QIODevice& in = utf8 ? *utf8 : file;
     // Qt's decoding drops one byte order mark, and the reader another.
     reader.marksToSkip = utf8 ? 1 : 2;
-    // The file is read in pieces through one buffer, so that the text never
-    // has to be in memory at once; a line longer than the buffer grows it.
+    // A UTF-8 file is read in pieces through one buffer, so that its text
+    // never has to be in memory at once; a line longer than the buffer grows it.
     constexpr qint64 Piece = qint64(1) << 20;
     std::vector<char> buffer(static_cast<size_t>(Piece));
     size_t held = 0;
