@@ -7,13 +7,13 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <cstdio>
 #include <random>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -156,13 +156,13 @@ private Q_SLOTS:
                                       "    $dumpvars(0, doc);\n  end\nendmodule\n"));
 
         Run run = runProgram(dir, QStringLiteral("iverilog"), {"-g2005", "-Wall", "-o", "sim.vvp", "doc.verilog", "dump.v"});
-        QVERIFY2(run.code == 0 && run.output.isEmpty(), run.output.constData());
+        QVERIFY2(run.code == 0 && run.out.isEmpty(), run.out.constData());
         run = runProgram(dir, QStringLiteral("vvp"), {"-n", "sim.vvp"});
-        QVERIFY2(run.code == 0, run.output.constData());
+        QVERIFY2(run.code == 0, run.out.constData());
         QString difference = differenceOf(expected, readVcd(readFile(dir + QStringLiteral("/iverilog.vcd")), end));
         QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("iverilog: ") + difference));
         run = runProgram(dir, QStringLiteral("verilator"), {"--lint-only", "--timing", "doc.verilog"});
-        QVERIFY2(run.code == 0, run.output.constData());
+        QVERIFY2(run.code == 0, run.out.constData());
 
         for (const QString& std : {QStringLiteral("93c"), QStringLiteral("08")}) {
             const QString failed = runGhdl(dir, std, {"doc.vhdl93"}, "doc", {"--vcd=ghdl" + std + ".vcd"}, run);
@@ -214,11 +214,11 @@ private Q_SLOTS:
         const QString problem = runGhdl(dir, std, {"dut.vhd", "dut_tb.vhd"}, "dut_tb", {}, run);
         QVERIFY2(problem.isEmpty(), qPrintable(problem));
         const QRegularExpressionMatch counts =
-            QRegularExpression(QStringLiteral("dut_tb: (\\d+) checks passed, (\\d+) checks failed")).match(QString::fromLatin1(run.output));
-        QVERIFY2(counts.hasMatch(), run.output.constData());
+            QRegularExpression(QStringLiteral("dut_tb: (\\d+) checks passed, (\\d+) checks failed")).match(QString::fromLatin1(run.out));
+        QVERIFY2(counts.hasMatch(), run.out.constData());
         const int failed = counts.captured(2).toInt();
-        QVERIFY2(counts.captured(1).toInt() > 8, run.output.constData());
-        const QStringList errors = QString::fromLatin1(run.output).split(QLatin1Char('\n')).filter(QStringLiteral("(report error)"));
+        QVERIFY2(counts.captured(1).toInt() > 8, run.out.constData());
+        const QStringList errors = QString::fromLatin1(run.out).split(QLatin1Char('\n')).filter(QStringLiteral("(report error)"));
         QCOMPARE(errors.size(), failed);
         QCOMPARE(failed > 0, rIs != "s");
         for (const QString& error : errors)
@@ -297,12 +297,8 @@ private Q_SLOTS:
         if (QByteArray(QTest::currentDataTag()).startsWith("dialog")) {
             result = exportCatching(args, tmp_.filePath(QStringLiteral("stderr")), err);
         } else {
-            QProcess wdl;
-            wdl.start(QStringLiteral(VOK_WDL_PATH), QStringList{"export"} + args);
-            QVERIFY(wdl.waitForFinished(60000));
-            result = wdl.exitCode();
-            stdOut = wdl.readAllStandardOutput();
-            err = wdl.readAllStandardError();
+            const Run run = testprograms::wdl(QStringList{"export"} + args);
+            std::tie(result, stdOut, err) = std::tie(run.code, run.out, run.err);
         }
         QCOMPARE(result, code);
         if (code == 2)
