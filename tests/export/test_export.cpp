@@ -1,4 +1,4 @@
-// Exports run through the real simulators; faults are one line, a non-zero status and an untouched output
+// Exports run through the real simulators and imported back; faults are one line, a non-zero status and an untouched output
 // file, through `wdl export` and through ExportWaveforms with its arguments in any order.
 #include "exportwaveforms.h"
 #include "simulation.h"
@@ -126,6 +126,11 @@ private Q_SLOTS:
         // Delays beyond 32 bits; without forever tails, which would repeat all the way.
         QTest::newRow("late") << header(12, 0, 10) + "late { A I Default NRZ 3000000000 1 50 } = 1 5 0 7;\n"
                                  "bus[7:0] { A O Default NRZ 4294967296 1 50 } = 5A 2147483647 HighZ 9;\n";
+        // Several megabytes of dump: words cross the VCD reader's buffer.
+        QByteArray wide = "%ENDTIME = 0;\nh[255:0] { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < 20000; ++i)
+            wide += ' ' + QByteArray::number(0x9e3779b97f4a7c15ULL * quint64(i + 1), 16) + ' ' + num(i % 7 + 1);
+        QTest::newRow("a long dump") << wide + ";\n";
     }
     void vectorsSimulateAsDrawn()
     {
@@ -138,9 +143,16 @@ private Q_SLOTS:
             QCOMPARE(exportFile(type, input, dir + QStringLiteral("/doc.") + QLatin1String(type + 1)), 0);
 
         const QByteArray vcd = readFile(dir + QStringLiteral("/doc.vcd"));
-        quint64 end = 0;
-        readVcd(vcd, ~quint64(0), &end);
-        const Dump expected = readVcd(vcd, end);
+        quint64 end = 0, backEnd = 0;
+        const Dump all = readVcd(vcd, ~quint64(0), &end), expected = readVcd(vcd, end);
+        // Imported and exported again, the dump keeps every change.
+        const Run back = testprograms::wdl({"import-vcd", "doc.vcd", "-out=back.wdl"}, dir);
+        QVERIFY2(back.code == 0 && back.out.isEmpty() && back.err.isEmpty(), back.err.constData());
+        QCOMPARE(exportFile("-vcd", dir + QStringLiteral("/back.wdl"), dir + QStringLiteral("/back.vcd")), 0);
+        QEXPECT_FAIL("late", "import-vcd splits a segment beyond 2147483647 ticks into equal neighbours, which the reader"
+                             " refuses to melt: the waves after them are lost", Continue);
+        QCOMPARE(differenceOf(all, readVcd(readFile(dir + QStringLiteral("/back.vcd")), ~quint64(0), &backEnd)), QString());
+        QCOMPARE(backEnd, end);
         // The simulation ends where the model says the document ends.
         kesu::toolvok::WaveformData model;
         model.loadText(QString::fromUtf8(document));

@@ -1,4 +1,4 @@
-// VCD in and WaveJSON out, through `wdl`: simulator dumps and our own export, options, faults, WaveDrom.
+// VCD in and WaveJSON out, through `wdl`: simulator dumps, options, faults, WaveDrom (our own VCD: test_export).
 #include "simulation.h"
 
 #include <QDir>
@@ -39,43 +39,6 @@ class TestVcdImport : public QObject
     QString file(const QString& name) const { return tmp_.filePath(name); }
 
 private Q_SLOTS:
-    // Export, import, export again: the two dumps hold the same changes.
-    void ownExportComesBack_data()
-    {
-        QTest::addColumn<QByteArray>("document");
-        for (const char* name : {"counter.wdl", "cpu_bus.wdl"})
-            QTest::newRow(name) << readFile(exampleFile(QLatin1String(name)));
-        const QByteArray waves = "a.b { A I Default NRZ 7 1 50 } = 1 5 3 4 0 6(2 3 1 2)##;\n"
-                                 "[one0...one0] { A O Default NRZ 0 1 50 } = 1 3 0 9;\n"
-                                 "e[p,q,r] { A B Default NRZ 2 1 50 } = 5 4 5 4 HighZ 8 DonTCare 3 7 2;\n"
-                                 "w[0:69] { A I Default NRZ 0 1 50 } = 3FFFFFFFFFFFFFFFFF 4 0 5;\n";
-        // Several megabytes: words cross the reader's buffer.
-        QByteArray wide = "%ENDTIME = 0;\nh[255:0] { A I Default NRZ 0 1 50 } =";
-        for (int i = 0; i < 20000; ++i)
-            wide += ' ' + QByteArray::number(0x9e3779b97f4a7c15ULL * quint64(i + 1), 16) + ' ' + QByteArray::number(i % 7 + 1);
-        QTest::newRow("a long dump") << wide + ";\n";
-        for (const auto& [unit, decimals] : {std::pair{12, 3}, {9, 1}, {3, 0}, {6, 2}}) {
-            QTest::addRow("unit %d, %d decimals", unit, decimals)
-                << "%SMALLESTUNIT = " + QByteArray::number(unit) + ";\n%DECIMALS = " + QByteArray::number(decimals)
-                       + ";\n%ENDTIME = 60;\n" + waves;
-        }
-    }
-    void ownExportComesBack()
-    {
-        QFETCH(QByteArray, document);
-        QVERIFY(writeFile(file("doc.wdl"), document));
-        QCOMPARE(exportFile("-vcd", file("doc.wdl"), file("doc.vcd")), 0);
-        const Run run = wdl(tmp_.path(), {"import-vcd", "doc.vcd", "-out=back.wdl"});
-        QVERIFY2(run.code == 0 && run.out.isEmpty(), run.out.constData());
-        QCOMPARE(exportFile("-vcd", file("back.wdl"), file("back.vcd")), 0);
-        quint64 end = 0, backEnd = 0;
-        const Dump before = readVcd(readFile(file("doc.vcd")), ~quint64(0), &end);
-        const Dump after = readVcd(readFile(file("back.vcd")), ~quint64(0), &backEnd);
-        QCOMPARE(backEnd, end);
-        const QString difference = differenceOf(before, after);
-        QVERIFY2(difference.isEmpty(), qPrintable(difference));
-    }
-
     // Each simulator's dump, imported and exported again, keeps every change but the real's.
     void simulatorDumpsComeIn_data()
     {
