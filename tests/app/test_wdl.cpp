@@ -100,23 +100,18 @@ private Q_SLOTS:
         const QString in = written(QStringLiteral("pair.wdl"), "%SMALLESTUNIT = 9;\na { A I Default NRZ 0 1 50 } = 0 10 1 10;\n"
                                                                "bus[3:0] { A I Default NRZ 0 1 50 } = 5 10 DonTCare 10;\n");
         const QString old = "-out=" + tmp_.filePath(QStringLiteral("old.png"));
+        auto render = [&](const QStringList& more) { return QStringList{"render", in, old} + more; };
         const QString format = "wdl: render: -out= must name a .pdf, .svg or .png file";
         QTest::newRow("render: no output") << QStringList{"render", in} << 2 << format;
         QTest::newRow("render: unknown format") << QStringList{"render", in, "-out=x.jpg"} << 2 << format;
-        QTest::newRow("render: scale too small") << QStringList{"render", in, old, "--scale", "5"} << 2
-                                                 << "wdl: render: --scale takes 10 to 200, not '5'";
-        QTest::newRow("render: scale no number") << QStringList{"render", in, old, "--scale", "x"} << 2
-                                                 << "wdl: render: --scale takes 10 to 200, not 'x'";
-        QTest::newRow("render: no time") << QStringList{"render", in, old, "--from", "1x"} << 2
-                                         << "wdl: render: --from is no time: '1x'";
-        QTest::newRow("render: unknown option") << QStringList{"render", in, old, "--colour"} << 2
-                                                << "wdl: render: Unknown option 'colour'.";
-        QTest::newRow("render: two inputs") << QStringList{"render", in, in, old} << 2
-                                            << "wdl: 'render' takes one file and -out=FILE.pdf|.svg|.png";
+        QTest::newRow("render: scale too small") << render({"--scale", "5"}) << 2 << "wdl: render: --scale takes 10 to 200, not '5'";
+        QTest::newRow("render: scale no number") << render({"--scale", "x"}) << 2 << "wdl: render: --scale takes 10 to 200, not 'x'";
+        QTest::newRow("render: no time") << render({"--from", "1x"}) << 2 << "wdl: render: --from is no time: '1x'";
+        QTest::newRow("render: unknown option") << render({"--colour"}) << 2 << "wdl: render: Unknown option 'colour'.";
+        QTest::newRow("render: two inputs") << render({in}) << 2 << "wdl: 'render' takes one file and -out=FILE.pdf|.svg|.png";
         QTest::newRow("render: missing input") << QStringList{"render", missing, old} << 1
                                                << "wdl: cannot read " + missing + ": No such file or directory";
-        QTest::newRow("render: empty range") << QStringList{"render", in, old, "--from", "20"} << 1
-                                             << "wdl: the range to draw is empty";
+        QTest::newRow("render: empty range") << render({"--from", "20"}) << 1 << "wdl: the range to draw is empty";
         QTest::newRow("render: no folder") << QStringList{"render", in, "-out=/no/such/folder/x.png"} << 1
                                            << "wdl: cannot write /no/such/folder/x.png: No such file or directory";
     }
