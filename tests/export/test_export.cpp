@@ -13,7 +13,6 @@
 
 #include <cstdio>
 #include <random>
-#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -84,7 +83,7 @@ QByteArray generatedDocument(int unit, int decimals, quint32 seed)
 const QByteArray kept = "kept as it was\n";
 
 // ExportWaveforms with stderr caught in a file.
-int exportCatching(const QStringList& args, const QString& errPath, QByteArray& err)
+Run exportCatching(const QStringList& args, const QString& errPath)
 {
     std::vector<QByteArray> bytes;
     std::vector<char*> argv;
@@ -99,8 +98,7 @@ int exportCatching(const QStringList& args, const QString& errPath, QByteArray& 
     dup2(saved, 2);
     close(saved);
     std::fclose(sink);
-    err = readFile(errPath);
-    return code;
+    return {code, {}, readFile(errPath)};
 }
 
 } // namespace
@@ -110,6 +108,7 @@ class TestExport : public QObject
     Q_OBJECT
 
     QTemporaryDir tmp_;
+    const QString usage_ = QString::fromUtf8(testprograms::wdl({QStringLiteral("--help")}).out);
 
 private Q_SLOTS:
     void vectorsSimulateAsDrawn_data()
@@ -258,36 +257,41 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("args");   // wdl export's, or ExportWaveforms' in the "dialog" rows
         QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("message");    // a part of stderr, of stdout when code is 0; "@" is the folder
+        QTest::addColumn<QString>("message");    // stderr's line ("export: " before it on 1), a part of stdout on 0; "@": the folder
         const QString good = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
         const QString doc = QStringLiteral("@/%1.wdl");
         QTest::newRow("tf") << QStringList{"tf", good, "-out=@/out"} << 0 << "";
         QTest::newRow("-vcd") << QStringList{"-vcd", good, "-out=@/out"} << 0 << "";
         QTest::newRow("list") << QStringList{"--list"} << 0 << "tb\t-vhdl94\tVHDL test bench\n";
-        QTest::newRow("unknown type") << QStringList{"sv", good, "-out=@/out"} << 2 << "unknown export type 'sv'";
-        QTest::newRow("no output") << QStringList{"vht", good} << 2 << "takes a type, a file and -out=OUTPUT";
+        QTest::newRow("unknown type") << QStringList{"sv", good, "-out=@/out"} << 2
+                                      << "wdl: unknown export type 'sv' (wdl export --list)";
+        QTest::newRow("no output") << QStringList{"vht", good} << 2 << "wdl: 'export' takes a type, a file and -out=OUTPUT";
         QTest::newRow("output without -out=") << QStringList{"tf", good, "@/out"} << 1 << "unexpected argument \"@/out\"";
         QTest::newRow("-out= alone") << QStringList{"tf", good, "-out="} << 1 << "-out= names no file";
-        QTest::newRow("missing input") << QStringList{"tf", "@/none.wdl", "-out=@/out"} << 1 << "cannot read @/none.wdl";
+        QTest::newRow("missing input") << QStringList{"tf", "@/none.wdl", "-out=@/out"} << 1
+                                       << "cannot read @/none.wdl: No such file or directory";
         QTest::newRow("input is a folder") << QStringList{"tb", "@", "-out=@/out"} << 1 << "cannot read @: it is a folder";
-        QTest::newRow("no such output folder") << QStringList{"tf", good, "-out=@/none/out"} << 1 << "cannot write @/none/out";
-        QTest::newRow("output is a folder") << QStringList{"vcd", good, "-out=@"} << 1 << "cannot write @";
+        QTest::newRow("no such output folder") << QStringList{"tf", good, "-out=@/none/out"} << 1
+                                               << "cannot write @/none/out: No such file or directory";
+        QTest::newRow("output is a folder") << QStringList{"vcd", good, "-out=@"} << 1
+                                            << "cannot write @: Filename refers to a directory";
         QTest::newRow("VHDL ignores case") << QStringList{"vht", doc.arg("case"), "-out=@/out"} << 1
-                                           << "waves \"clk\" and \"CLK\" would both be CLK in VHDL";
+                                           << doc.arg("case") + ": waves \"clk\" and \"CLK\" would both be CLK in VHDL";
         QTest::newRow("a bus and a signal") << QStringList{"tf", doc.arg("bus"), "-out=@/out"} << 1
-                                            << "waves \"d[3:0]\" and \"d\" would both be d in Verilog";
+                                            << doc.arg("bus") + ": waves \"d[3:0]\" and \"d\" would both be d in Verilog";
         QTest::newRow("the bench's own names") << QStringList{"tb", doc.arg("uut"), "-out=@/out"} << 1
-                                               << "wave \"UUT\" would be UUT, a name the export declares itself";
+                                               << doc.arg("uut") + ": wave \"UUT\" would be UUT, a name the export declares itself";
         QTest::newRow("no hex value") << QStringList{"tf", doc.arg("value"), "-out=@/out"} << 1
-                                      << "wave \"d[3:0]\" has the value \"1F\" at 5, which is no 4-bit value";
+                                      << doc.arg("value") + ": wave \"d[3:0]\" has the value \"1F\" at 5, which is no 4-bit value";
         QTest::newRow("tick below 1 fs") << QStringList{"vcd", doc.arg("tick"), "-out=@/out"} << 1
-                                         << "the tick (smallest unit 12, 4 decimals) is not between 1 fs and 1 s";
+                                         << doc.arg("tick") + ": the tick (smallest unit 12, 4 decimals) is not between 1 fs and 1 s";
         QTest::newRow("beyond VHDL's time") << QStringList{"vht", doc.arg("long"), "-out=@/out"} << 1
-                                            << "the end time, 10000000000 ticks, is beyond the time range of VHDL";
-        QTest::newRow("negative bit") << QStringList{"tb", doc.arg("negative"), "-out=@/out"} << 1
-                                      << "wave \"n[-1:2]\" has a negative bit number";
+                                            << doc.arg("long") + ": the end time, 10000000000 ticks, is beyond the time range of VHDL";
+        QTest::newRow("negative bit") << QStringList{"tb", doc.arg("negative"), "-out=@/out"} << 1 << doc.arg("negative")
+                                             + ": wave \"n[-1:2]\" has a negative bit number, which a std_logic_vector cannot have";
         // The dialog hands over the option names themselves.
-        QTest::newRow("dialog: no arguments") << QStringList{} << 1 << "no export type given";
+        QTest::newRow("dialog: no arguments") << QStringList{} << 1
+                                              << "no export type given (-verilog, -vhdl93, -vhdl94, -vcd or -wavejson)";
         QTest::newRow("dialog: two types") << QStringList{"-vhdl93", "-vcd", good, "-out=@/out"} << 1
                                    << "two export types given: -vhdl93 and -vcd";
         QTest::newRow("dialog: unknown option") << QStringList{"-verilog", "-o", good, "-out=@/out"} << 1 << "unknown option -o";
@@ -304,21 +308,13 @@ private Q_SLOTS:
         message.replace(QStringLiteral("@"), tmp_.path());
         const QString out = args.filter(QStringLiteral("-out=")).value(0).mid(5);
         QVERIFY(writeFile(tmp_.filePath(QStringLiteral("out")), kept));
-        QByteArray stdOut, err;
-        int result = 0;
-        if (QByteArray(QTest::currentDataTag()).startsWith("dialog")) {
-            result = exportCatching(args, tmp_.filePath(QStringLiteral("stderr")), err);
-        } else {
-            const Run run = testprograms::wdl(QStringList{"export"} + args);
-            std::tie(result, stdOut, err) = std::tie(run.code, run.out, run.err);
-        }
-        QCOMPARE(result, code);
-        if (code == 2)
-            QVERIFY2(err.contains(message.toLocal8Bit()) && err.contains("export TYPE FILE -out=OUTPUT"), err.constData());
-        if (code == 1)
-            QVERIFY2(err.startsWith("export: ") && err.count('\n') == 1 && err.contains(message.toLocal8Bit()), err.constData());
+        const Run run = QByteArray(QTest::currentDataTag()).startsWith("dialog")
+            ? exportCatching(args, tmp_.filePath(QStringLiteral("stderr"))) : testprograms::wdl(QStringList{"export"} + args);
+        QCOMPARE(run.code, code);
         if (code == 0)
-            QVERIFY2(stdOut.contains(message.toLocal8Bit()) && err.isEmpty(), err.constData());
+            QVERIFY2(run.out.contains(message.toLocal8Bit()) && run.err.isEmpty(), run.err.constData());
+        else   // one line; for a wrong command line the usage follows
+            QCOMPARE(QString::fromLocal8Bit(run.err), (code == 1 ? "export: " : "") + message + '\n' + (code == 2 ? usage_ : QString()));
         if (code == 0 && !out.isEmpty())
             QVERIFY(readFile(out).startsWith(args.contains("-vcd") ? "$comment" : "// Verilog test vectors of counter.wdl"));
         else if (QFileInfo(out).isFile())

@@ -16,11 +16,6 @@ const QByteArray vcdHead = "$timescale 1 ns $end\n$scope module top $end\n$var w
 const QByteArray vcdBody = "#0\n$dumpvars\n0!\nbxxxx #\nr0.5 %\n$end\n#5\n1!\nb1010 #\n#10\n0!\nb1z1z #\n"
                            "#15\nb1 #\nU!\n#20\nH!\nbzzzz #\n#30\n";
 
-Run wdl(const QString& dir, const QStringList& args)
-{
-    return runProgram(dir, QStringLiteral(VOK_WDL_PATH), args);
-}
-
 // The document's lines from the first wave on, after its time settings.
 QByteArray wavesOf(const QByteArray& document)
 {
@@ -74,8 +69,8 @@ private Q_SLOTS:
             const QString failed = runGhdl(dir, QStringLiteral("08"), {"top.vhd"}, "top", {"--vcd=sim.vcd"}, run);
             QVERIFY2(failed.isEmpty(), qPrintable(failed));
         }
-        run = wdl(dir, {"import-vcd", "sim.vcd", "-out=sim.wdl"});
-        QVERIFY2(run.code == 0 && run.out.contains("skipped the real variable top.r"), run.out.constData());
+        run = testprograms::wdl({"import-vcd", "sim.vcd", "-out=sim.wdl"}, dir);
+        QVERIFY2(run.code == 0 && run.err == "wdl: sim.vcd: skipped the real variable top.r\n", run.err.constData());
         QCOMPARE(exportFile("-vcd", dir + "/sim.wdl", dir + "/back.vcd"), 0);
         // A change at the last time stamp, where the document ends, lasts no time.
         quint64 end = 0;
@@ -136,15 +131,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, expected);
         QVERIFY(writeFile(file("in.vcd"), vcd));
         QFile::remove(file("out.wdl"));
-        const Run run = wdl(tmp_.path(), QStringList{"import-vcd", "in.vcd", "-out=out.wdl"} + options);
+        const Run run = testprograms::wdl(QStringList{"import-vcd", "in.vcd", "-out=out.wdl"} + options, tmp_.path());
         if (expected.startsWith('%')) {
-            QVERIFY2(run.code == 0, run.out.constData());
+            QVERIFY2(run.code == 0, run.err.constData());
             QCOMPARE(wavesOf(readFile(file("out.wdl"))), expected);
         } else {
             QCOMPARE(run.code, 1);
             // Notes on what was left out may come first.
-            QVERIFY2(run.out.endsWith("wdl: in.vcd: " + expected.replace("\n", "\nwdl: in.vcd: ") + '\n'),
-                     run.out.constData());
+            QVERIFY2(run.err.endsWith("wdl: in.vcd: " + expected.replace("\n", "\nwdl: in.vcd: ") + '\n'),
+                     run.err.constData());
             QVERIFY(!QFileInfo::exists(file("out.wdl")));
         }
     }
@@ -176,8 +171,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, document);
         QFETCH(QByteArray, expected);
         QVERIFY(writeFile(file("doc.wdl"), document));
-        const Run run = wdl(tmp_.path(), {"export", "wavejson", "doc.wdl", "-out=doc.json"});
-        QVERIFY2(run.code == 0, run.out.constData());
+        const Run run = testprograms::wdl({"export", "wavejson", "doc.wdl", "-out=doc.json"}, tmp_.path());
+        QVERIFY2(run.code == 0, run.err.constData());
         QCOMPARE(readFile(file("doc.json")), expected);
         const QJsonArray lanes = QJsonDocument::fromJson(expected).object().value("signal").toArray();
         for (const QJsonValue& lane : lanes) {
