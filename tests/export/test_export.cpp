@@ -31,20 +31,6 @@ class Values
 public:
     explicit Values(quint32 seed) : random_(seed) {}
     int below(int n) { return int(random_() % quint32(n)); }
-    QByteArray value(int width)
-    {
-        const int pick = below(10);
-        if (pick == 0)
-            return width ? "DonTCare" : "2";
-        if (pick == 1)
-            return width ? "HighZ" : "3";
-        if (!width)
-            return num(pick & 1);
-        QByteArray hex;
-        for (int bits = width; bits > 0; bits -= 4)
-            hex.prepend(QByteArray::number(below(bits >= 4 ? 16 : 1 << bits), 16));
-        return below(4) ? hex : "00" + hex;   // leading zeros are allowed
-    }
     QByteArray segments(int width, int count)
     {
         QByteArray text;
@@ -54,6 +40,19 @@ public:
     }
 
 private:
+    QByteArray value(int width)
+    {
+        const int pick = below(10);
+        if (pick < 2)
+            return width ? (pick ? "HighZ" : "DonTCare") : (pick ? "3" : "2");
+        if (!width)
+            return num(pick & 1);
+        QByteArray hex;
+        for (int bits = width; bits > 0; bits -= 4)
+            hex.prepend(QByteArray::number(below(bits >= 4 ? 16 : 1 << bits), 16));
+        return below(4) ? hex : "00" + hex;   // leading zeros are allowed
+    }
+
     std::mt19937 random_;
 };
 

@@ -19,11 +19,7 @@ using namespace kesu::toolvok;
 using testfiles::readFile;
 
 namespace {
-struct Child {
-    bool killed = false;
-    int exitCode = -1;
-    int steps = 0;
-};
+struct Child { bool killed = false; int exitCode = -1; int steps = 0; };
 
 // Runs savechild; killAfterUs >= 0 kills it that long after its save began.
 Child runChild(const QString& path, int segments, const QString& fault, qint64 n, int killAfterUs = -1)
