@@ -1,6 +1,5 @@
-// wdl render: each format read back, and errors that leave an existing output alone.
+// wdl render: each format read back (its errors: test_wdl).
 #include <QImage>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -8,6 +7,7 @@
 #include <QXmlStreamReader>
 
 #include "files.h"
+#include "programs.h"
 
 namespace {
 
@@ -24,20 +24,6 @@ QByteArray waves(int n)
     return text;
 }
 
-int run(const QStringList& args, QByteArray* err = nullptr)
-{
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove(QStringLiteral("DISPLAY"));
-    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(VOK_WDL_PATH), args);
-    process.waitForFinished(120000);
-    if (err)
-        *err = process.readAllStandardError();
-    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-}
-
 } // namespace
 
 class TestRender : public QObject
@@ -46,13 +32,8 @@ class TestRender : public QObject
 
     QTemporaryDir tmp_;
 
-    QString file(const QString& name, const QByteArray& bytes = QByteArray())
-    {
-        const QString path = tmp_.filePath(name);
-        if (!bytes.isEmpty() && !testfiles::writeFile(path, bytes))
-            qFatal("cannot write %s", qPrintable(path));
-        return path;
-    }
+    QString file(const QString& name) const { return tmp_.filePath(name); }
+    QString file(const QString& name, const QByteArray& bytes) { return testfiles::writtenFile(tmp_, name, bytes); }
 
 private Q_SLOTS:
     // Probes "Cx,y": Blue waves, Red don't care, White background, blacK text.
@@ -75,7 +56,7 @@ private Q_SLOTS:
         QFETCH(QSize, size);
         QFETCH(QString, probes);
         const QString out = file(QStringLiteral("pair.png"));
-        QCOMPARE(run(QStringList{"render", file("pair.wdl", Pair), "-out=" + out} + options), 0);
+        QCOMPARE(testprograms::wdl(QStringList{"render", file("pair.wdl", Pair), "-out=" + out} + options).code, 0);
         const QImage image(out);
         QCOMPARE(image.size(), size);
         const QMap<QChar, QRgb> colors{{'B', qRgb(0, 0, 255)}, {'R', qRgb(255, 0, 0)}, {'W', qRgb(255, 255, 255)},
@@ -94,7 +75,7 @@ private Q_SLOTS:
     void svgIsXmlWithEveryName()
     {
         const QString out = file(QStringLiteral("pair.svg"));
-        QCOMPARE(run({"render", file("pair.wdl", Pair), "-out=" + out, "--names"}), 0);
+        QCOMPARE(testprograms::wdl({"render", file("pair.wdl", Pair), "-out=" + out, "--names"}).code, 0);
         QXmlStreamReader xml(testfiles::readFile(out));
         QString text;
         while (!xml.atEnd()) {
@@ -125,48 +106,9 @@ private Q_SLOTS:
         if (pdfinfo.isEmpty())
             QSKIP("pdfinfo (poppler-utils) is not installed");
         const QString out = file(QStringLiteral("waves.pdf"));
-        QCOMPARE(run(QStringList{"render", file("waves.wdl", ::waves(waves)), "-out=" + out} + options), 0);
-        QProcess info;
-        info.start(pdfinfo, {out});
-        QVERIFY(info.waitForFinished());
+        QCOMPARE(testprograms::wdl(QStringList{"render", file("waves.wdl", ::waves(waves)), "-out=" + out} + options).code, 0);
         const QRegularExpression count(QStringLiteral("Pages:\\s+(\\d+)"));
-        QCOMPARE(count.match(QString::fromLatin1(info.readAllStandardOutput())).captured(1).toInt(), pages);
-    }
-
-    // 2: a wrong command line; 1: one line on what failed. OUT (an existing file) survives.
-    void errors_data()
-    {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("err");
-        QTest::newRow("no output") << QStringList{"IN"} << 2 << "-out=";
-        QTest::newRow("unknown format") << QStringList{"IN", "-out=x.jpg"} << 2 << "-out=";
-        QTest::newRow("scale too small") << QStringList{"IN", "OUT", "--scale", "5"} << 2 << "10 to 200";
-        QTest::newRow("scale no number") << QStringList{"IN", "OUT", "--scale", "x"} << 2 << "10 to 200";
-        QTest::newRow("no time") << QStringList{"IN", "OUT", "--from", "1x"} << 2 << "--from";
-        QTest::newRow("unknown option") << QStringList{"IN", "OUT", "--colour"} << 2 << "colour";
-        QTest::newRow("two inputs") << QStringList{"IN", "IN", "OUT"} << 2 << "one file";
-        QTest::newRow("missing input") << QStringList{"missing.wdl", "OUT"} << 1 << "missing.wdl";
-        QTest::newRow("empty range") << QStringList{"IN", "OUT", "--from", "20"} << 1 << "empty";
-        QTest::newRow("no folder") << QStringList{"IN", "-out=/no/such/folder/x.png"} << 1 << "cannot write";
-    }
-    void errors()
-    {
-        QFETCH(QStringList, args);
-        QFETCH(int, code);
-        QFETCH(QString, err);
-        const QString old = file(QStringLiteral("old.png"), "not overwritten");
-        for (QString& arg : args)
-            arg = arg == QLatin1String("IN") ? file(QStringLiteral("pair.wdl"), Pair)
-                  : arg == QLatin1String("OUT") ? QStringLiteral("-out=") + old
-                  : arg.endsWith(QLatin1String(".wdl")) ? tmp_.filePath(arg)
-                                                        : arg;
-        QByteArray stderrText;
-        QCOMPARE(run(QStringList{"render"} + args, &stderrText), code);
-        QVERIFY2(stderrText.startsWith("wdl: ") && stderrText.contains(err.toUtf8()), stderrText.constData());
-        if (code == 1)
-            QCOMPARE(stderrText.count('\n'), 1);
-        QCOMPARE(testfiles::readFile(old), QByteArray("not overwritten"));
+        QCOMPARE(count.match(QString::fromLatin1(testprograms::run(pdfinfo, {out}).out)).captured(1).toInt(), pages);
     }
 };
 

@@ -6,21 +6,7 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QRegularExpression>
-
-Run runProgram(const QString& dir, const QString& program, const QStringList& args)
-{
-    QProcess process;
-    process.setWorkingDirectory(dir);
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program, args);
-    Run run;
-    if (process.waitForFinished(120000) && process.exitStatus() == QProcess::NormalExit)
-        run.code = process.exitCode();
-    run.output = process.readAll();
-    return run;
-}
 
 QString runGhdl(const QString& dir, const QString& std, const QStringList& files, const QString& top,
                 const QStringList& runOptions, Run& run)
@@ -32,7 +18,7 @@ QString runGhdl(const QString& dir, const QString& std, const QStringList& files
                                     QStringList{"-r"} + options + QStringList{top} + runOptions}) {
         run = runProgram(dir, QStringLiteral("ghdl"), step);
         if (run.code != 0)
-            return step.join(' ') + '\n' + QString::fromLocal8Bit(run.output);
+            return step.join(' ') + '\n' + QString::fromLocal8Bit(run.out);
     }
     return {};
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "files.h"
+#include "programs.h"
 
 #include <QByteArray>
 #include <QMap>
@@ -11,11 +12,12 @@
 #include <utility>
 #include <vector>
 
-struct Run {
-    int code = -1;         // -1 also when the program crashed or did not finish
-    QByteArray output;     // stdout and stderr together
-};
-Run runProgram(const QString& dir, const QString& program, const QStringList& args);
+using testprograms::Run;
+// stdout and stderr together in out, as a terminal shows them.
+inline Run runProgram(const QString& dir, const QString& program, const QStringList& args)
+{
+    return testprograms::run(program, args, dir, QProcess::MergedChannels);
+}
 // Runs top through ghdl -a, -e, -r in std (93c, 08); the failing step and its output, or empty.
 QString runGhdl(const QString& dir, const QString& std, const QStringList& files, const QString& top,
                 const QStringList& runOptions, Run& run);

@@ -1,4 +1,4 @@
-// Exports run through the real simulators; faults are one line, a non-zero status and an untouched output
+// Exports run through the real simulators and imported back; faults are one line, a non-zero status and an untouched output
 // file, through `wdl export` and through ExportWaveforms with its arguments in any order.
 #include "exportwaveforms.h"
 #include "simulation.h"
@@ -7,7 +7,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -32,20 +31,6 @@ class Values
 public:
     explicit Values(quint32 seed) : random_(seed) {}
     int below(int n) { return int(random_() % quint32(n)); }
-    QByteArray value(int width)
-    {
-        const int pick = below(10);
-        if (pick == 0)
-            return width ? "DonTCare" : "2";
-        if (pick == 1)
-            return width ? "HighZ" : "3";
-        if (!width)
-            return num(pick & 1);
-        QByteArray hex;
-        for (int bits = width; bits > 0; bits -= 4)
-            hex.prepend(QByteArray::number(below(bits >= 4 ? 16 : 1 << bits), 16));
-        return below(4) ? hex : "00" + hex;   // leading zeros are allowed
-    }
     QByteArray segments(int width, int count)
     {
         QByteArray text;
@@ -55,6 +40,19 @@ public:
     }
 
 private:
+    QByteArray value(int width)
+    {
+        const int pick = below(10);
+        if (pick < 2)
+            return width ? (pick ? "HighZ" : "DonTCare") : (pick ? "3" : "2");
+        if (!width)
+            return num(pick & 1);
+        QByteArray hex;
+        for (int bits = width; bits > 0; bits -= 4)
+            hex.prepend(QByteArray::number(below(bits >= 4 ? 16 : 1 << bits), 16));
+        return below(4) ? hex : "00" + hex;   // leading zeros are allowed
+    }
+
     std::mt19937 random_;
 };
 
@@ -84,7 +82,7 @@ QByteArray generatedDocument(int unit, int decimals, quint32 seed)
 const QByteArray kept = "kept as it was\n";
 
 // ExportWaveforms with stderr caught in a file.
-int exportCatching(const QStringList& args, const QString& errPath, QByteArray& err)
+Run exportCatching(const QStringList& args, const QString& errPath)
 {
     std::vector<QByteArray> bytes;
     std::vector<char*> argv;
@@ -99,8 +97,7 @@ int exportCatching(const QStringList& args, const QString& errPath, QByteArray& 
     dup2(saved, 2);
     close(saved);
     std::fclose(sink);
-    err = readFile(errPath);
-    return code;
+    return {code, {}, readFile(errPath)};
 }
 
 } // namespace
@@ -110,6 +107,7 @@ class TestExport : public QObject
     Q_OBJECT
 
     QTemporaryDir tmp_;
+    const QString usage_ = QString::fromUtf8(testprograms::wdl({QStringLiteral("--help")}).out);
 
 private Q_SLOTS:
     void vectorsSimulateAsDrawn_data()
@@ -126,6 +124,11 @@ private Q_SLOTS:
         // Delays beyond 32 bits; without forever tails, which would repeat all the way.
         QTest::newRow("late") << header(12, 0, 10) + "late { A I Default NRZ 3000000000 1 50 } = 1 5 0 7;\n"
                                  "bus[7:0] { A O Default NRZ 4294967296 1 50 } = 5A 2147483647 HighZ 9;\n";
+        // Several megabytes of dump: words cross the VCD reader's buffer.
+        QByteArray wide = "%ENDTIME = 0;\nh[255:0] { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < 20000; ++i)
+            wide += ' ' + QByteArray::number(0x9e3779b97f4a7c15ULL * quint64(i + 1), 16) + ' ' + num(i % 7 + 1);
+        QTest::newRow("a long dump") << wide + ";\n";
     }
     void vectorsSimulateAsDrawn()
     {
@@ -138,9 +141,16 @@ private Q_SLOTS:
             QCOMPARE(exportFile(type, input, dir + QStringLiteral("/doc.") + QLatin1String(type + 1)), 0);
 
         const QByteArray vcd = readFile(dir + QStringLiteral("/doc.vcd"));
-        quint64 end = 0;
-        readVcd(vcd, ~quint64(0), &end);
-        const Dump expected = readVcd(vcd, end);
+        quint64 end = 0, backEnd = 0;
+        const Dump all = readVcd(vcd, ~quint64(0), &end), expected = readVcd(vcd, end);
+        // Imported and exported again, the dump keeps every change.
+        const Run back = testprograms::wdl({"import-vcd", "doc.vcd", "-out=back.wdl"}, dir);
+        QVERIFY2(back.code == 0 && back.out.isEmpty() && back.err.isEmpty(), back.err.constData());
+        QCOMPARE(exportFile("-vcd", dir + QStringLiteral("/back.wdl"), dir + QStringLiteral("/back.vcd")), 0);
+        QEXPECT_FAIL("late", "import-vcd splits a segment beyond 2147483647 ticks into equal neighbours, which the reader"
+                             " refuses to melt: the waves after them are lost", Continue);
+        QCOMPARE(differenceOf(all, readVcd(readFile(dir + QStringLiteral("/back.vcd")), ~quint64(0), &backEnd)), QString());
+        QCOMPARE(backEnd, end);
         // The simulation ends where the model says the document ends.
         kesu::toolvok::WaveformData model;
         model.loadText(QString::fromUtf8(document));
@@ -156,13 +166,13 @@ private Q_SLOTS:
                                       "    $dumpvars(0, doc);\n  end\nendmodule\n"));
 
         Run run = runProgram(dir, QStringLiteral("iverilog"), {"-g2005", "-Wall", "-o", "sim.vvp", "doc.verilog", "dump.v"});
-        QVERIFY2(run.code == 0 && run.output.isEmpty(), run.output.constData());
+        QVERIFY2(run.code == 0 && run.out.isEmpty(), run.out.constData());
         run = runProgram(dir, QStringLiteral("vvp"), {"-n", "sim.vvp"});
-        QVERIFY2(run.code == 0, run.output.constData());
+        QVERIFY2(run.code == 0, run.out.constData());
         QString difference = differenceOf(expected, readVcd(readFile(dir + QStringLiteral("/iverilog.vcd")), end));
         QVERIFY2(difference.isEmpty(), qPrintable(QStringLiteral("iverilog: ") + difference));
         run = runProgram(dir, QStringLiteral("verilator"), {"--lint-only", "--timing", "doc.verilog"});
-        QVERIFY2(run.code == 0, run.output.constData());
+        QVERIFY2(run.code == 0, run.out.constData());
 
         for (const QString& std : {QStringLiteral("93c"), QStringLiteral("08")}) {
             const QString failed = runGhdl(dir, std, {"doc.vhdl93"}, "doc", {"--vcd=ghdl" + std + ".vcd"}, run);
@@ -214,11 +224,11 @@ private Q_SLOTS:
         const QString problem = runGhdl(dir, std, {"dut.vhd", "dut_tb.vhd"}, "dut_tb", {}, run);
         QVERIFY2(problem.isEmpty(), qPrintable(problem));
         const QRegularExpressionMatch counts =
-            QRegularExpression(QStringLiteral("dut_tb: (\\d+) checks passed, (\\d+) checks failed")).match(QString::fromLatin1(run.output));
-        QVERIFY2(counts.hasMatch(), run.output.constData());
+            QRegularExpression(QStringLiteral("dut_tb: (\\d+) checks passed, (\\d+) checks failed")).match(QString::fromLatin1(run.out));
+        QVERIFY2(counts.hasMatch(), run.out.constData());
         const int failed = counts.captured(2).toInt();
-        QVERIFY2(counts.captured(1).toInt() > 8, run.output.constData());
-        const QStringList errors = QString::fromLatin1(run.output).split(QLatin1Char('\n')).filter(QStringLiteral("(report error)"));
+        QVERIFY2(counts.captured(1).toInt() > 8, run.out.constData());
+        const QStringList errors = QString::fromLatin1(run.out).split(QLatin1Char('\n')).filter(QStringLiteral("(report error)"));
         QCOMPARE(errors.size(), failed);
         QCOMPARE(failed > 0, rIs != "s");
         for (const QString& error : errors)
@@ -246,36 +256,41 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("args");   // wdl export's, or ExportWaveforms' in the "dialog" rows
         QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("message");    // a part of stderr, of stdout when code is 0; "@" is the folder
+        QTest::addColumn<QString>("message");    // stderr's line ("export: " before it on 1), a part of stdout on 0; "@": the folder
         const QString good = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
         const QString doc = QStringLiteral("@/%1.wdl");
         QTest::newRow("tf") << QStringList{"tf", good, "-out=@/out"} << 0 << "";
         QTest::newRow("-vcd") << QStringList{"-vcd", good, "-out=@/out"} << 0 << "";
         QTest::newRow("list") << QStringList{"--list"} << 0 << "tb\t-vhdl94\tVHDL test bench\n";
-        QTest::newRow("unknown type") << QStringList{"sv", good, "-out=@/out"} << 2 << "unknown export type 'sv'";
-        QTest::newRow("no output") << QStringList{"vht", good} << 2 << "takes a type, a file and -out=OUTPUT";
+        QTest::newRow("unknown type") << QStringList{"sv", good, "-out=@/out"} << 2
+                                      << "wdl: unknown export type 'sv' (wdl export --list)";
+        QTest::newRow("no output") << QStringList{"vht", good} << 2 << "wdl: 'export' takes a type, a file and -out=OUTPUT";
         QTest::newRow("output without -out=") << QStringList{"tf", good, "@/out"} << 1 << "unexpected argument \"@/out\"";
         QTest::newRow("-out= alone") << QStringList{"tf", good, "-out="} << 1 << "-out= names no file";
-        QTest::newRow("missing input") << QStringList{"tf", "@/none.wdl", "-out=@/out"} << 1 << "cannot read @/none.wdl";
+        QTest::newRow("missing input") << QStringList{"tf", "@/none.wdl", "-out=@/out"} << 1
+                                       << "cannot read @/none.wdl: No such file or directory";
         QTest::newRow("input is a folder") << QStringList{"tb", "@", "-out=@/out"} << 1 << "cannot read @: it is a folder";
-        QTest::newRow("no such output folder") << QStringList{"tf", good, "-out=@/none/out"} << 1 << "cannot write @/none/out";
-        QTest::newRow("output is a folder") << QStringList{"vcd", good, "-out=@"} << 1 << "cannot write @";
+        QTest::newRow("no such output folder") << QStringList{"tf", good, "-out=@/none/out"} << 1
+                                               << "cannot write @/none/out: No such file or directory";
+        QTest::newRow("output is a folder") << QStringList{"vcd", good, "-out=@"} << 1
+                                            << "cannot write @: Filename refers to a directory";
         QTest::newRow("VHDL ignores case") << QStringList{"vht", doc.arg("case"), "-out=@/out"} << 1
-                                           << "waves \"clk\" and \"CLK\" would both be CLK in VHDL";
+                                           << doc.arg("case") + ": waves \"clk\" and \"CLK\" would both be CLK in VHDL";
         QTest::newRow("a bus and a signal") << QStringList{"tf", doc.arg("bus"), "-out=@/out"} << 1
-                                            << "waves \"d[3:0]\" and \"d\" would both be d in Verilog";
+                                            << doc.arg("bus") + ": waves \"d[3:0]\" and \"d\" would both be d in Verilog";
         QTest::newRow("the bench's own names") << QStringList{"tb", doc.arg("uut"), "-out=@/out"} << 1
-                                               << "wave \"UUT\" would be UUT, a name the export declares itself";
+                                               << doc.arg("uut") + ": wave \"UUT\" would be UUT, a name the export declares itself";
         QTest::newRow("no hex value") << QStringList{"tf", doc.arg("value"), "-out=@/out"} << 1
-                                      << "wave \"d[3:0]\" has the value \"1F\" at 5, which is no 4-bit value";
+                                      << doc.arg("value") + ": wave \"d[3:0]\" has the value \"1F\" at 5, which is no 4-bit value";
         QTest::newRow("tick below 1 fs") << QStringList{"vcd", doc.arg("tick"), "-out=@/out"} << 1
-                                         << "the tick (smallest unit 12, 4 decimals) is not between 1 fs and 1 s";
+                                         << doc.arg("tick") + ": the tick (smallest unit 12, 4 decimals) is not between 1 fs and 1 s";
         QTest::newRow("beyond VHDL's time") << QStringList{"vht", doc.arg("long"), "-out=@/out"} << 1
-                                            << "the end time, 10000000000 ticks, is beyond the time range of VHDL";
-        QTest::newRow("negative bit") << QStringList{"tb", doc.arg("negative"), "-out=@/out"} << 1
-                                      << "wave \"n[-1:2]\" has a negative bit number";
+                                            << doc.arg("long") + ": the end time, 10000000000 ticks, is beyond the time range of VHDL";
+        QTest::newRow("negative bit") << QStringList{"tb", doc.arg("negative"), "-out=@/out"} << 1 << doc.arg("negative")
+                                             + ": wave \"n[-1:2]\" has a negative bit number, which a std_logic_vector cannot have";
         // The dialog hands over the option names themselves.
-        QTest::newRow("dialog: no arguments") << QStringList{} << 1 << "no export type given";
+        QTest::newRow("dialog: no arguments") << QStringList{} << 1
+                                              << "no export type given (-verilog, -vhdl93, -vhdl94, -vcd or -wavejson)";
         QTest::newRow("dialog: two types") << QStringList{"-vhdl93", "-vcd", good, "-out=@/out"} << 1
                                    << "two export types given: -vhdl93 and -vcd";
         QTest::newRow("dialog: unknown option") << QStringList{"-verilog", "-o", good, "-out=@/out"} << 1 << "unknown option -o";
@@ -292,25 +307,13 @@ private Q_SLOTS:
         message.replace(QStringLiteral("@"), tmp_.path());
         const QString out = args.filter(QStringLiteral("-out=")).value(0).mid(5);
         QVERIFY(writeFile(tmp_.filePath(QStringLiteral("out")), kept));
-        QByteArray stdOut, err;
-        int result = 0;
-        if (QByteArray(QTest::currentDataTag()).startsWith("dialog")) {
-            result = exportCatching(args, tmp_.filePath(QStringLiteral("stderr")), err);
-        } else {
-            QProcess wdl;
-            wdl.start(QStringLiteral(VOK_WDL_PATH), QStringList{"export"} + args);
-            QVERIFY(wdl.waitForFinished(60000));
-            result = wdl.exitCode();
-            stdOut = wdl.readAllStandardOutput();
-            err = wdl.readAllStandardError();
-        }
-        QCOMPARE(result, code);
-        if (code == 2)
-            QVERIFY2(err.contains(message.toLocal8Bit()) && err.contains("export TYPE FILE -out=OUTPUT"), err.constData());
-        if (code == 1)
-            QVERIFY2(err.startsWith("export: ") && err.count('\n') == 1 && err.contains(message.toLocal8Bit()), err.constData());
+        const Run run = QByteArray(QTest::currentDataTag()).startsWith("dialog")
+            ? exportCatching(args, tmp_.filePath(QStringLiteral("stderr"))) : testprograms::wdl(QStringList{"export"} + args);
+        QCOMPARE(run.code, code);
         if (code == 0)
-            QVERIFY2(stdOut.contains(message.toLocal8Bit()) && err.isEmpty(), err.constData());
+            QVERIFY2(run.out.contains(message.toLocal8Bit()) && run.err.isEmpty(), run.err.constData());
+        else   // one line; for a wrong command line the usage follows
+            QCOMPARE(QString::fromLocal8Bit(run.err), (code == 1 ? "export: " : "") + message + '\n' + (code == 2 ? usage_ : QString()));
         if (code == 0 && !out.isEmpty())
             QVERIFY(readFile(out).startsWith(args.contains("-vcd") ? "$comment" : "// Verilog test vectors of counter.wdl"));
         else if (QFileInfo(out).isFile())

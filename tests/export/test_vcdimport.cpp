@@ -1,4 +1,4 @@
-// VCD in and WaveJSON out, through `wdl`: simulator dumps and our own export, options, faults, WaveDrom.
+// VCD in and WaveJSON out, through `wdl`: simulator dumps, options, faults, WaveDrom (our own VCD: test_export).
 #include "simulation.h"
 
 #include <QDir>
@@ -15,11 +15,6 @@ const QByteArray vcdHead = "$timescale 1 ns $end\n$scope module top $end\n$var w
                            "$var reg 4 # d [3:0] $end\n$var real 64 % r $end\n$upscope $end\n$enddefinitions $end\n";
 const QByteArray vcdBody = "#0\n$dumpvars\n0!\nbxxxx #\nr0.5 %\n$end\n#5\n1!\nb1010 #\n#10\n0!\nb1z1z #\n"
                            "#15\nb1 #\nU!\n#20\nH!\nbzzzz #\n#30\n";
-
-Run wdl(const QString& dir, const QStringList& args)
-{
-    return runProgram(dir, QStringLiteral(VOK_WDL_PATH), args);
-}
 
 // The document's lines from the first wave on, after its time settings.
 QByteArray wavesOf(const QByteArray& document)
@@ -39,43 +34,6 @@ class TestVcdImport : public QObject
     QString file(const QString& name) const { return tmp_.filePath(name); }
 
 private Q_SLOTS:
-    // Export, import, export again: the two dumps hold the same changes.
-    void ownExportComesBack_data()
-    {
-        QTest::addColumn<QByteArray>("document");
-        for (const char* name : {"counter.wdl", "cpu_bus.wdl"})
-            QTest::newRow(name) << readFile(exampleFile(QLatin1String(name)));
-        const QByteArray waves = "a.b { A I Default NRZ 7 1 50 } = 1 5 3 4 0 6(2 3 1 2)##;\n"
-                                 "[one0...one0] { A O Default NRZ 0 1 50 } = 1 3 0 9;\n"
-                                 "e[p,q,r] { A B Default NRZ 2 1 50 } = 5 4 5 4 HighZ 8 DonTCare 3 7 2;\n"
-                                 "w[0:69] { A I Default NRZ 0 1 50 } = 3FFFFFFFFFFFFFFFFF 4 0 5;\n";
-        // Several megabytes: words cross the reader's buffer.
-        QByteArray wide = "%ENDTIME = 0;\nh[255:0] { A I Default NRZ 0 1 50 } =";
-        for (int i = 0; i < 20000; ++i)
-            wide += ' ' + QByteArray::number(0x9e3779b97f4a7c15ULL * quint64(i + 1), 16) + ' ' + QByteArray::number(i % 7 + 1);
-        QTest::newRow("a long dump") << wide + ";\n";
-        for (const auto& [unit, decimals] : {std::pair{12, 3}, {9, 1}, {3, 0}, {6, 2}}) {
-            QTest::addRow("unit %d, %d decimals", unit, decimals)
-                << "%SMALLESTUNIT = " + QByteArray::number(unit) + ";\n%DECIMALS = " + QByteArray::number(decimals)
-                       + ";\n%ENDTIME = 60;\n" + waves;
-        }
-    }
-    void ownExportComesBack()
-    {
-        QFETCH(QByteArray, document);
-        QVERIFY(writeFile(file("doc.wdl"), document));
-        QCOMPARE(exportFile("-vcd", file("doc.wdl"), file("doc.vcd")), 0);
-        const Run run = wdl(tmp_.path(), {"import-vcd", "doc.vcd", "-out=back.wdl"});
-        QVERIFY2(run.code == 0 && run.output.isEmpty(), run.output.constData());
-        QCOMPARE(exportFile("-vcd", file("back.wdl"), file("back.vcd")), 0);
-        quint64 end = 0, backEnd = 0;
-        const Dump before = readVcd(readFile(file("doc.vcd")), ~quint64(0), &end);
-        const Dump after = readVcd(readFile(file("back.vcd")), ~quint64(0), &backEnd);
-        QCOMPARE(backEnd, end);
-        const QString difference = differenceOf(before, after);
-        QVERIFY2(difference.isEmpty(), qPrintable(difference));
-    }
-
     // Each simulator's dump, imported and exported again, keeps every change but the real's.
     void simulatorDumpsComeIn_data()
     {
@@ -103,16 +61,16 @@ private Q_SLOTS:
         if (simulator == QLatin1String("iverilog")) {
             QVERIFY(writeFile(dir + "/top.v", source));
             run = runProgram(dir, simulator, {"-o", "sim.vvp", "top.v"});
-            QVERIFY2(run.code == 0, run.output.constData());
+            QVERIFY2(run.code == 0, run.out.constData());
             run = runProgram(dir, QStringLiteral("vvp"), {"-n", "sim.vvp"});
-            QVERIFY2(run.code == 0, run.output.constData());
+            QVERIFY2(run.code == 0, run.out.constData());
         } else {
             QVERIFY(writeFile(dir + "/top.vhd", source));
             const QString failed = runGhdl(dir, QStringLiteral("08"), {"top.vhd"}, "top", {"--vcd=sim.vcd"}, run);
             QVERIFY2(failed.isEmpty(), qPrintable(failed));
         }
-        run = wdl(dir, {"import-vcd", "sim.vcd", "-out=sim.wdl"});
-        QVERIFY2(run.code == 0 && run.output.contains("skipped the real variable top.r"), run.output.constData());
+        run = testprograms::wdl({"import-vcd", "sim.vcd", "-out=sim.wdl"}, dir);
+        QVERIFY2(run.code == 0 && run.err == "wdl: sim.vcd: skipped the real variable top.r\n", run.err.constData());
         QCOMPARE(exportFile("-vcd", dir + "/sim.wdl", dir + "/back.vcd"), 0);
         // A change at the last time stamp, where the document ends, lasts no time.
         quint64 end = 0;
@@ -173,76 +131,68 @@ private Q_SLOTS:
         QFETCH(QByteArray, expected);
         QVERIFY(writeFile(file("in.vcd"), vcd));
         QFile::remove(file("out.wdl"));
-        const Run run = wdl(tmp_.path(), QStringList{"import-vcd", "in.vcd", "-out=out.wdl"} + options);
+        const Run run = testprograms::wdl(QStringList{"import-vcd", "in.vcd", "-out=out.wdl"} + options, tmp_.path());
         if (expected.startsWith('%')) {
-            QVERIFY2(run.code == 0, run.output.constData());
+            QVERIFY2(run.code == 0, run.err.constData());
             QCOMPARE(wavesOf(readFile(file("out.wdl"))), expected);
         } else {
             QCOMPARE(run.code, 1);
             // Notes on what was left out may come first.
-            QVERIFY2(run.output.endsWith("wdl: in.vcd: " + expected.replace("\n", "\nwdl: in.vcd: ") + '\n'),
-                     run.output.constData());
+            QVERIFY2(run.err.endsWith("wdl: in.vcd: " + expected.replace("\n", "\nwdl: in.vcd: ") + '\n'),
+                     run.err.constData());
             QVERIFY(!QFileInfo::exists(file("out.wdl")));
         }
     }
 
-    // Steps of the common divisor: x before the offset, an "=" per bus segment, tails up to the end.
-    void waveJsonLanes_data()
+    // Steps of the common divisor: x before the offset, an "=" per bus segment, tails up to the end. The
+    // examples as kept in data/. Every lane as long as the others, drawn by WaveDrom where installed.
+    void waveJson_data()
     {
         QTest::addColumn<QByteArray>("document");
-        QTest::addColumn<QByteArray>("lanes");
+        QTest::addColumn<QByteArray>("expected");
+        auto json = [](const char* lane, const char* step) {
+            return "{\"signal\": [\n  " + QByteArray(lane) + "\n],\n\"foot\": {\"text\": \"step " + step + "\"}}\n";
+        };
+        const QByteArray w = " { A I Default NRZ 0 1 50 } =";
         QTest::newRow("offset and z") << QByteArray("%ENDTIME = 20;\na { A I Default NRZ 5 1 50 } = 1 5 3 5 0 5;\n")
-                                      << QByteArray("{\"name\": \"a\", \"wave\": \"x1z0\"}], step 5 ps");
-        QTest::newRow("bus") << QByteArray("%ENDTIME = 40;\nd[7:0] { A I Default NRZ 0 1 50 } = 5A 10 5A 10 DonTCare 10;\n")
-                             << QByteArray("{\"name\": \"d[7:0]\", \"wave\": \"==x.\", \"data\": [\"5A\", \"5A\"]}], step 10 ps");
-        QTest::newRow("tail, a quote") << QByteArray("%ENDTIME = 12;\nsay\"c { A I Default NRZ 0 1 50 } =(1 2 0 4)##;\n")
-                                       << QByteArray("{\"name\": \"say\\\"c\", \"wave\": \"10.10.\"}], step 2 ps");
-        QTest::newRow("tenths of a ns") << QByteArray("%SMALLESTUNIT = 9;\n%DECIMALS = 1;\n%ENDTIME = 30;\n"
-                                                      "a { A I Default NRZ 0 1 50 } = 1 10 0 20;\n")
-                                        << QByteArray("{\"name\": \"a\", \"wave\": \"10.\"}], step 1 ns");
+                                      << json(R"({"name": "a", "wave": "x1z0"})", "5 ps");
+        QTest::newRow("bus") << "%ENDTIME = 40;\nd[7:0]" + w + " 5A 10 5A 10 DonTCare 10;\n"
+                             << json(R"({"name": "d[7:0]", "wave": "==x.", "data": ["5A", "5A"]})", "10 ps");
+        QTest::newRow("tail, a quote") << "%ENDTIME = 12;\nsay\"c" + w + "(1 2 0 4)##;\n"
+                                       << json("{\"name\": \"say\\\"c\", \"wave\": \"10.10.\"}", "2 ps");
+        QTest::newRow("tenths of a ns") << "%SMALLESTUNIT = 9;\n%DECIMALS = 1;\n%ENDTIME = 30;\na" + w + " 1 10 0 20;\n"
+                                        << json(R"({"name": "a", "wave": "10."})", "1 ns");
+        for (const char* name : {"counter", "cpu_bus"})
+            QTest::newRow(name) << readFile(exampleFile(name + QStringLiteral(".wdl")))
+                                << readFile(QStringLiteral(VOK_SOURCE_DIR "/tests/export/data/") + name + ".json");
     }
-    void waveJsonLanes()
+    void waveJson()
     {
         QFETCH(QByteArray, document);
-        QFETCH(QByteArray, lanes);
-        QVERIFY(writeFile(file("lanes.wdl"), document));
-        QCOMPARE(exportFile("-wavejson", file("lanes.wdl"), file("lanes.json")), 0);
-        QCOMPARE(readFile(file("lanes.json")).replace("\n", "").replace(",\"foot\": {\"text\": \"", ", "),
-                 "{\"signal\": [  " + lanes + "\"}}");
-    }
-
-    // The examples' WaveJSON as expected, lanes of equal length, drawn by WaveDrom where installed.
-    void waveJsonOfTheExamples_data()
-    {
-        QTest::addColumn<QString>("name");
-        for (const char* name : {"counter", "cpu_bus"})
-            QTest::newRow(name) << name;
-    }
-    void waveJsonOfTheExamples()
-    {
-        QFETCH(QString, name);
-        const QString json = file(name + ".json");
-        const Run run = wdl(tmp_.path(), {"export", "wavejson", exampleFile(name + ".wdl"), "-out=" + json});
-        QVERIFY2(run.code == 0, run.output.constData());
-        QCOMPARE(readFile(json), readFile(QStringLiteral(VOK_SOURCE_DIR "/tests/export/data/") + name + ".json"));
-        const QJsonArray lanes = QJsonDocument::fromJson(readFile(json)).object().value("signal").toArray();
-        QVERIFY(!lanes.isEmpty());
+        QFETCH(QByteArray, expected);
+        QVERIFY(writeFile(file("doc.wdl"), document));
+        const Run run = testprograms::wdl({"export", "wavejson", "doc.wdl", "-out=doc.json"}, tmp_.path());
+        QVERIFY2(run.code == 0, run.err.constData());
+        QCOMPARE(readFile(file("doc.json")), expected);
+        const QJsonArray lanes = QJsonDocument::fromJson(expected).object().value("signal").toArray();
         for (const QJsonValue& lane : lanes) {
             const QString wave = lane["wave"].toString();
             QCOMPARE(wave.size(), lanes[0]["wave"].toString().size());
             QCOMPARE(wave.count(QLatin1Char('=')), lane["data"].toArray().size());
         }
         const Run root = runProgram(tmp_.path(), QStringLiteral("npm"), {"root", "-g"});
-        const QString modules = QString::fromLocal8Bit(root.output).trimmed();
+        const QString modules = QString::fromLocal8Bit(root.out).trimmed();
         if (root.code != 0 || !QFileInfo::exists(modules + "/wavedrom"))
             QSKIP("the wavedrom package is not installed (npm install -g wavedrom)");
         QVERIFY(writeFile(file("render.js"),
             "const w = require('" + modules.toUtf8() + "/wavedrom');\nconst src = require(process.argv[2]);\n"
             "process.stdout.write(w.onml.stringify(w.renderAny(0, src, w.waveSkin)));\n"));
-        const Run drawn = runProgram(tmp_.path(), QStringLiteral("node"), {"render.js", json});
-        QVERIFY2(drawn.code == 0 && drawn.output.startsWith("<svg"), drawn.output.left(2000).constData());
-        for (const QJsonValue& lane : lanes)
-            QVERIFY2(drawn.output.contains(">" + lane["name"].toString().toUtf8() + "<"), qPrintable(lane["name"].toString()));
+        const Run drawn = runProgram(tmp_.path(), QStringLiteral("node"), {"render.js", file("doc.json")});
+        QVERIFY2(drawn.code == 0 && drawn.out.startsWith("<svg"), drawn.out.left(2000).constData());
+        for (const QJsonValue& lane : lanes) {
+            const QString name = lane["name"].toString();
+            QVERIFY2(drawn.out.contains(">" + name.toHtmlEscaped().toUtf8() + "<"), qPrintable(name));
+        }
     }
 };
 

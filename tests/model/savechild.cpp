@@ -4,20 +4,19 @@
 #include "documentfile.h"
 #include "saveedit.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
-enum class Fault { None, Kill, Remove, Limit };
-Fault g_fault = Fault::None;
+QByteArray g_fault;   // none, kill, remove or limit
 bool g_armed = false;
 long g_steps = 0;
 long g_at = 0;
@@ -27,9 +26,9 @@ void step()
 {
     if (!g_armed || ++g_steps != g_at)
         return;
-    if (g_fault == Fault::Kill)
+    if (g_fault == "kill")
         syscall(SYS_kill, getpid(), SIGKILL);
-    if (g_fault == Fault::Remove) {
+    if (g_fault == "remove") {
         g_armed = false;
         QDir(g_folder).removeRecursively();
         g_armed = true;
@@ -45,25 +44,13 @@ ssize_t write(int fd, const void* buffer, size_t size)
         step();
     return syscall(SYS_write, fd, buffer, size);
 }
-int fsync(int fd)
-{
-    step();
-    return int(syscall(SYS_fsync, fd));
-}
-int fdatasync(int fd)
-{
-    step();
-    return int(syscall(SYS_fdatasync, fd));
-}
+int fsync(int fd) { step(); return int(syscall(SYS_fsync, fd)); }
+int fdatasync(int fd) { step(); return int(syscall(SYS_fdatasync, fd)); }
+int rename(const char* from, const char* to) { step(); return int(syscall(SYS_rename, from, to)); }
 int linkat(int fromDir, const char* from, int toDir, const char* to, int flags)
 {
     step();
     return int(syscall(SYS_linkat, fromDir, from, toDir, to, flags));
-}
-int rename(const char* from, const char* to)
-{
-    step();
-    return int(syscall(SYS_rename, from, to));
 }
 int renameat2(int fromDir, const char* from, int toDir, const char* to, unsigned flags)
 {
@@ -74,28 +61,21 @@ int renameat2(int fromDir, const char* from, int toDir, const char* to, unsigned
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
-    const QStringList args = app.arguments();
-    if (args.size() != 5)
+    if (argc != 5)
         return 2;
-    const QString path = args[1];
-    const QString fault = args[3];
-    g_at = args[4].toLong();
+    const QString path = QString::fromLocal8Bit(argv[1]);
+    g_fault = argv[3];
+    g_at = std::atol(argv[4]);
     g_folder = QFileInfo(path).absolutePath();
-    g_fault = fault == QLatin1String("kill")     ? Fault::Kill
-              : fault == QLatin1String("remove") ? Fault::Remove
-              : fault == QLatin1String("limit")  ? Fault::Limit
-                                                 : Fault::None;
-
     kesu::toolvok::WaveformData document;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return 2;
     document.loadData(file);
     file.close();
-    saveedit::addStressWave(document, args[2].toInt());
+    saveedit::addStressWave(document, std::atoi(argv[2]));
 
-    if (g_fault == Fault::Limit) {
+    if (g_fault == "limit") {
         std::signal(SIGXFSZ, SIG_IGN);   // a failing write, not a dead program
         const rlimit limit{rlim_t(g_at), rlim_t(g_at)};
         setrlimit(RLIMIT_FSIZE, &limit);

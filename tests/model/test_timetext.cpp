@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 using namespace kesu::toolvok;
 using namespace modeltest;
@@ -177,16 +178,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("text");
         QTest::addColumn<int>("radix");
-        QTest::newRow("empty") << QByteArray("") << 16;
-        QTest::newRow("G in hex") << QByteArray("G") << 16;
-        QTest::newRow("inner blank") << QByteArray("1 2") << 10;
-        QTest::newRow("leading blank") << QByteArray(" 12") << 10;
-        QTest::newRow("minus sign") << QByteArray("-5") << 10;
-        QTest::newRow("plus sign") << QByteArray("+5") << 10;
-        QTest::newRow("0x prefix") << QByteArray("0x1F") << 16;
-        QTest::newRow("2 in binary") << QByteArray("0102") << 2;
-        QTest::newRow("8 in octal") << QByteArray("78") << 8;
-        QTest::newRow("high impedance") << QByteArray("-2") << 16;
+        // Empty, a letter beyond the radix, blanks, signs, a prefix, a digit beyond the radix, high impedance.
+        for (const auto& [text, radix] : {std::pair{"", 16}, {"G", 16}, {"1 2", 10}, {" 12", 10}, {"-5", 10}, {"+5", 10},
+                                          {"0x1F", 16}, {"0102", 2}, {"78", 8}, {"-2", 16}})
+            QTest::addRow("'%s' in radix %d", text, radix) << QByteArray(text) << radix;
     }
     void rejectsTextThatIsNoNumber()
     {

@@ -34,26 +34,6 @@ class TestWaveData : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void lastSegment_data()
-    {
-        QTest::addColumn<QString>("segs");
-        QTest::addColumn<quint64>("lastStart");
-        QTest::addColumn<QString>("lastValue");
-        QTest::newRow("plain") << "0:10 1:20" << quint64(110) << "1";
-        QTest::newRow("empty") << "" << NoTime << "-1";
-        // Durations are widened with their sign.
-        QTest::newRow("negative duration") << "0:10 1:-4 0:20" << quint64(106) << "0";
-    }
-    void lastSegment()
-    {
-        QFETCH(QString, segs);
-        auto w = makeWave("w", segs, 100);
-        QTEST(w->getPatternStart(w->patterns.isEmpty() ? nullptr : w->patterns.last()), "lastStart");
-        QTEST(QString::fromStdString(w->getLastValue()), "lastValue");
-        Pattern stranger("0", 10);
-        QCOMPARE(w->getPatternStart(&stranger), NoTime);
-    }
-
     void insertData()
     {
         auto w = makeWave("w", "0:1 1:2 (0:3");

@@ -1,4 +1,4 @@
-// The start-time index behind time look-ups: walk answers, kept right by every edit, cheap near the end.
+// The start-time index behind time look-ups (segment starts, the last value): walk answers, kept right by every edit, cheap near the end.
 
 #include "modeltestutil.h"
 
@@ -53,8 +53,12 @@ private Q_SLOTS:
                 QCOMPARE(w->firstSegmentEndingAfter(t), after);
                 QCOMPARE(w->getNextChange(t), after < w->patterns.size() ? ends[after + 1] : NoTime);
             }
-            for (int i = 0; i < ends.size(); ++i)
+            for (int i = 0; i < ends.size(); ++i) {
                 QCOMPARE(w->segmentStart(i), ends[i]);
+                QCOMPARE(w->getPatternStart(w->patterns.value(i)), i < w->patterns.size() ? ends[i] : NoTime);
+            }
+            // The last value, or "-1" (don't care) for no segment at all.
+            QCOMPARE(w->getLastValue(), w->patterns.isEmpty() ? std::string("-1") : w->patterns.last()->value);
             QCOMPARE(w->getEndTime(), ends.last());
             QCOMPARE(w->segmentStart(int(ends.size())), NoTime);
         }
