@@ -9,6 +9,7 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace kesu::toolvok {
 
@@ -16,10 +17,7 @@ namespace {
 
 const char* languageName(Language language)
 {
-    return language == Language::Vhdl      ? "VHDL"
-        : language == Language::Verilog  ? "Verilog"
-        : language == Language::WaveJson ? "WaveJSON"
-                                         : "VCD";
+    return language == Language::Vhdl ? "VHDL" : language == Language::Verilog ? "Verilog" : "VCD";
 }
 
 // -1 for a character that is no hexadecimal digit.
@@ -39,7 +37,7 @@ int hexDigit(char c)
 
 // The bus of the wave as a vector: its name without the brackets and its
 // range as declared; an element list counts down from its width.
-bool describeSignal(const WaveData& wave, Language language, ExportSignal& signal, QString& error)
+bool describeSignal(const WaveData& wave, std::optional<Language> language, ExportSignal& signal, QString& error)
 {
     const BusName bus = wave.isBus ? parseBusName(wave.name) : BusName();
     QString name = wave.name;
@@ -56,9 +54,11 @@ bool describeSignal(const WaveData& wave, Language language, ExportSignal& signa
         signal.left = signal.width - 1;
         signal.vector = true;
     }
-    signal.id = identifierFor(name, language);
+    if (!language)
+        return true;
+    signal.id = identifierFor(name, *language);
     if (signal.id.isEmpty()) {
-        error = QStringLiteral("wave \"%1\" cannot be named in %2").arg(wave.name, QLatin1String(languageName(language)));
+        error = QStringLiteral("wave \"%1\" cannot be named in %2").arg(wave.name, QLatin1String(languageName(*language)));
         return false;
     }
     if (language == Language::Vhdl && (signal.left < 0 || signal.right < 0)) {
@@ -105,6 +105,24 @@ bool checkSegments(const WaveData& wave, ExportSignal& signal, quint64& endTime,
     return true;
 }
 
+// The identifier becomes the wave's, unless another wave or the export
+// itself (a null wave in taken) has it already.
+bool claimIdentifier(const WaveData& wave, const QByteArray& id, Language language,
+                     QHash<QByteArray, const WaveData*>& taken, QString& error)
+{
+    const QByteArray key = identifierKey(id, language);
+    const auto other = taken.constFind(key);
+    if (other == taken.constEnd()) {
+        taken.insert(key, &wave);
+        return true;
+    }
+    const QString shown = QString::fromLatin1(id.trimmed());
+    error = other.value() ? QStringLiteral("waves \"%1\" and \"%2\" would both be %3 in %4")
+                                .arg(other.value()->name, wave.name, shown, QLatin1String(languageName(language)))
+                          : QStringLiteral("wave \"%1\" would be %2, a name the export declares itself").arg(wave.name, shown);
+    return false;
+}
+
 bool checkTick(const WaveformData& document, ExportPlan& plan, QString& error)
 {
     plan.tickExponent = document.smallestUnit + document.decimals;
@@ -115,7 +133,7 @@ bool checkTick(const WaveformData& document, ExportPlan& plan, QString& error)
     return false;
 }
 
-bool checkEndTime(Language language, const ExportPlan& plan, QString& error)
+bool checkEndTime(std::optional<Language> language, const ExportPlan& plan, QString& error)
 {
     using Wide = unsigned __int128;
     Wide femtoseconds = plan.endTime;
@@ -169,7 +187,7 @@ bool valueBits(const std::string& value, bool bus, int width, bool upperCase, ch
     return true;
 }
 
-bool makePlan(const WaveformData& document, Language language, const QSet<QByteArray>& reserved,
+bool makePlan(const WaveformData& document, std::optional<Language> language, const QSet<QByteArray>& reserved,
               ExportPlan& plan, QString& error)
 {
     plan.document = &document;
@@ -180,7 +198,7 @@ bool makePlan(const WaveformData& document, Language language, const QSet<QByteA
     plan.endTime = document.endTime;
     QHash<QByteArray, const WaveData*> taken;
     for (const QByteArray& name : reserved)
-        taken.insert(identifierKey(name, language), nullptr);
+        taken.insert(identifierKey(name, language.value()), nullptr);
     for (const WaveData* wave : document.waves) {
         if (wave->isPattern || wave->polarity == 5) {
             // Named patterns are already laid down in the waves that use them.
@@ -189,20 +207,9 @@ bool makePlan(const WaveformData& document, Language language, const QSet<QByteA
         }
         ExportSignal signal;
         signal.wave = wave;
-        if (!describeSignal(*wave, language, signal, error) || !checkSegments(*wave, signal, plan.endTime, error))
+        if (!describeSignal(*wave, language, signal, error) || !checkSegments(*wave, signal, plan.endTime, error)
+            || (language && !claimIdentifier(*wave, signal.id, *language, taken, error)))
             return false;
-        const QByteArray key = identifierKey(signal.id, language);
-        // WaveJSON names its waves with their own names, which may repeat.
-        const auto other = language == Language::WaveJson ? taken.constEnd() : taken.constFind(key);
-        if (other != taken.constEnd()) {
-            const QString id = QString::fromLatin1(signal.id.trimmed());
-            error = other.value()
-                ? QStringLiteral("waves \"%1\" and \"%2\" would both be %3 in %4")
-                      .arg(other.value()->name, wave->name, id, QLatin1String(languageName(language)))
-                : QStringLiteral("wave \"%1\" would be %2, a name the export declares itself").arg(wave->name, id);
-            return false;
-        }
-        taken.insert(key, wave);
         plan.signals.push_back(signal);
     }
     return checkEndTime(language, plan, error);

@@ -9,6 +9,7 @@
 #include <QSet>
 #include <QString>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,7 +20,7 @@ class WaveformData;
 
 struct ExportSignal {
     const WaveData* wave = nullptr;
-    QByteArray id;          // the identifier as written
+    QByteArray id;          // the identifier as written; none without a language
     int width = 1;
     bool vector = false;    // declared with a range, even of one bit
     qint64 left = 0;        // the range as declared, left bound first
@@ -38,9 +39,11 @@ struct ExportPlan {
 };
 
 // Fills plan for language; false with the reason in error (one line) when
-// the document cannot be written exactly. reserved names are identifiers the
-// export itself declares beside the waves.
-bool makePlan(const WaveformData& document, Language language, const QSet<QByteArray>& reserved,
+// the document cannot be written exactly. Each wave gets an identifier of
+// the language that no other wave has, nor the names in reserved, which the
+// export itself declares; without a language the waves keep their names,
+// repeats and all, and get no identifier.
+bool makePlan(const WaveformData& document, std::optional<Language> language, const QSet<QByteArray>& reserved,
               ExportPlan& plan, QString& error);
 
 // The value's bits, most significant first, into out (width characters):

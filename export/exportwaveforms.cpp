@@ -19,7 +19,7 @@ constexpr int Stopped = 2;
 
 struct Format {
     const char* option;
-    Language language;
+    std::optional<Language> language;   // of the identifiers, if the format has any
     void (*write)(const ExportPlan&, OutputStream&);
 };
 
@@ -28,7 +28,7 @@ const Format formats[] = {
     {"-vhdl93", Language::Vhdl, writeVhdlVectors},
     {"-vhdl94", Language::Vhdl, writeVhdlTestBench},
     {"-vcd", Language::Vcd, writeVcd},
-    {"-wavejson", Language::WaveJson, writeWaveJson},
+    {"-wavejson", std::nullopt, writeWaveJson},
 };
 
 struct Arguments {

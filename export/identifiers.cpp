@@ -74,8 +74,6 @@ QByteArray identifierFor(const QString& name, Language language)
 {
     static const QRegularExpression verilogPlain(QStringLiteral("\\A[A-Za-z_][A-Za-z0-9_$]*\\z"));
     static const QRegularExpression vhdlBasic(QStringLiteral("\\A[A-Za-z](_?[A-Za-z0-9])*\\z"));
-    if (language == Language::WaveJson)
-        return name.toUtf8();
     const QByteArray bytes = name.toLatin1();
     if (language == Language::Vhdl) {
         if (vhdlBasic.match(name).hasMatch() && !vhdlKeywords().contains(bytes.toLower()))

@@ -6,9 +6,9 @@
 
 namespace kesu::toolvok {
 
-enum class Language { Verilog, Vhdl, Vcd, WaveJson };
+enum class Language { Verilog, Vhdl, Vcd };
 
-// The name as an identifier of the language (WaveJSON takes any name): as it stands when it is a legal
+// The name as an identifier of the language: as it stands when it is a legal
 // one, else escaped (Verilog "\name ", VCD the same without the blank) or
 // extended (VHDL "\name\"). Empty when no identifier can carry the name
 // (white space or characters outside printable ASCII).

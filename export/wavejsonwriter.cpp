@@ -4,6 +4,9 @@
 #include "course.h"
 #include "writers.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+
 #include <numeric>
 
 namespace kesu::toolvok {
@@ -21,21 +24,11 @@ quint64 commonStep(const ExportPlan& plan)
     return step == 0 ? 1 : step;
 }
 
-std::string jsonString(const QString& text)
+// The text as a JSON string, quotes included.
+QByteArray jsonString(const QString& text)
 {
-    std::string out = "\"";
-    for (const char c : text.toStdString()) {
-        if (c == '"' || c == '\\') {
-            out.push_back('\\');
-            out.push_back(c);
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            static const char hex[] = "0123456789abcdef";
-            out.append("\\u00").append(1, hex[c >> 4]).append(1, hex[c & 15]);
-        } else {
-            out.push_back(c);
-        }
-    }
-    return out + '"';
+    const QByteArray array = QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+    return array.mid(1, array.size() - 2);
 }
 
 // One wave's characters: its state at each step, "." where it goes on, and
@@ -43,10 +36,10 @@ std::string jsonString(const QString& text)
 void writeWave(const ExportSignal& signal, quint64 endTime, quint64 step, OutputStream& out)
 {
     out << "  {\"name\": " << jsonString(signal.wave->name) << ", \"wave\": \"";
-    std::string data;
+    QByteArray data;
     char last = 0;
     Course course(signal, endTime);
-    while (!course.done() && course.time() < endTime) {
+    while (out.ok() && !course.done() && course.time() < endTime) {
         const quint64 start = course.time();
         const std::string* value = course.value();
         course.step();
@@ -56,14 +49,14 @@ void writeWave(const ExportSignal& signal, quint64 endTime, quint64 step, Output
             : signal.wave->isBus                               ? '='
                                                                : (*value)[0];
         if (state == '=')
-            data.append(data.empty() ? "" : ", ").append(jsonString(QString::fromStdString(*value)));
+            data.append(data.isEmpty() ? "" : ", ").append(jsonString(QString::fromStdString(*value)));
         out << (state == last && state != '=' ? '.' : state);
         for (quint64 n = (end - start) / step; n > 1; --n)
             out << '.';
         last = state;
     }
     out << '"';
-    if (!data.empty())
+    if (!data.isEmpty())
         out << ", \"data\": [" << data << ']';
     out << '}';
 }
@@ -74,7 +67,8 @@ void writeWaveJson(const ExportPlan& plan, OutputStream& out)
 {
     const quint64 step = commonStep(plan);
     out << "{\"signal\": [\n";
-    for (size_t i = 0; i < plan.signals.size(); ++i) {
+    // A stopped stream writes nothing more: the waves left are not worked out.
+    for (size_t i = 0; i < plan.signals.size() && out.ok(); ++i) {
         writeWave(plan.signals[i], plan.endTime, step, out);
         out << (i + 1 < plan.signals.size() ? ",\n" : "\n");
     }

@@ -9,6 +9,15 @@ WaveformData::~WaveformData()
     qDeleteAll(waves);
 }
 
+void WaveformData::takeFrom(WaveformData&& other)
+{
+    qDeleteAll(waves);
+    waves.clear();
+    *this = std::move(other);
+    // A moved-from list need not be empty: the waves have one owner only.
+    other.waves.clear();
+}
+
 void WaveformData::addWave(WaveData* wave)
 {
     waves.append(wave);

@@ -29,6 +29,9 @@ public:
     WaveformData(const WaveformData&) = delete;
     WaveformData& operator=(const WaveformData&) = delete;
 
+    // Becomes `other`: its waves (which it no longer holds), settings and
+    // load problem; this document's own waves are deleted.
+    void takeFrom(WaveformData&& other);
     void addWave(WaveData* wave);
     int removeWave(WaveData* wave);
     WaveData* findWavebyName(const QString& name) const;
@@ -54,6 +57,10 @@ public:
     quint64 endTime = 1000;
     QList<WaveData*> waves;
     LoadError loadError;
+
+private:
+    // Member by member, so takeFrom carries every field added later too.
+    WaveformData& operator=(WaveformData&&) = default;
 };
 
 } // namespace kesu::toolvok

@@ -8,6 +8,7 @@
 #include "waveformdata.h"
 #include "wdltext.h"
 
+#include <QBuffer>
 #include <QByteArrayView>
 #include <QIODevice>
 #include <QStringConverter>
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +32,36 @@ bool hasText(const char* p, size_t size)
 {
     return std::any_of(p, p + size, [](char c) { return !isAsciiSpace(static_cast<unsigned char>(c)); });
 }
+
+// A UTF-16 or UTF-32 file as UTF-8, decoded whole. A read failing part way
+// keeps what came before and fails where the file failed.
+class Utf8Copy : public QBuffer
+{
+public:
+    Utf8Copy(QIODevice& file, QStringConverter::Encoding encoding)
+    {
+        QStringDecoder decoder(encoding);
+        QString text;
+        QByteArray raw(qsizetype(1) << 20, Qt::Uninitialized);
+        qint64 got = 0;
+        while ((got = file.read(raw.data(), raw.size())) > 0)
+            text += decoder(QByteArrayView(raw.constData(), got));
+        setData(text.toUtf8());
+        open(ReadOnly);
+        failed_ = got < 0;
+        setErrorString(file.errorString());
+    }
+
+protected:
+    qint64 readData(char* data, qint64 max) override
+    {
+        const qint64 got = QBuffer::readData(data, max);
+        return got == 0 && failed_ ? -1 : got;
+    }
+
+private:
+    bool failed_ = false;
+};
 
 // Gathers lines into statements and hands each finished one to the reader.
 class StatementReader
@@ -178,44 +210,34 @@ bool WaveReader::readDevice(QIODevice& file, const Progress& progress)
     bool stopped = false;
     StatementReader reader(*this);
     // Behind a mark of UTF-16 or UTF-32 the text is decoded as a text stream
-    // would decode it; anything else is read as UTF-8.
+    // would decode it, once, and read as UTF-8 from memory; anything else is
+    // read as UTF-8 straight from the file.
     const auto encoding = QStringConverter::encodingForData(file.peek(4));
-    const bool decode = encoding && *encoding != QStringConverter::Utf8;
-    QStringDecoder decoder(decode ? *encoding : QStringConverter::Utf8);
+    std::optional<Utf8Copy> utf8;
+    if (encoding && *encoding != QStringConverter::Utf8)
+        utf8.emplace(file, *encoding);
+    QIODevice& in = utf8 ? *utf8 : file;
     // Qt's decoding drops one byte order mark, and the reader another.
-    reader.marksToSkip = decode ? 1 : 2;
-    // The file is read in pieces through one buffer, so that the text never
-    // has to be in memory at once; a line longer than the buffer grows it.
+    reader.marksToSkip = utf8 ? 1 : 2;
+    // A UTF-8 file is read in pieces through one buffer, so that its text
+    // never has to be in memory at once; a line longer than the buffer grows it.
     constexpr qint64 Piece = qint64(1) << 20;
     std::vector<char> buffer(static_cast<size_t>(Piece));
-    QByteArray raw;
     size_t held = 0;
-    // The next piece as UTF-8 behind what the buffer holds: its size, 0 at
-    // the end, -1 when the device fails.
+    // The next piece behind what the buffer holds: its size, 0 at the end,
+    // -1 when the device fails.
     auto readPiece = [&]() -> qint64 {
-        if (!decode) {
-            if (buffer.size() - held < size_t(Piece))
-                buffer.resize(std::max(buffer.size() * 2, held + size_t(Piece)));
-            const qint64 got = file.read(buffer.data() + held, Piece);
-            held += size_t(std::max<qint64>(got, 0));
-            return got;
-        }
-        raw.resize(Piece);
-        const qint64 got = file.read(raw.data(), Piece);
-        if (got <= 0)
-            return got;
-        const QByteArray text = QString(decoder(QByteArrayView(raw.constData(), got))).toUtf8();
-        if (buffer.size() - held < size_t(text.size()))
-            buffer.resize(std::max(buffer.size() * 2, held + size_t(text.size())));
-        std::memcpy(buffer.data() + held, text.constData(), size_t(text.size()));
-        held += size_t(text.size());
-        return std::max<qint64>(text.size(), 1);
+        if (buffer.size() - held < size_t(Piece))
+            buffer.resize(std::max(buffer.size() * 2, held + size_t(Piece)));
+        const qint64 got = in.read(buffer.data() + held, Piece);
+        held += size_t(std::max<qint64>(got, 0));
+        return got;
     };
     bool textAfterStop = false;
     for (;;) {
         const qint64 got = readPiece();
         if (got < 0) {
-            fail(reader.lineCount() + 1, QStringLiteral("the file could not be read: %1").arg(file.errorString()));
+            fail(reader.lineCount() + 1, QStringLiteral("the file could not be read: %1").arg(in.errorString()));
             break;
         }
         const size_t used = reader.feed(buffer.data(), held, got == 0);
@@ -233,7 +255,7 @@ bool WaveReader::readDevice(QIODevice& file, const Progress& progress)
         }
         if (got == 0 || reader.stopped())
             break;
-        if (progress && !progress(file.pos(), file.size())) {
+        if (progress && !progress(in.pos(), in.size())) {
             stopped = true;
             break;
         }

@@ -145,8 +145,8 @@ void PageSetupDlg::onFitPage()
     quint64 start = 0, end = 0;
     if (!readRange(start, end))
         return;
-    QPrinter paper(QPrinter::ScreenResolution);
-    const QRect page = paper.pageRect(QPrinter::DevicePixel).toRect();
+    // The paper chosen under "System Page Setup", as printing will use it.
+    const QRect page = m_printer->pageRect(QPrinter::DevicePixel).toRect();
     const int r = page.right() - page.left();
     const qint64 usable = m_name->isChecked() ? r - (NameColumn - 1) : r + 1;
     const quint64 steps = end > start ? (end - start) / m_gui->step() : 0;

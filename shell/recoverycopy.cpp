@@ -13,8 +13,6 @@
 namespace kesu::toolvok {
 
 namespace {
-int g_interval = 30000;
-
 QString lockPath(const QString& copyFile)
 {
     return copyFile.left(copyFile.size() - int(qstrlen(".json"))) + QStringLiteral(".lock");
@@ -43,11 +41,6 @@ RecoveryCopy::~RecoveryCopy()
     discard();
 }
 
-void RecoveryCopy::setInterval(int milliseconds)
-{
-    g_interval = milliseconds;
-}
-
 QString RecoveryCopy::folder()
 {
     return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + QStringLiteral("/recovery");
@@ -56,7 +49,7 @@ QString RecoveryCopy::folder()
 void RecoveryCopy::changed()
 {
     if (!m_timer.isActive())
-        m_timer.start(g_interval);
+        m_timer.start(m_interval);
 }
 
 void RecoveryCopy::discard()

@@ -46,8 +46,8 @@ public:
     bool writeNow();
     bool pending() const { return m_timer.isActive(); }
 
-    // 30 s; tests shorten it.
-    static void setInterval(int milliseconds);
+    // 30 s unless set otherwise; it counts from the next change.
+    void setInterval(int milliseconds) { m_interval = milliseconds; }
     static QString folder();
     // Copies no running program holds, newest first.
     static QList<Copy> leftovers();
@@ -56,6 +56,7 @@ public:
 private:
     std::function<Document()> m_source;
     QTimer m_timer;
+    int m_interval = 30000;
     QString m_base;   // the copy's path without extension, unique to this document
     std::unique_ptr<QLockFile> m_lock;
 };

@@ -113,15 +113,14 @@ VokGUI::~VokGUI()
 
 void VokGUI::readColors()
 {
-    const char* const keys[] = {"color_back", "color_names", "color_h", "color_signal", "color_bus", "color_x", "color_z"};
     m_paletteColors = defaultColors(palette());
-    const QList<QColor*> fields = colorFields();
+    const QList<ColorSetting> fields = colorSettings();
     for (int i = 0; i < fields.size(); ++i) {
-        const QVariant stored = m_usrSettings->value(QLatin1String(keys[i]));
+        const QVariant stored = m_usrSettings->value(fields.at(i).key);
         // A stored value that is not a colour keeps the default.
         const QColor color = stored.metaType().id() == QMetaType::QColor ? stored.value<QColor>()
                                                                         : QColor(stored.toString());
-        *fields.at(i) = stored.isValid() && color.isValid() ? color : m_paletteColors.at(i);
+        *fields.at(i).color = stored.isValid() && color.isValid() ? color : m_paletteColors.at(i);
     }
 }
 

@@ -385,7 +385,12 @@ private:
     // Reads the file into m_preloaded, which loadData then takes in place of
     // reading it again; false when the user cancelled the read.
     bool preload(const QString& path);
-    QList<QColor*> colorFields();
+    // The drawing colours with their settings keys, in settings order.
+    struct ColorSetting {
+        QLatin1String key;
+        QColor* color;
+    };
+    QList<ColorSetting> colorSettings();
     void setUpRecovery();
     void watchDocumentFile();
     bool changedOnDisk(const QString& path) const;

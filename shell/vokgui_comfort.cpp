@@ -27,9 +27,12 @@ QList<QColor> VokGUI::defaultColors(const QPalette& palette)
             wave, wave, dark ? QColor(255, 96, 96) : QColor(Qt::red), dark ? QColor(150, 150, 150) : QColor(Qt::gray)};
 }
 
-QList<QColor*> VokGUI::colorFields()
+QList<VokGUI::ColorSetting> VokGUI::colorSettings()
 {
-    return {&color_back, &color_names, &color_h, &color_signal, &color_bus, &color_x, &color_z};
+    return {{QLatin1String("color_back"), &color_back},     {QLatin1String("color_names"), &color_names},
+            {QLatin1String("color_h"), &color_h},           {QLatin1String("color_signal"), &color_signal},
+            {QLatin1String("color_bus"), &color_bus},       {QLatin1String("color_x"), &color_x},
+            {QLatin1String("color_z"), &color_z}};
 }
 
 void VokGUI::createComfort()
@@ -118,10 +121,10 @@ void VokGUI::followPalette()
     // Only the colours still at the old palette's defaults follow: the ones
     // the user chose stay.
     const QList<QColor> next = defaultColors(QApplication::palette(this));
-    const QList<QColor*> fields = colorFields();
+    const QList<ColorSetting> fields = colorSettings();
     for (int i = 0; i < fields.size(); ++i) {
-        if (*fields.at(i) == m_paletteColors.value(i))
-            *fields.at(i) = next.at(i);
+        if (*fields.at(i).color == m_paletteColors.value(i))
+            *fields.at(i).color = next.at(i);
     }
     m_paletteColors = next;
     Refresh();

@@ -19,13 +19,7 @@ bool VokGUI::loadData(QFile& file)
 {
     if (m_preloaded && m_preloadedPath == file.fileName()) {
         // The document was read already (Open, with progress): it moves in.
-        std::swap(m_data->waves, m_preloaded->waves);
-        m_data->masterClockMult = m_preloaded->masterClockMult;
-        m_data->smallestUnit = m_preloaded->smallestUnit;
-        m_data->autoAssign = m_preloaded->autoAssign;
-        m_data->decimals = m_preloaded->decimals;
-        m_data->endTime = m_preloaded->endTime;
-        m_data->loadError = m_preloaded->loadError;
+        m_data->takeFrom(std::move(*m_preloaded));
         m_preloaded.reset();
     } else {
         m_data->loadData(file);

@@ -75,14 +75,12 @@ void VokGUI::SaveWinSettings()
     s.setValue(QStringLiteral("main_splitter_1"), sizes.value(1, 600));
     // A colour at the palette's default is not stored, so that it keeps
     // following the desktop's palette, light or dark.
-    const char* const colorKeys[] = {"color_back", "color_names", "color_h", "color_signal",
-                                     "color_bus", "color_x", "color_z"};
-    const QList<QColor*> fields = colorFields();
+    const QList<ColorSetting> fields = colorSettings();
     for (int i = 0; i < fields.size(); ++i) {
-        if (*fields.at(i) == m_paletteColors.value(i))
-            s.settings().remove(QLatin1String(colorKeys[i]));
+        if (*fields.at(i).color == m_paletteColors.value(i))
+            s.settings().remove(fields.at(i).key);
         else
-            s.setValue(QLatin1String(colorKeys[i]), *fields.at(i));
+            s.setValue(fields.at(i).key, *fields.at(i).color);
     }
     s.setValue(QStringLiteral("bus_radix"), QString::number(m_busRadix));
     s.setValue(QStringLiteral("auto_save"), QString::number(m_autoSave));
@@ -142,12 +140,11 @@ void VokGUI::applyOptions(int busRadix, int autoSave, bool guideline)
 
 void VokGUI::applyColors(QList<QColor> colors)
 {
-    QColor* const ours[] = {&color_back, &color_names, &color_h, &color_signal,
-                            &color_bus, &color_x, &color_z};
-    for (int i = 0; i < 7; ++i) {
+    const QList<ColorSetting> ours = colorSettings();
+    for (int i = 0; i < ours.size(); ++i) {
         const QColor given = colors.value(i + 1);
         if (given.isValid())
-            *ours[i] = given;
+            *ours.at(i).color = given;
     }
     Refresh();
 }

@@ -41,10 +41,8 @@ void VokGUI::fileImportVcd()
     m_title = QStringLiteral("Untitled %1").arg(m_untitleNum++);
     m_fullTitle = m_toolTitle + QStringLiteral(" - ") + m_title;
     NewFile();
-    m_data->smallestUnit = imported->smallestUnit;
-    m_data->decimals = imported->decimals;
-    m_data->endTime = imported->endTime;
-    m_data->waves.swap(imported->waves);
+    // The dump's time base; what a dump does not set starts at its default.
+    m_data->takeFrom(std::move(*imported));
     showDocument();
     SetDirtyBit();
 }

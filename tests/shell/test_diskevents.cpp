@@ -24,8 +24,8 @@ bool otherProgramSaves(const QString& path, const QByteArray& text, bool rename)
 // document, waits for its recovery copy, and then dies at once or closes the window.
 int editAndEnd(const QString& file, bool crash)
 {
-    RecoveryCopy::setInterval(50);
     auto gui = openTool(file);
+    gui->findChild<RecoveryCopy*>()->setInterval(50);
     if (file.isEmpty()) {
         auto* wave = new WaveData(QStringLiteral("typed"));
         wave->insertData(new Pattern("1", 40), nullptr);
@@ -262,10 +262,10 @@ private Q_SLOTS:
     // A copy is written no sooner and no more often than the interval after a change.
     void interval()
     {
-        RecoveryCopy::setInterval(300);
         int written = 0;
         RecoveryCopy copy([&written] { ++written; return RecoveryCopy::Document{{}, QStringLiteral("t"), {}, "x"}; },
                           nullptr);
+        copy.setInterval(300);
         for (int round = 1; round <= 2; ++round) {
             copy.changed();
             QTest::qWait(100);
@@ -275,7 +275,6 @@ private Q_SLOTS:
         }
         copy.discard();
         QVERIFY(QDir(RecoveryCopy::folder()).entryList(QDir::Files).isEmpty());
-        RecoveryCopy::setInterval(30000);
     }
 };
 

@@ -246,6 +246,10 @@ private Q_SLOTS:
         const int bare = dlg.scaleBox()->value();
         dlg.nameBox()->setChecked(true);
         QVERIFY2(dlg.scaleBox()->value() < bare && bare < 200, qPrintable(QString::number(bare)));
+        // The paper set up for printing counts: sideways, the range is drawn wider.
+        tool->printer()->setPageOrientation(QPageLayout::Landscape);
+        dlg.nameBox()->setChecked(false);
+        QVERIFY(dlg.scaleBox()->value() > bare);
         QVERIFY(tool->printSettings().fitPage);
         dlg.fitBox()->setChecked(false);
         QVERIFY(!tool->printSettings().fitPage && dlg.rangeBox()->isEnabled() && dlg.scaleBox()->isEnabled());
