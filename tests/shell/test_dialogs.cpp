@@ -70,8 +70,7 @@ private Q_SLOTS:
     void import_data()
     {
         // -k/+k untick/tick kind k; >> all; >a,b and <a,b pick and move; !file read a bad file
-        QTest::addColumn<QString>("steps");
-        QTest::addColumn<QString>("imported");
+        addColumns<QString, QString>({"steps", "imported"});
         const QString all = "clk:0 rst_n:0 q[0]:1 q[1]:1 io:2 tp:3 vdd:4 odd:3";
         QTest::newRow("all, known and repeated names once") << ">>" << all;
         QTest::newRow("no Input") << "-0 >>" << "q[0]:1 q[1]:1 io:2 tp:3 vdd:4 odd:3 clk:1";
@@ -204,11 +203,9 @@ private Q_SLOTS:
 
     void showAndRemove_data()
     {
-        QTest::addColumn<bool>("showMode");
-        QTest::addColumn<QString>("hidden");
+        addColumns<bool, QString>({"showMode", "hidden"});
         QTest::addColumn<int>("unticked");  // a filter box, -1 none
-        QTest::addColumn<QString>("listed");
-        QTest::addColumn<QString>("picked");
+        addColumns<QString, QString>({"listed", "picked"});
         QTest::addColumn<QString>("after");  // the name list's rows
         const QString all = "$pat a b c d[3:0] e";
         QTest::newRow("remove two, picked last first") << false << "" << -1 << all << "c a" << "$pat b d[3:0] e";

@@ -116,8 +116,7 @@ private Q_SLOTS:
     // Noticed while the window is active, without waiting for the next activation.
     void changedWhileActive_data()
     {
-        QTest::addColumn<bool>("rename");
-        QTest::addColumn<int>("answer");
+        addColumns<bool, int>({"rename", "answer"});
         QTest::newRow("in place, reload") << false << int(QMessageBox::Yes);
         QTest::newRow("in place, keep") << false << int(QMessageBox::No);
         QTest::newRow("renamed over, keep") << true << int(QMessageBox::No);
@@ -175,8 +174,7 @@ private Q_SLOTS:
     // before a save replaces it; the auto-save leaves it alone.
     void saveAsksFirst_data()
     {
-        QTest::addColumn<QString>("how");
-        QTest::addColumn<bool>("replaced");
+        addColumns<QString, bool>({"how", "replaced"});
         QTest::newRow("save, yes") << "save" << true;
         QTest::newRow("save, no") << "save" << false;
         QTest::newRow("auto-save") << "auto" << false;
@@ -208,8 +206,7 @@ private Q_SLOTS:
 
     void killedMidEdit_data()
     {
-        QTest::addColumn<bool>("untitled");
-        QTest::addColumn<QString>("end");
+        addColumns<bool, QString>({"untitled", "end"});
         QTest::addColumn<int>("answer");   // 0: no offer
         QTest::newRow("named, restore") << false << "crash" << int(QMessageBox::Yes);
         QTest::newRow("named, discard") << false << "crash" << int(QMessageBox::No);
@@ -301,3 +298,4 @@ int main(int argc, char** argv)
 }
 
 #include "test_diskevents.moc"
+#include "datatable.h"

@@ -132,8 +132,7 @@ private Q_SLOTS:
 
     void addNewWave_data()
     {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<int>("kind");
+        addColumns<QString, int>({"typed", "kind"});
         QTest::addColumn<QString>("outcome");  // the wave added, or the message shown
         const QString badBus = "Invalid bus name.", badChar = "The wave name contains invalid character.";
         const QString clash = "The wave you are adding conflicts to an existing wave. ";
@@ -190,8 +189,7 @@ private Q_SLOTS:
 
     void timeSettings_data()
     {
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<int>("decimals");
+        addColumns<int, int>({"unit", "decimals"});
         QTest::addColumn<int>("newUnit");      // index picked in the unit box
         QTest::addColumn<int>("newDecimals");  // index picked in the precision box, -1 none
         QTest::addColumn<QString>("offered");  // precisions, @ the current one, on opening -> after the picks

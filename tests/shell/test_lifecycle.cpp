@@ -34,9 +34,7 @@ private Q_SLOTS:
     // The save question on the way out: only Yes saves, only Cancel on closing keeps it.
     void saveQuestion_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<bool>("saved");
+        addColumns<QString, int, bool>({"command", "answer", "saved"});
         QTest::addColumn<QString>("fileAfter");   // none: an empty untitled document
         QTest::addColumn<bool>("modifiedAfter");
         const int yes = QMessageBox::Yes, no = QMessageBox::No, cancel = QMessageBox::Cancel;
@@ -227,3 +225,4 @@ private Q_SLOTS:
 VOK_SANDBOXED_TEST_MAIN(TestLifecycle)
 
 #include "test_lifecycle.moc"
+#include "datatable.h"

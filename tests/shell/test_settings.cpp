@@ -79,8 +79,7 @@ private Q_SLOTS:
     // the next window reads what the last wrote.
     void storedSettings_data()
     {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QString>("expected");
+        addColumns<QByteArray, QString>({"file", "expected"});
         QTest::addColumn<QString>("next");   // a short colour list leaves the last colour
         const QString next = "230 r3 a2 g1 010 ff 00 00 00 ff 80 a0";
         QTest::newRow("first start") << QByteArray() << kDefaults << next;
@@ -160,9 +159,7 @@ private Q_SLOTS:
     // Open; the same in a second window; Clear empties it.
     void recentFilesMenu_data()
     {
-        QTest::addColumn<QString>("opened");
-        QTest::addColumn<QString>("deleted");
-        QTest::addColumn<QString>("menu");
+        addColumns<QString, QString, QString>({"opened", "deleted", "menu"});
         QTest::newRow("newest first, once") << "a b a" << "" << "a b start";
         QTest::newRow("at most eight") << "0 1 2 3 4 5 6 7 8" << "" << "8 7 6 5 4 3 2 1";
         QTest::newRow("missing taken off") << "a gone c" << "gone" << "c a start";
@@ -189,9 +186,7 @@ private Q_SLOTS:
     // What is dropped, whether the window takes it, what it then shows.
     void dropDocument_data()
     {
-        QTest::addColumn<QStringList>("dropped");
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<QString>("shown");
+        addColumns<QStringList, int, QString>({"dropped", "answer", "shown"});
         QTest::newRow("document") << QStringList{"drop.wdl"} << 0 << "drop.wdl";
         QTest::newRow("upper-case suffix") << QStringList{"DROP.WDL"} << 0 << "DROP.WDL";
         QTest::newRow("text file") << QStringList{"notes.txt"} << 0 << "start.wdl";
@@ -226,8 +221,7 @@ private Q_SLOTS:
     // Open cancelled keeps document, changes and recent files; print cancelled leaves no file.
     void longWorkWithProgress_data()
     {
-        QTest::addColumn<QString>("work");
-        QTest::addColumn<bool>("cancel");
+        addColumns<QString, bool>({"work", "cancel"});
         QTest::newRow("open, cancelled") << "open" << true;
         QTest::newRow("open, run through") << "open" << false;
         QTest::newRow("print, cancelled") << "print" << true;
@@ -316,3 +310,4 @@ private Q_SLOTS:
 VOK_SANDBOXED_TEST_MAIN(TestSettings)
 
 #include "test_settings.moc"
+#include "datatable.h"

@@ -8,6 +8,7 @@
 #include "wavelstview.h"
 #include "waveview.h"
 
+#include "datatable.h"
 #include "sandboxedtestmain.h"
 #include "toolfixture.h"
 
@@ -41,14 +42,6 @@ inline QByteArray wdl(const QList<QByteArray>& waves)
 // The y of the middle of a row, and the x of a time at one unit per step.
 constexpr int rowY(int row) { return row * Viewport::RowHeight + Viewport::RowHeight / 2; }
 constexpr int timeX(double t) { return int(t * Viewport::PixelsPerStep); }
-
-// A data table's columns, typed and named in order: addColumns<int, QString>({"count", "name"}).
-template <typename... Types>
-void addColumns(const char* const (&names)[sizeof...(Types)])
-{
-    const char* const* name = names;
-    (QTest::addColumn<Types>(*name++), ...);
-}
 
 // The view from `start` on, `step` units a pixel step.
 inline void setView(VokGUI& gui, quint64 start, quint64 step)
