@@ -1,5 +1,7 @@
 #include "vcdimport.h"
 
+#include "runlist.h"
+
 #include "vcdreader.h"
 #include "waveformdata.h"
 #include "wavekind.h"
@@ -125,7 +127,7 @@ private:
     bool cropTimes(const VcdImportOptions& options, QString& error);
     bool ticksAt(quint64 time, quint64& ticks) const;
     void change(Track& track, quint64 at, const std::string& value);
-    void close(Track& track, quint64 at);
+    void close(Track& track, quint64 at, bool atEnd = false);
     void flush(Track& track);
 
     VcdReader reader_;
@@ -135,6 +137,7 @@ private:
     quint64 scale_ = 1;             // ticks per unit of the dump
     quint64 from_ = 0;
     quint64 to_ = NoTime;
+    QString tooLong_;   // a value that no document can hold
 };
 
 bool Importer::choose(const QStringList& names, QStringList& notes, QString& error)
@@ -259,10 +262,25 @@ void Importer::change(Track& track, quint64 at, const std::string& value)
 
 // Lays the value down from its start to at, in pieces a duration can hold;
 // the track's value is used up.
-void Importer::close(Track& track, quint64 at)
+void Importer::close(Track& track, quint64 at, bool atEnd)
 {
-    for (quint64 left = at - track.start; left > 0;) {
-        const qint32 piece = qint32(std::min<quint64>(left, quint64(std::numeric_limits<qint32>::max())));
+    constexpr quint64 Longest = quint64(std::numeric_limits<qint32>::max());
+    quint64 left = at - track.start;
+    WaveData* wave = track.wave;
+    const bool leading = wave->patterns.isEmpty() && track.staged.empty() && Values::isDontCare(track.value);
+    // Pieces that melt back into one when the document is read would lose
+    // every wave after them; unknown before the first value becomes the
+    // offset, and a value held to the end holds all the same after a cut.
+    if (left > Longest && !leading && melts(track.value, track.value, wave->isBus)) {
+        if (!atEnd) {
+            tooLong_ = QStringLiteral("%1 keeps one value for %2 time units from %3 on; a segment lasts at most %4")
+                           .arg(wave->name).arg(left).arg(track.start).arg(Longest);
+            return;
+        }
+        left = Longest;
+    }
+    while (left > 0) {
+        const qint32 piece = qint32(std::min(left, Longest));
         left -= quint64(piece);
         track.staged.emplace_back(left > 0 ? track.value : std::move(track.value), piece);
     }
@@ -316,6 +334,10 @@ bool Importer::run(const VcdImportOptions& options, QStringList& notes, QString&
                 }
                 change(track, now, value);
             }
+            if (!tooLong_.isEmpty()) {
+                error = tooLong_;
+                return false;
+            }
             break;
         }
     }
@@ -326,7 +348,7 @@ bool Importer::run(const VcdImportOptions& options, QStringList& notes, QString&
     }
     document_.endTime = end;
     for (Track& track : tracks_) {
-        close(track, end);
+        close(track, end, true);
         flush(track);
         track.staged.shrink_to_fit();
         // Unknown until the first value: the wave starts there.

@@ -6,6 +6,7 @@
 #include <QTest>
 #include <QXmlStreamReader>
 
+#include "datatable.h"
 #include "files.h"
 #include "programs.h"
 
@@ -39,9 +40,7 @@ private Q_SLOTS:
     // Probes "Cx,y": Blue waves, Red don't care, White background, blacK text.
     void png_data()
     {
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<QSize>("size");
-        QTest::addColumn<QString>("probes");
+        addColumns<QStringList, QSize, QString>({"options", "size", "probes"});
         // 20 steps at 40 pixels (the widest scale) and a little room right.
         QTest::newRow("fitted") << QStringList{} << QSize(812, 90) << "B200,40 B600,10 W600,40 B200,50 R500,60";
         QTest::newRow("from 10 at 20 px") << QStringList{"--from", "10", "--scale", "100"} << QSize(212, 90)
@@ -90,9 +89,7 @@ private Q_SLOTS:
     // A page holds 16 rows and 40 steps at the widest scale; pages go down, then across.
     void pdfPages_data()
     {
-        QTest::addColumn<int>("waves");
-        QTest::addColumn<QStringList>("options");
-        QTest::addColumn<int>("pages");
+        addColumns<int, QStringList, int>({"waves", "options", "pages"});
         QTest::newRow("one page") << 3 << QStringList{"--ruler"} << 1;
         QTest::newRow("rows over three pages") << 40 << QStringList{"--ruler"} << 3;
         QTest::newRow("and across time") << 20 << QStringList{"--ruler", "--to", "100", "--scale", "200"} << 4;

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "datatable.h"
 #include "files.h"
 #include "programs.h"
 
@@ -75,8 +76,7 @@ private Q_SLOTS:
     // problem and the usage on stderr. An existing output survives a failure.
     void exitCodes_data()
     {
-        QTest::addColumn<QStringList>("args");
-        QTest::addColumn<int>("code");
+        addColumns<QStringList, int>({"args", "code"});
         QTest::addColumn<QString>("line");   // the first line of stdout on success, of stderr on failure
         const QString file = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
         const QString missing = tmp_.filePath(QStringLiteral("no such file.wdl"));

@@ -1,4 +1,5 @@
 // VCD in and WaveJSON out, through `wdl`: simulator dumps, options, faults, WaveDrom (our own VCD: test_export).
+#include "datatable.h"
 #include "simulation.h"
 
 #include <QDir>
@@ -37,8 +38,7 @@ private Q_SLOTS:
     // Each simulator's dump, imported and exported again, keeps every change but the real's.
     void simulatorDumpsComeIn_data()
     {
-        QTest::addColumn<QString>("simulator");
-        QTest::addColumn<QByteArray>("source");
+        addColumns<QString, QByteArray>({"simulator", "source"});
         QTest::newRow("iverilog") << "iverilog" << QByteArray(
             "`timescale 1ns/100ps\nmodule top;\n  reg clk = 0;\n  reg [7:0] d;\n  wire [0:3] w;\n  real r = 1.5;\n"
             "  assign w = clk ? 4'b1001 : 4'bzzzz;\n  always #2.5 clk = !clk;\n"
@@ -84,8 +84,7 @@ private Q_SLOTS:
     // The time settings and waves a dump and options make, or the one line saying what is wrong.
     void importsExactly_data()
     {
-        QTest::addColumn<QByteArray>("vcd");
-        QTest::addColumn<QStringList>("options");
+        addColumns<QByteArray, QStringList>({"vcd", "options"});
         QTest::addColumn<QByteArray>("expected");   // from %SMALLESTUNIT on, or stderr of a failure
         const QByteArray dump = vcdHead + vcdBody;
         QTest::newRow("all") << dump << QStringList{} << QByteArray(
@@ -117,6 +116,8 @@ private Q_SLOTS:
             {"line 8: $comment has no $end", vcdHead + "$comment unfinished\n"},
             {"the dump has no variable q", dump + "\n--signals=q,clk"},
             {"1.5ns is no time in whole units of the dump (1 ns)", dump + "\n--from=1.5ns"},
+            {"clk keeps one value for 3000000000 time units from 5 on; a segment lasts at most 2147483647",
+             vcdHead + "#5\n1!\n#3000000005\n0!\n#3000000009\n"},
         };
         for (const auto& [message, text] : faults) {
             const qsizetype option = text.indexOf("\n--");
@@ -148,8 +149,7 @@ private Q_SLOTS:
     // examples as kept in data/. Every lane as long as the others, drawn by WaveDrom where installed.
     void waveJson_data()
     {
-        QTest::addColumn<QByteArray>("document");
-        QTest::addColumn<QByteArray>("expected");
+        addColumns<QByteArray, QByteArray>({"document", "expected"});
         auto json = [](const char* lane, const char* step) {
             return "{\"signal\": [\n  " + QByteArray(lane) + "\n],\n\"foot\": {\"text\": \"step " + step + "\"}}\n";
         };

@@ -1,4 +1,5 @@
 // Replays the inputs the fuzz targets once failed on (tests/fuzz/TARGET/).
+#include "datatable.h"
 #include "fuzzchecks.h"
 
 #include <QDir>
@@ -12,8 +13,7 @@ class TestFuzzFindings : public QObject
 private Q_SLOTS:
     void finding_data()
     {
-        QTest::addColumn<QString>("target");
-        QTest::addColumn<QString>("path");
+        addColumns<QString, QString>({"target", "path"});
         const QDir root(QStringLiteral(VOK_SOURCE_DIR "/tests/fuzz"));
         for (const QString& target : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
             const QDir dir(root.filePath(target));

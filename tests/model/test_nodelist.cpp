@@ -1,5 +1,6 @@
 // Node lists as designs' tools write them, and files that only look like one.
 
+#include "datatable.h"
 #include "nodelist.h"
 #include "wavedata.h"
 
@@ -33,8 +34,7 @@ class TestNodeList : public QObject
 private Q_SLOTS:
     void reads_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QStringList>("nodes");
+        addColumns<QByteArray, QStringList>({"bytes", "nodes"});
         const QByteArray longName(100000, 'n');
         QTest::newRow("empty") << QByteArray() << QStringList{};
         QTest::newRow("every kind") << QByteArray("a i\nb o\nc b\nd n\ne r\n")

@@ -2,6 +2,7 @@
 // of names, attribute blocks and segment lists, line handling, and input
 // that must neither crash nor hang.
 
+#include "datatable.h"
 #include "modeltestutil.h"
 
 #include <QBuffer>
@@ -33,8 +34,7 @@ private Q_SLOTS:
     // "mult unit auto decimals end" of a header; "group polarity type offset value ratio" of an attribute block.
     void settings_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("fields");
+        addColumns<QString, QString>({"text", "fields"});
         QTest::newRow("bad number") << "%ENDTIME = x;\n%SMALLESTUNIT = 9q;\n" << "1 0 0 0 0";
         QTest::newRow("keyword prefix") << "%DECIMALS_SHOWN = 4;\n" << "1 12 0 4 1000";
         QTest::newRow("case sensitive") << "%endtime = 7;\n%Decimals = 3;\n" << "1 12 0 0 1000";
@@ -85,8 +85,7 @@ private Q_SLOTS:
     // the forever tail in the expectation.
     void segmentLists_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("expected");
+        addColumns<QString, QString>({"text", "expected"});
         const QString w = "w" + Attr, b = "b[7:0]" + Attr, b2 = "b[1:0]" + Attr;
         QTest::newRow("single values") << w + "0 1 1 1 2 1 3 1 0 1;\n" << "0:1 1:1 -1:1 -2:1 0:1";
         QTest::newRow("single merges") << w + "0 10 0 5 2 1 2 2;\n" << "0:15 -1:3";
@@ -156,8 +155,7 @@ private Q_SLOTS:
     // read from a device or as text.
     void rawText_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<bool>("asText");
+        addColumns<QByteArray, bool>({"bytes", "asText"});
         QTest::addColumn<QByteArray>("expected");   // see summary()
         const QByteArray a = " { A I Default NRZ 0 1 50 } = ", w1 = "w1" + a + "0 1;\n", w2 = "w2" + a + "1 1;\n";
         const QByteArray bom = "\xEF\xBB\xBF";
@@ -250,8 +248,7 @@ private Q_SLOTS:
     // wave, then "|line N: reason" when the file was not read whole.
     void limits_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("outcome");
+        addColumns<QString, QString>({"text", "outcome"});
         const QString w = "w" + Attr, v = "v" + Attr;
         const QString budget = "the file lays down more than 67108864 segments, repeats and pattern references counted";
         const QString melt = "equal segments here melt into one longer than 2147483647 time units";

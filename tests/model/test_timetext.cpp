@@ -1,6 +1,7 @@
 // Times and bus values to and from text, and the big numbers behind bus values against GMP.
 
 #include "biginteger.h"
+#include "datatable.h"
 #include "modeltestutil.h"
 #include "timetext.h"
 
@@ -25,11 +26,7 @@ class TestTimeText : public QObject
 private Q_SLOTS:
     void timeString_data()
     {
-        QTest::addColumn<quint64>("ticks");
-        QTest::addColumn<bool>("withUnit");
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<int>("decimals");
-        QTest::addColumn<QString>("expected");
+        addColumns<quint64, bool, int, int, QString>({"ticks", "withUnit", "unit", "decimals", "expected"});
         QTest::newRow("1,000") << quint64(1000) << false << 12 << 0 << "1,000";
         QTest::newRow("unknown unit") << quint64(42) << true << 7 << 0 << "42";
         QTest::newRow("1.5 ns") << quint64(15) << true << 9 << 1 << "1.5 ns";
@@ -50,11 +47,7 @@ private Q_SLOTS:
     void parseTime_data()
     {
         // A time of no whole ticks is refused with the truncated count; no number at all gives 0.
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("unit");
-        QTest::addColumn<int>("decimals");
-        QTest::addColumn<quint64>("expected");
-        QTest::addColumn<bool>("ok");
+        addColumns<QString, int, int, quint64, bool>({"text", "unit", "decimals", "expected", "ok"});
         QTest::newRow("1.1 ns exact") << "1.1 ns" << 12 << 0 << quint64(1100) << true;
         QTest::newRow("1 ms in ms") << "1 ms" << 3 << 0 << quint64(1) << true;
         QTest::newRow("1 ps in ns") << "1 ps" << 9 << 0 << quint64(0) << false;
@@ -105,10 +98,7 @@ private Q_SLOTS:
 
     void busValueString_data()
     {
-        QTest::addColumn<QString>("hex");
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("radix");
-        QTest::addColumn<QString>("expected");
+        addColumns<QString, int, int, QString>({"hex", "width", "radix", "expected"});
         QTest::newRow("1 binary padded") << "1" << 4 << 0 << "0001";
         QTest::newRow("1 octal unpadded") << "1" << 12 << 1 << "1";
         QTest::newRow("1 hex unpadded") << "01" << 8 << 3 << "1";
@@ -176,8 +166,7 @@ private Q_SLOTS:
 
     void rejectsTextThatIsNoNumber_data()
     {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<int>("radix");
+        addColumns<QByteArray, int>({"text", "radix"});
         // Empty, a letter beyond the radix, blanks, signs, a prefix, a digit beyond the radix, high impedance.
         for (const auto& [text, radix] : {std::pair{"", 16}, {"G", 16}, {"1 2", 10}, {" 12", 10}, {"-5", 10}, {"+5", 10},
                                           {"0x1F", 16}, {"0102", 2}, {"78", 8}, {"-2", 16}})

@@ -1,5 +1,6 @@
 // WaveData's list surgery and WaveformData's document operations on hand-built waves.
 
+#include "datatable.h"
 #include "modeltestutil.h"
 #include "segmentrange.h"
 
@@ -76,9 +77,7 @@ private Q_SLOTS:
 
     void removeData_data()
     {
-        QTest::addColumn<int>("forever");
-        QTest::addColumn<int>("removed");
-        QTest::addColumn<int>("expected");
+        addColumns<int, int, int>({"forever", "removed", "expected"});
         QTest::newRow("no tail") << -1 << 1 << -1;
         QTest::newRow("before tail") << 2 << 1 << 1;
         QTest::newRow("tail start, not last") << 2 << 2 << 2;
@@ -224,8 +223,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("wave");
         QTest::addColumn<int>("first");         // the range the edit was told to touch
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QString>("replacement");
+        addColumns<int, QString>({"count", "replacement"});
         QTest::addColumn<int>("forever");       // foreverIndex after the edit
         QTest::addColumn<QList<int>>("change"); // narrowed: first, before count, after count
         QTest::newRow("start") << "0:1 1:2 0:3 1:4" << 0 << 2 << "1:9" << -1 << QList<int>{0, 2, 1};

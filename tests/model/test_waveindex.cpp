@@ -1,5 +1,6 @@
 // The start-time index behind time look-ups (segment starts, the last value): walk answers, kept right by every edit, cheap near the end.
 
+#include "datatable.h"
 #include "modeltestutil.h"
 
 #include <QElapsedTimer>
@@ -16,8 +17,7 @@ class TestWaveIndex : public QObject
 private Q_SLOTS:
     void lookupsAsWalks_data()
     {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<quint64>("offset");
+        addColumns<QString, quint64>({"wave", "offset"});
         QTest::newRow("plain") << "0:10 1:20" << quint64(100);
         QTest::newRow("empty") << "" << quint64(42);
         QTest::newRow("zero durations") << "0:0 1:5 0:0 1:0 0:7 1:0" << quint64(3);

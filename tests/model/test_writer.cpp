@@ -1,6 +1,7 @@
 // The writer's exact text, and copies of every kind of wave reading back as their originals.
 
 #include "busname.h"
+#include "datatable.h"
 #include "modeltestutil.h"
 #include "wavewriter.h"
 
@@ -32,11 +33,9 @@ private Q_SLOTS:
 
     void statements_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("segs");
+        addColumns<QString, QString>({"name", "segs"});
         // group, polarity, waveType, offset, formatValue, formatRatio, isBus, isPattern, foreverIndex (-2: as marked)
-        QTest::addColumn<QList<qint64>>("attrs");
-        QTest::addColumn<QByteArray>("expected");
+        addColumns<QList<qint64>, QByteArray>({"attrs", "expected"});
         const QList<qint64> plain{1, 3, 0, 0, 1, 50, 0, 0, -2};
         QTest::newRow("empty wave") << "w" << "" << plain << QByteArray("w { A T Default None 0 1 50 } =;\n");
         QTest::newRow("odd: empty wave, forever index") << "w" << "" << QList<qint64>{1, 3, 0, 0, 1, 50, 0, 0, 0}

@@ -1,6 +1,7 @@
 // Saves that fail keep the document modified; another program's change is noticed at
 // once while active, a deletion on activation, and a save asks before replacing a changed
 // file; a window killed mid-edit leaves a copy that the next start offers.
+#include "datatable.h"
 #include "recoverycopy.h"
 #include "shelltest.h"
 
@@ -298,4 +299,3 @@ int main(int argc, char** argv)
 }
 
 #include "test_diskevents.moc"
-#include "datatable.h"

@@ -1,5 +1,6 @@
 // The document's life in a stand-alone window, the dialogs answered as a user would.
 #include "baseusrsettings.h"
+#include "datatable.h"
 #include "shelltest.h"
 
 #include <QStatusBar>
@@ -225,4 +226,3 @@ private Q_SLOTS:
 VOK_SANDBOXED_TEST_MAIN(TestLifecycle)
 
 #include "test_lifecycle.moc"
-#include "datatable.h"

@@ -1,6 +1,7 @@
 // What the editor remembers between runs, the Options dialog, recent files,
 // dropped documents, progress with Cancel, and colours following the palette.
 #include "basehelp.h"
+#include "datatable.h"
 #include "editdlg.h"
 #include "exportwaveforms.h"
 #include "optionsdlg.h"
@@ -310,4 +311,3 @@ private Q_SLOTS:
 VOK_SANDBOXED_TEST_MAIN(TestSettings)
 
 #include "test_settings.moc"
-#include "datatable.h"
