@@ -140,12 +140,19 @@ void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRec
     }
     flush(layer);
     drawLetters();
+    // A fill without an outline leaves the painter's pen and brush alone:
+    // boxes, letters and lines take turns thousands of times in a row.
+    if (!direct_ && raster_ && pen.style() == Qt::NoPen) {
+        painter_.fillRect(r, brush);
+        ++count_;
+        return;
+    }
     painter_.setPen(pen);
     painter_.setBrush(brush);
     painter_.drawRect(r);
     // A PDF makes a pattern object for every pen or brush change under a
     // patterned brush; text and lines after the box need no brush.
-    if (brush.style() != Qt::NoBrush)
+    if (!raster_ && brush.style() != Qt::NoBrush)
         painter_.setBrush(Qt::NoBrush);
     ++count_;
 }
@@ -309,9 +316,16 @@ void LineBatch::fillStraight(Layer& l)
     }
     rects_.resize(kept);
     l.lines.erase(slanted, l.lines.end());
-    painter_.setPen(Qt::NoPen);
-    painter_.setBrush(l.brush);
-    painter_.drawRects(rects_.data(), static_cast<int>(rects_.size()));
+    if (raster_) {
+        // A solid fill needs neither pen nor brush: the painter's state stays
+        // as the boxes and letters around it left it.
+        for (const QRect& r : rects_)
+            painter_.fillRect(r, l.color);
+    } else {
+        painter_.setPen(Qt::NoPen);
+        painter_.setBrush(l.brush);
+        painter_.drawRects(rects_.data(), static_cast<int>(rects_.size()));
+    }
     count_ += static_cast<int>(rects_.size());
 }
 
