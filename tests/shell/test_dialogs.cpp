@@ -7,11 +7,6 @@
 #include "wavelistdlg.h"
 #include "wavelistmodel.h"
 
-#include <QCheckBox>
-#include <QDialogButtonBox>
-#include <QLineEdit>
-#include <QListWidget>
-
 namespace {
 
 const QByteArray kNodes = "clk i\nrst_n i\nq[0] o\nq[1] o\nio b\ntp n\nvdd r\nodd X\na o\nclk o\n";
@@ -59,14 +54,16 @@ class TestDialogs : public QObject
 
     QTemporaryDir m_dir;
     QString path(const char* name) const { return m_dir.filePath(QString::fromLatin1(name)); }
-    std::unique_ptr<VokGUI> open()
-    {
-        if (!writeFile(path("doc.wdl"), kDoc) || !writeFile(path("design.naf"), kNodes))
-            return nullptr;
-        return openShown(path("doc.wdl"), QSize(900, 600));
-    }
+    std::unique_ptr<VokGUI> gui;
 
 private Q_SLOTS:
+    void init()
+    {
+        QVERIFY(writeFile(path("doc.wdl"), kDoc) && writeFile(path("design.naf"), kNodes));
+        QVERIFY(gui = openShown(path("doc.wdl"), QSize(900, 600)));
+    }
+    void cleanup() { gui.reset(); }
+
     void import_data()
     {
         // -k/+k untick/tick kind k; >> all; >a,b and <a,b pick and move; !file read a bad file
@@ -90,8 +87,6 @@ private Q_SLOTS:
     void import()
     {
         QFETCH(QString, steps);
-        auto gui = open();
-        QVERIFY(gui);
         WaveData* bus = gui->document()->findWavebyName("d[3:0]");
         bus->expandFlag = true;  // its bits stay in the name list when an import is undone
         gui->waveList()->expandBus(gui->waveList()->itemModel()->index(gui->waveList()->rowOf(bus), 0));
@@ -143,9 +138,9 @@ private Q_SLOTS:
     // File > Import VCD: a new untitled document; a faulty dump or Cancel keeps the old one.
     void importVcd_data()
     {
-        QTest::addColumn<QByteArray>("vcd");
-        QTest::addColumn<QString>("steps");      // -name unticks, from:T and to:T type; "edit" changes the document first
-        QTest::addColumn<QString>("outcome");    // the waves, the unit and the end, or the last message shown
+        // steps: -name unticks, from:T and to:T type, "edit" changes the document first;
+        // outcome: the waves, the unit and the end, or the last message shown
+        addColumns<QByteArray, QString, QString>({"vcd", "steps", "outcome"});
         const QByteArray vcd = "$timescale 10ns $end\n$scope module top $end\n$var wire 1 ! clk $end\n"
                                "$var reg 4 # d [3:0] $end\n$var real 64 % r $end\n$upscope $end\n$enddefinitions $end\n"
                                "#0\n0!\nb0 #\n#2\n1!\nbz #\n#4\n";
@@ -159,8 +154,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, vcd);
         QFETCH(QString, steps);
         QFETCH(QString, outcome);
-        auto gui = open();
-        QVERIFY(gui && writeFile(path("sim.vcd"), vcd));
+        QVERIFY(writeFile(path("sim.vcd"), vcd));
         const bool imported = outcome.contains(" unit ");
         if (steps == "edit")
             gui->SetDirtyBit();
@@ -176,11 +170,10 @@ private Q_SLOTS:
                 QVERIFY(list->whatsThis().size() > 40);
                 BaseHelp::helpWindow()->hide();
                 for (const QString& step : steps.split(' ', Qt::SkipEmptyParts)) {
-                    const QList<QLineEdit*> edits = dialog->findChildren<QLineEdit*>();
                     if (step.startsWith('-'))
                         list->findItems(step.mid(1), Qt::MatchExactly).value(0)->setCheckState(Qt::Unchecked);
                     else if (step.startsWith("from:") || step.startsWith("to:"))
-                        edits.value(step.startsWith("to:"))->setText(step.section(':', 1));
+                        dialog->findChildren<QLineEdit*>().value(step.startsWith("to:"))->setText(step.section(':', 1));
                 }
                 dialog->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
             });
@@ -203,10 +196,8 @@ private Q_SLOTS:
 
     void showAndRemove_data()
     {
-        addColumns<bool, QString>({"showMode", "hidden"});
-        QTest::addColumn<int>("unticked");  // a filter box, -1 none
-        addColumns<QString, QString>({"listed", "picked"});
-        QTest::addColumn<QString>("after");  // the name list's rows
+        // unticked: a filter box, -1 none; after: the name list's rows
+        addColumns<bool, QString, int, QString, QString, QString>({"showMode", "hidden", "unticked", "listed", "picked", "after"});
         const QString all = "$pat a b c d[3:0] e";
         QTest::newRow("remove two, picked last first") << false << "" << -1 << all << "c a" << "$pat b d[3:0] e";
         QTest::newRow("remove, patterns unlisted") << false << "" << 5 << "a b c d[3:0] e" << "e b" << "$pat a c d[3:0]";
@@ -223,9 +214,6 @@ private Q_SLOTS:
         QFETCH(int, unticked);
         QFETCH(QString, listed);
         QFETCH(QString, picked);
-        QFETCH(QString, after);
-        auto gui = open();
-        QVERIFY(gui);
         for (const QString& name : hidden.split(' ', Qt::SkipEmptyParts))
             gui->hideWave(gui->document()->findWavebyName(name));
         const QByteArray saved = savedText(*gui);
@@ -249,20 +237,19 @@ private Q_SLOTS:
         }
         QVERIFY(dialog.isVisible() && gui->isModified());
         QCOMPARE(dialog.model()->rowCount(), listed.count(' ') - picked.count(' '));  // the shown or removed go
-        QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
+        QTEST(rowNames(gui->waveList()->itemModel()), "after");
         QCOMPARE(gui->undoStack()->count(), 1);
         gui->undoStack()->undo();
         QCOMPARE(savedText(*gui), saved);
         QCOMPARE(rowNames(gui->waveList()->itemModel()), rowsBefore);
         gui->undoStack()->redo();
-        QCOMPARE(rowNames(gui->waveList()->itemModel()), after);
+        QTEST(rowNames(gui->waveList()->itemModel()), "after");
     }
 
     // Every menu slot opens its dialog; F1 and Help open its page; what's-this texts say something.
     void slotsOpenDialogsWithHelp_data()
     {
-        QTest::addColumn<QByteArray>("slot");
-        QTest::addColumn<QString>("topic");   // the dialog's title is the row's name
+        addColumns<QByteArray, QString>({"slot", "topic"});   // the dialog's title is the row's name
         QTest::newRow("Add New Wave") << QByteArray("newWave") << "add_wave";
         QTest::newRow("Time Settings") << QByteArray("editTimeUnit") << "time_setting";
         QTest::newRow("Import Wave") << QByteArray("importWave") << "import_wave";
@@ -275,8 +262,6 @@ private Q_SLOTS:
         QFETCH(QByteArray, slot);
         QFETCH(QString, topic);
         const QString title = QString::fromLatin1(QTest::currentDataTag());
-        auto gui = open();
-        QVERIFY(gui);
         const QString page = ":/help/" + topic + ".html";
         QStringList seen;
         for (int round = 0; round < 2; ++round) {

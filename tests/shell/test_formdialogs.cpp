@@ -7,11 +7,6 @@
 #include "settimedlg.h"
 #include "shelltest.h"
 
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QLineEdit>
-#include <QPushButton>
-
 namespace {
 
 const char* const counter = VOK_SOURCE_DIR "/examples/counter.wdl";
@@ -45,27 +40,42 @@ class TestFormDialogs : public QObject
     QTemporaryDir tmp_;
 
 private Q_SLOTS:
-    void proposesNamesAndFollowsTheType()
+    // Names proposed from the input and the type, browsing for both files, help.
+    void proposesNamesBrowsesAndHelps()
     {
+        ExportDlg noDot(QStringLiteral("design"), nullptr);
+        QCOMPARE(edit(noDot, "output")->text(), QStringLiteral("design.tf"));
         ExportDlg dialog(QStringLiteral("/work/d.x/design.wdl"), nullptr);
         auto* type = dialog.findChild<QComboBox*>();
-        QCOMPARE(edit(dialog, "input")->text(), QStringLiteral("/work/d.x/design.wdl"));
-        QCOMPARE(edit(dialog, "output")->text(), QStringLiteral("/work/d.x/design.tf"));
+        QCOMPARE(edit(dialog, "input")->text() + ' ' + edit(dialog, "output")->text(),
+                 QStringLiteral("/work/d.x/design.wdl /work/d.x/design.tf"));
         for (const QString& ext : QStringList{"vht", "tb"}) {
             type->setCurrentText(ext);
             QCOMPARE(edit(dialog, "output")->text(), "/work/d.x/design." + ext);
         }
-        ExportDlg noDot(QStringLiteral("design"), nullptr);
-        QCOMPARE(edit(noDot, "output")->text(), QStringLiteral("design.tf"));
+        dialog.show();
+        const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly);
+        ModalAnswerer answerer({choose(QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl")), choose(QString(counter))});
+        buttons.at(0)->click();
+        buttons.at(1)->click();
+        VERIFY_ANSWERED(answerer);
+        QCOMPARE(answerer.said() + answerer.seen.at(0).filters + answerer.seen.at(1).filters,
+                 (QStringList{"Open Existing Waveform File", "Select Output File", "Waveform File (*.wdl)", "All Files (*)",
+                              "VHDL Test Bench(*.tb)", "All Files (*)"}));
+        QCOMPARE(answerer.seen.at(1).acceptMode, QFileDialog::AcceptOpen);
+        QCOMPARE(edit(dialog, "input")->text() + ' ' + edit(dialog, "output")->text(),
+                 QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl ") + counter);
+
+        QTest::keyRelease(edit(dialog, "output"), Qt::Key_F1);
+        QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/export_wave.html"));
+        QVERIFY(!type->whatsThis().isEmpty());
+        BaseHelp::helpWindow()->hide();
     }
 
     void ok_data()
     {
-        QTest::addColumn<QString>("input");
-        QTest::addColumn<QString>("output");   // "@" is the temporary folder
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("box");      // "title: text" of the error that comes up
-        QTest::addColumn<QByteArray>("written");   // how the output file begins afterwards
+        // "@": the temporary folder; the box: "title: text" of the error shown; written: how the output begins
+        addColumns<QString, QString, int, QString, QByteArray>({"input", "output", "type", "box", "written"});
         const QString noName = "Waveform Editor: Please input file name.";
         QTest::newRow("no input") << "" << "@/a.tf" << 0 << noName << QByteArray();
         QTest::newRow("no output") << counter << "" << 0 << noName << QByteArray();
@@ -80,7 +90,6 @@ private Q_SLOTS:
         QFETCH(QString, output);
         QFETCH(int, type);
         QFETCH(QString, box);
-        QFETCH(QByteArray, written);
         QVERIFY(writeFile(tmp_.filePath(QStringLiteral("clash.wdl")),
                           "a { A I Default NRZ 0 1 50 } = 1 5;\nA { A I Default NRZ 0 1 50 } = 0 5;\n"));
         input.replace(QLatin1Char('@'), tmp_.path());
@@ -104,36 +113,12 @@ private Q_SLOTS:
         QCOMPARE(edit(dialog, "output")->text(), output);
         // The output is made before the export runs, so a failed one leaves it empty.
         QCOMPARE(QFile::exists(output), !refused);
-        QVERIFY2(readFile(output).startsWith(written), readFile(output).left(80).constData());
-    }
-
-    void browseAndHelp()
-    {
-        ExportDlg dialog(QString(counter), nullptr);
-        dialog.findChild<QComboBox*>()->setCurrentIndex(2);
-        dialog.show();
-        const QList<QPushButton*> buttons = dialog.findChildren<QPushButton*>(QString(), Qt::FindDirectChildrenOnly);
-        ModalAnswerer answerer({choose(QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl")), choose(QString(counter))});
-        buttons.at(0)->click();
-        buttons.at(1)->click();
-        VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.said() + answerer.seen.at(0).filters + answerer.seen.at(1).filters,
-                 (QStringList{"Open Existing Waveform File", "Select Output File", "Waveform File (*.wdl)", "All Files (*)",
-                              "VHDL Test Bench(*.tb)", "All Files (*)"}));
-        QCOMPARE(answerer.seen.at(1).acceptMode, QFileDialog::AcceptOpen);
-        QCOMPARE(edit(dialog, "input")->text(), QStringLiteral(VOK_SOURCE_DIR "/examples/cpu_bus.wdl"));
-        QCOMPARE(edit(dialog, "output")->text(), QString(counter));
-
-        QTest::keyRelease(edit(dialog, "output"), Qt::Key_F1);
-        QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/export_wave.html"));
-        QVERIFY(!dialog.findChild<QComboBox*>()->whatsThis().isEmpty());
-        BaseHelp::helpWindow()->hide();
+        QTEST(readFile(output).left(35), "written");
     }
 
     void addNewWave_data()
     {
-        addColumns<QString, int>({"typed", "kind"});
-        QTest::addColumn<QString>("outcome");  // the wave added, or the message shown
+        addColumns<QString, int, QString>({"typed", "kind", "outcome"});  // the wave added, or the message shown
         const QString badBus = "Invalid bus name.", badChar = "The wave name contains invalid character.";
         const QString clash = "The wave you are adding conflicts to an existing wave. ";
         QTest::newRow("empty") << "" << 0 << "Invalid wave name.";
@@ -175,8 +160,7 @@ private Q_SLOTS:
         QVERIFY(dialog.isVisible());
         const QStringList before{"$pat", "a", "x[p,q]"};
         if (refused) {
-            QCOMPARE(answerer.seen.value(0).text, outcome);
-            QCOMPARE(answerer.seen.value(0).icon, QMessageBox::Critical);
+            QCOMPARE(answerer.seen.value(0).text + (answerer.seen.value(0).icon == QMessageBox::Critical ? "" : " (no error)"), outcome);
             QVERIFY(t.docOrder() == before && t->undoStack()->count() == 0);
             return;
         }
@@ -189,10 +173,8 @@ private Q_SLOTS:
 
     void timeSettings_data()
     {
-        addColumns<int, int>({"unit", "decimals"});
-        QTest::addColumn<int>("newUnit");      // index picked in the unit box
-        QTest::addColumn<int>("newDecimals");  // index picked in the precision box, -1 none
-        QTest::addColumn<QString>("offered");  // precisions, @ the current one, on opening -> after the picks
+        // the indexes picked (precision -1: none); the precisions offered, @ the current one, on opening -> after
+        addColumns<int, int, int, int, QString>({"unit", "decimals", "newUnit", "newDecimals", "offered"});
         const QString all = "1.0 0.1 0.01 0.001";
         QTest::newRow("ps to ns") << 12 << 0 << 2 << -1 << "1.0 @1.0 ps -> " + all + " @1.0";
         QTest::newRow("ns to us keeps 0.01") << 9 << 2 << 1 << -1 << all + " @0.01 ns -> " + all + " @0.01";

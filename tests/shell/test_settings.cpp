@@ -1,7 +1,6 @@
 // What the editor remembers between runs, the Options dialog, recent files,
 // dropped documents, progress with Cancel, and colours following the palette.
 #include "basehelp.h"
-#include "datatable.h"
 #include "editdlg.h"
 #include "exportwaveforms.h"
 #include "optionsdlg.h"
@@ -11,19 +10,7 @@
 #include "shelltest.h"
 #include "wavedatadlg.h"
 
-#include <QCheckBox>
-#include <QColorDialog>
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QMenu>
-#include <QMenuBar>
-#include <QMimeData>
 #include <QPrinter>
-#include <QProgressDialog>
-#include <QSettings>
-#include <QSplitter>
-#include <QStatusBar>
-#include <QToolButton>
 
 // Name list width, radix, auto-save, guide line, docks shown, colours 1 to 7.
 static QString state(VokGUI& gui)
@@ -76,8 +63,7 @@ private Q_SLOTS:
         QSettings(ini_, QSettings::IniFormat).clear();
     }
 
-    // Values not of the key's type read as defaults ("/": an unreadable folder);
-    // the next window reads what the last wrote.
+    // Values not of the key's type read as defaults ("/": an unreadable folder); the next window reads what the last wrote.
     void storedSettings_data()
     {
         addColumns<QByteArray, QString>({"file", "expected"});
@@ -95,8 +81,7 @@ private Q_SLOTS:
     void storedSettings()
     {
         QFETCH(QByteArray, file);
-        QVERIFY(QDir().mkpath(file == "/" ? ini_ : QFileInfo(ini_).path()));
-        QVERIFY(file.size() < 2 || writeFile(ini_, file));
+        QVERIFY(QDir().mkpath(file == "/" ? ini_ : QFileInfo(ini_).path()) && (file.size() < 2 || writeFile(ini_, file)));
         auto first = tool();
         QTEST(state(*first), "expected");
         const QList<int> sizes = first->splitter()->sizes();
@@ -115,8 +100,7 @@ private Q_SLOTS:
     // OK applies, restarting auto-save only on a new interval (never untitled); Cancel nothing.
     void optionsDialog_data()
     {
-        QTest::addColumn<int>("autoSave");
-        QTest::addColumn<int>("interval");   // 0: stopped
+        addColumns<int, int>({"autoSave", "interval"});   // interval 0: stopped
         QTest::newRow("new interval") << 2 << 600000;
         QTest::newRow("same interval") << 0 << 60000;
         QTest::newRow("off") << 3 << 0;
@@ -156,8 +140,7 @@ private Q_SLOTS:
         QCOMPARE(gui->autoSaveTimer()->remainingTime() > left, autoSave == 2);
     }
 
-    // Newest first, at most eight, a deleted one taken off with a note; below
-    // Open; the same in a second window; Clear empties it.
+    // Newest first, at most eight, a deleted one taken off with a note; below Open; the same in a second window; Clear empties it.
     void recentFilesMenu_data()
     {
         addColumns<QString, QString, QString>({"opened", "deleted", "menu"});
@@ -259,18 +242,17 @@ private Q_SLOTS:
         if (answerer)
             VERIFY_ANSWERED(*answerer);
         const bool kept = cancel && work == "open";
-        QCOMPARE(gui->fullFileName(), kept ? dir_.filePath("start.wdl") : big);
-        QCOMPARE(gui->document()->waves.size(), kept ? 1 : 600);
-        QCOMPARE(gui->isModified(), kept);
-        QCOMPARE(entries(gui->recentFilesMenu()).section(' ', 0, 0), kept ? "start" : "big");
+        // The file, its waves, modified, the newest recent file.
+        QCOMPARE(QStringLiteral("%1 %2 %3 %4").arg(gui->fullFileName()).arg(gui->document()->waves.size()).arg(gui->isModified())
+                     .arg(entries(gui->recentFilesMenu()).section(' ', 0, 0)),
+                 kept ? dir_.filePath("start.wdl") + " 1 1 start" : big + " 600 0 big");
         QVERIFY(!QFileInfo::exists(dir_.filePath("big.pdf")));
     }
 
     // A stopped export returns 2 and leaves the output as it was.
     void exportWithProgress_data()
     {
-        QTest::addColumn<int>("stopAt");   // the call that answers false; 0 never
-        QTest::addColumn<int>("result");
+        addColumns<int, int>({"stopAt", "result"});   // stopAt: the call that answers false, 0 never
         QTest::newRow("stopped reading") << 1 << 2;
         QTest::newRow("stopped writing") << 4 << 2;
         QTest::newRow("run through") << 0 << 0;

@@ -1,5 +1,5 @@
-// The tool window's contract with the host: names, titles, wiring, command
-// availability, help that lands everywhere, and further windows from New and Open.
+// The tool window's contract with the host: names, titles, wiring, command availability,
+// help that lands everywhere, and further windows from New and Open that close again.
 #include "basehelp.h"
 #include "editdlg.h"
 #include "patterndlg.h"
@@ -7,15 +7,6 @@
 #include "toolhost.h"
 #include "wavedatadlg.h"
 #include "waveview.h"
-
-#include <QDirIterator>
-#include <QKeyEvent>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPointer>
-#include <QRegularExpression>
-#include <QSettings>
-#include <QToolBar>
 
 namespace {
 
@@ -27,15 +18,6 @@ QStringList literalsIn(const QString& text)
     for (const QRegularExpressionMatch& m : QRegularExpression(QStringLiteral("\"(\\w+)\"")).globalMatch(text))
         found << m.captured(1);
     return found;
-}
-
-// "page#section": the page exists and marks the section by name or id.
-bool resolves(const QString& location)
-{
-    const QString text = textOf(location.section(QLatin1Char('#'), 0, 0));
-    const QString section = location.section(QLatin1Char('#'), 1);
-    return !text.isEmpty() && (section.isEmpty() || text.contains(QStringLiteral("name=\"%1\"").arg(section))
-                               || text.contains(QStringLiteral("id=\"%1\"").arg(section)));
 }
 
 void collectActions(const QList<QAction*>& actions, QList<QAction*>& out)
@@ -58,15 +40,6 @@ class TestToolWindow : public QObject
 
     QTemporaryDir m_dir;
     QString m_file;
-
-    static ToolHost::Factory hostedTools()
-    {
-        return [](const QStringList& files) -> BasGUITool* {
-            auto tool = openTool(files.value(0), false);
-            tool->resize(800, 500);
-            return tool.release();
-        };
-    }
 
     // Closes the window, answering the save question, and lets a deleted window go.
     static bool closeAnswering(BasGUITool* tool, QList<Answer> answers)
@@ -91,14 +64,12 @@ private Q_SLOTS:
         const QString title = QStringLiteral("Waveform Editor (Stand-alone) - ") + m_file;
         QCOMPARE((QStringList{gui->windowTitle(), gui->fullFileName(), gui->fileName(), gui->getVirtualFileName()}),
                  (QStringList{title, m_file, QStringLiteral("counter.wdl"), m_file}));
-        QVERIFY(!gui->document()->waves.isEmpty());
-        QVERIFY(gui->getModifiedFileList().isEmpty());
+        QVERIFY(!gui->document()->waves.isEmpty() && gui->getModifiedFileList().isEmpty());
         gui->SetDirtyBit();
         gui->SetDirtyBit();   // never two marks
         QCOMPARE(gui->windowTitle(), title + QLatin1Char('*'));
         QCOMPARE(gui->getModifiedFileList(), QStringList{m_file});
-        QVERIFY(gui->needToBeClosed(11, 0));
-        QVERIFY(!gui->needToBeClosed(10, 0));
+        QVERIFY(gui->needToBeClosed(11, 0) && !gui->needToBeClosed(10, 0));
 
         // Hosted, a missing file opens untitled, with nothing on disk to name.
         const auto hosted = openTool(m_dir.filePath(QStringLiteral("missing.wdl")), false);
@@ -215,9 +186,8 @@ private Q_SLOTS:
         f1(gui.get());
         QCOMPARE(BaseHelp::currentPage(), main);
         // Each dock has its own page.
-        const QList<std::pair<QDockWidget*, const char*>> docks{{gui->editDlg(), "pulse_property"},
-            {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}};
-        for (const auto& [dock, page] : docks) {
+        for (const auto& [dock, page] : QList<std::pair<QDockWidget*, const char*>>{{gui->editDlg(), "pulse_property"},
+                 {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}}) {
             f1(dock->widget()->findChildren<QWidget*>().last());
             QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/%1.html").arg(QLatin1String(page)));
         }
@@ -230,8 +200,7 @@ private Q_SLOTS:
         BaseHelp::helpWindow()->hide();
     }
 
-    // The topic of every help call in the sources (a literal, or a name defined
-    // in that file), and every link of every page.
+    // The topic of every help call in the sources (a literal, or a name defined in that file), and every link of every page.
     void everyPlaceResolves_data()
     {
         QTest::addColumn<QString>("location");
@@ -267,7 +236,10 @@ private Q_SLOTS:
     void everyPlaceResolves()
     {
         QFETCH(QString, location);
-        QVERIFY2(resolves(location), qPrintable(location));
+        // "page#section": the page exists and marks the section by name or id.
+        const QString text = textOf(location.section(QLatin1Char('#'), 0, 0)), section = location.section(QLatin1Char('#'), 1);
+        QVERIFY2(!text.isEmpty() && (section.isEmpty() || text.contains(QStringLiteral("name=\"%1\"").arg(section))
+                                     || text.contains(QStringLiteral("id=\"%1\"").arg(section))), qPrintable(location));
     }
 
     // Menus and tool bars of a real window against the command and shortcut pages.
@@ -281,8 +253,7 @@ private Q_SLOTS:
         for (QToolBar* bar : gui->findChildren<QToolBar*>())
             collectActions(bar->actions(), actions);
         QVERIFY(actions.size() > 40);
-        const QString commands = textOf(QStringLiteral(":/help/commands.html"));
-        const QString shortcuts = textOf(QStringLiteral(":/help/shortcuts.html"));
+        const QString commands = textOf(":/help/commands.html"), shortcuts = textOf(":/help/shortcuts.html");
         for (QAction* a : std::as_const(actions)) {
             const QString name = QString(a->text()).remove(QLatin1Char('&'));
             QVERIFY2(commands.contains(QStringLiteral("<b>%1</b>").arg(name.toHtmlEscaped())), qPrintable(name));
@@ -293,18 +264,23 @@ private Q_SLOTS:
         }
     }
 
-    void newAndOpenBringFurtherWindows()
+    // Further windows from New and Open, found again by any spelling; closed, they go.
+    void furtherWindowsComeAndGo()
     {
-        ToolHost host(hostedTools());
-        QSignalSpy raised(&host, &ToolHost::toolRaised);
+        ToolHost host([](const QStringList& files) -> BasGUITool* {
+            auto tool = openTool(files.value(0), false);
+            tool->resize(800, 500);
+            return tool.release();
+        });
+        QSignalSpy raised(&host, &ToolHost::toolRaised), closed(&host, &ToolHost::lastToolClosed);
         const int n = VokGUI::untitledCounter();
         auto* first = qobject_cast<VokGUI*>(host.open({}));
         QVERIFY(first && first->isVisible() && !first->isStandalone());
         // Nothing is asked: the first document is not being closed.
-        ModalAnswerer answerer({choose(m_file), choose(m_file)});
+        auto answerer = std::make_unique<ModalAnswerer>(QList<Answer>{choose(m_file), choose(m_file)});
         first->sharedAction(QStringLiteral("new"))->trigger();
         first->fileOpen();
-        QVERIFY(answerer.problems.isEmpty() && answerer.seen.size() == 1);
+        QVERIFY(answerer->problems.isEmpty() && answerer->seen.size() == 1);
         QCOMPARE(host.tools().size(), 3);
         auto* second = qobject_cast<VokGUI*>(host.tools().at(1));
         QCOMPARE(second->windowTitle(), QStringLiteral("Waveform Editor - Untitled %1").arg(n + 1));
@@ -318,7 +294,8 @@ private Q_SLOTS:
         second->activateWindow();
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(second));
         second->sharedAction(QStringLiteral("open"))->trigger();
-        VERIFY_ANSWERED(answerer);
+        VERIFY_ANSWERED(*answerer);
+        answerer.reset();
         QCOMPARE(raised.size(), 1);
         QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(shown));
         // Other spellings of the same file find it too; minimised, it comes back.
@@ -329,30 +306,23 @@ private Q_SLOTS:
         QCOMPARE(host.open({link}), shown);
         QVERIFY(!shown->isMinimized());
         QCOMPARE(host.tools().size(), 3);
-    }
 
-    void closedWindowsGo()
-    {
-        ToolHost host(hostedTools());
-        QSignalSpy last(&host, &ToolHost::lastToolClosed);
-        QPointer<BasGUITool> named = host.open({m_file});
-        QPointer<BasGUITool> untitled = host.open({});
         // Unmodified and named: closed without a question and deleted; its file opens anew.
-        QVERIFY(closeAnswering(named, {}));
-        QVERIFY(named.isNull());
-        QVERIFY(!host.toolFor(m_file));
+        QPointer<BasGUITool> named = shown;
+        QVERIFY(closeAnswering(named, {}) && named.isNull() && !host.toolFor(m_file));
         QPointer<BasGUITool> again = host.open({m_file});
-        QCOMPARE(host.tools().size(), 2);
+        QCOMPARE(host.tools().size(), 3);
         QVERIFY(closeAnswering(again, {}));
         // Cancel on the save question keeps the window, and the host keeps it.
+        QPointer<BasGUITool> untitled = first;
         QVERIFY(!closeAnswering(untitled, {press(QMessageBox::Cancel)}));
         QVERIFY(untitled && untitled->isVisible());
-        QCOMPARE(host.tools().size(), 1);
-        QCOMPARE(last.size(), 0);
+        QCOMPARE(host.tools().size(), 2);
+        QVERIFY(closeAnswering(untitled, {press(QMessageBox::No)}) && untitled.isNull());
+        QCOMPARE(closed.size(), 0);
         // The last window going ends the session.
-        QVERIFY(closeAnswering(untitled, {press(QMessageBox::No)}));
-        QVERIFY(untitled.isNull());
-        QCOMPARE(last.size(), 1);
+        QVERIFY(closeAnswering(second, {press(QMessageBox::No)}));
+        QCOMPARE(closed.size(), 1);
         // A factory that makes no tool opens nothing.
         ToolHost empty([](const QStringList&) -> BasGUITool* { return nullptr; });
         QVERIFY(!empty.open({m_file}) && empty.tools().isEmpty());

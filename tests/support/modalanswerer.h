@@ -1,20 +1,10 @@
 #pragma once
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDialog>
-#include <QElapsedTimer>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QInputDialog>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QPointer>
-#include <QPushButton>
 #include <QTest>
-#include <QTimer>
+#include <QtWidgets>
 
 #include <functional>
+#include <tuple>
 
 // One answer to one modal window, in the order they appear.
 struct Answer {
@@ -36,8 +26,7 @@ struct Seen {
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons;
     QStringList filters;
-    QString directory;
-    QString preselected;
+    QString directory, preselected;
     QFileDialog::AcceptMode acceptMode = QFileDialog::AcceptOpen;
 };
 
@@ -86,22 +75,16 @@ private:
 
     void answer(QWidget* modal, const Answer& answer, bool planned)
     {
-        Seen s;
-        s.title = modal->windowTitle();
         auto* box = qobject_cast<QMessageBox*>(modal);
         auto* files = qobject_cast<QFileDialog*>(modal);
         auto* input = qobject_cast<QInputDialog*>(modal);
-        if (box && answer.kind != Answer::Act) {
-            s.text = box->text();
-            s.icon = box->icon();
-            s.buttons = box->standardButtons();
-        }
-        if (files) {
-            s.filters = files->nameFilters();
-            s.directory = files->directory().absolutePath();
-            s.preselected = files->selectedFiles().value(0);
-            s.acceptMode = files->acceptMode();
-        }
+        Seen s;
+        s.title = modal->windowTitle();
+        if (box && answer.kind != Answer::Act)
+            std::tie(s.text, s.icon, s.buttons) = std::tuple(box->text(), box->icon(), box->standardButtons());
+        if (files)
+            std::tie(s.filters, s.directory, s.preselected, s.acceptMode) = std::tuple(files->nameFilters(),
+                files->directory().absolutePath(), files->selectedFiles().value(0), files->acceptMode());
         seen.append(s);
         QAbstractButton* button = box && answer.kind == Answer::Button ? box->button(answer.button) : nullptr;
         if (answer.kind == Answer::Act) {
