@@ -15,7 +15,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QUndoStack>
 
 using namespace guitest;
 
@@ -38,12 +37,8 @@ const QByteArray kDoc = wdl(kWaves);
 // kDoc with the line of the wave that `edited` begins with replaced.
 QByteArray docWith(const QByteArray& edited)
 {
-    QList<QByteArray> waves = kWaves;
-    for (QByteArray& wave : waves) {
-        if (wave.left(wave.indexOf(' ')) == edited.left(edited.indexOf(' ')))
-            wave = edited;
-    }
-    return wdl(waves);
+    const qsizetype from = kDoc.indexOf('\n' + edited.left(edited.indexOf(' ') + 1)) + 1;
+    return QByteArray(kDoc).replace(from, kDoc.indexOf('\n', from) - from, edited);
 }
 
 class Docks : public Tool
@@ -92,8 +87,7 @@ class TestDocks : public QObject
 private Q_SLOTS:
     void pulseControls_data()
     {
-        // edited empty: the document stays as it was
-        // span: the selected range afterwards, end minus start
+        // edited empty: the document stays as it was; span: the selected range afterwards, end minus start
         addColumns<QString, QList<int>, QString, QString, QString, QByteArray, int>(
             {"wave", "pulses", "control", "input", "message", "edited", "span"});
         const QList<int> one{1}, two{0, 1};

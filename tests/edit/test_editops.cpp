@@ -33,8 +33,7 @@ class TestEditOps : public QObject
     // The values of a wave's saved line: what follows " = ", without the ';'.
     static QByteArray values(const Window& t, const QString& name)
     {
-        const QByteArray line = t.line(name);
-        return line.mid(line.indexOf(" = ") + 3).chopped(1);
+        return t.line(name).split('=').value(1).trimmed().chopped(1);
     }
 
 private Q_SLOTS:
@@ -87,24 +86,17 @@ private Q_SLOTS:
             QList<int> indexes;
             for (const QString& i : arg.section(QLatin1Char(':'), -1).split(QLatin1Char(','), Qt::SkipEmptyParts))
                 indexes << i.toInt();
-            if (step.startsWith(QLatin1String("s=")))
-                t.select(name, indexes);
-            else if (step.startsWith(QLatin1String("+=")))
-                t->selection() << t.wave(name)->patterns.at(indexes.first());
-            else if (step.startsWith(QLatin1String("e=")))
-                t->addEditData(t->activeWave()->getEndTime() + arg.toULongLong());
-            else if (step == QLatin1String("x"))
-                t->cutData();
-            else if (step == QLatin1String("c"))
-                t->copyData();
-            else if (step == QLatin1String("v"))
-                t->pasteData();
-            else if (step == QLatin1String("d"))
-                t->clearData();
-            else if (step == QLatin1String("D"))
-                QTest::keyRelease(t.view(), Qt::Key_Delete);
-            else if (step == QLatin1String("2"))
-                t->dupWave();
+            switch (step.at(0).toLatin1()) {
+            case 's': t.select(name, indexes); break;
+            case '+': t->selection() << t.wave(name)->patterns.at(indexes.first()); break;
+            case 'e': t->addEditData(t->activeWave()->getEndTime() + arg.toULongLong()); break;
+            case 'x': t->cutData(); break;
+            case 'c': t->copyData(); break;
+            case 'v': t->pasteData(); break;
+            case 'd': t->clearData(); break;
+            case 'D': QTest::keyRelease(t.view(), Qt::Key_Delete); break;
+            case '2': t->dupWave(); break;
+            }
         }
         for (const QString& result : changed)
             QCOMPARE(values(t, result.section(QLatin1Char('='), 0, 0)), result.section(QLatin1Char('='), 1).toUtf8());
@@ -169,7 +161,7 @@ private Q_SLOTS:
         QCOMPARE(t.saved(), kHeader);
     }
 
-    void extendByClickRefuses()
+    void extendByClickRefusesAndUndoDropsTheRange()
     {
         Window t(kDoc);
         t.editMode(true);
@@ -195,6 +187,23 @@ private Q_SLOTS:
         QCOMPARE(t.steps(), 1);
         t->addEditData(far + max);
         QCOMPARE(a->patterns.last()->duration, std::numeric_limits<qint32>::max());
+        // A clear undone, then redone.
+        t.select("a", {1});
+        t->clearData();
+        for (bool undoing : {true, false}) {
+            t->changeRange(10, 30);
+            a->selected = true;
+            Spies edit(t.gui.get(), &VokGUI::editdataChanged);
+            if (undoing)
+                t->undo();
+            else
+                t->redo();
+            QVERIFY(!a->selected);
+            QCOMPARE(t->selectionState().rangeStart, undoing ? -1.0 : 10.0);
+            // Both drop the selection; only undo also drops the range (which says so once more).
+            QVERIFY(t->selection().isEmpty());
+            QCOMPARE(edit.take().first(), undoing ? (QList<bool>{false, false}) : QList<bool>{false});
+        }
     }
 
     void duplicateNaming()
@@ -271,29 +280,6 @@ private Q_SLOTS:
         // A click 85 pixels down lands in the third row.
         t->selectWave(85);
         QCOMPARE(t->waveList()->currentIndex().row(), 2);
-    }
-
-    void undoDropsTheRangeRedoKeepsIt()
-    {
-        Window t(kDoc);
-        t.editMode(true);
-        t.select("a", {1});
-        t->clearData();
-        WaveData* a = t.wave("a");
-        for (bool undoing : {true, false}) {
-            t->changeRange(10, 30);
-            a->selected = true;
-            Spies edit(t.gui.get(), &VokGUI::editdataChanged);
-            if (undoing)
-                t->undo();
-            else
-                t->redo();
-            QVERIFY(!a->selected);
-            QCOMPARE(t->selectionState().rangeStart, undoing ? -1.0 : 10.0);
-            // Both drop the selection; only undo also drops the range (which says so once more).
-            QVERIFY(t->selection().isEmpty());
-            QCOMPARE(edit.take().first(), undoing ? (QList<bool>{false, false}) : QList<bool>{false});
-        }
     }
 };
 

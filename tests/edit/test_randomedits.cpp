@@ -28,14 +28,10 @@ QByteArray summary(const Tool& t)
 class RandomEditor
 {
 public:
-    RandomEditor(VokGUI& gui, quint32 seed) : gui_(gui), rng_(seed)
-    {
-        for (WaveData* wave : std::as_const(gui.document()->waves))
-            loaded_.insert(wave);
-    }
+    RandomEditor(VokGUI& gui, quint32 seed)
+        : gui_(gui), rng_(seed), loaded_(gui.document()->waves.cbegin(), gui.document()->waves.cend()) {}
 
-    // Applies one random operation; returns its description and sets the
-    // number of commands it must have pushed.
+    // Applies one random operation; returns its description and sets the number of commands it must have pushed.
     QString step(int& pushes)
     {
         // Cumulative weights out of 100, one per case below.
@@ -142,8 +138,7 @@ private:
             gui_.undoStack()->push(new ShowWaveCommand(hidden, &gui_));
             return QStringLiteral("show %1 waves").arg(hidden.size());
         }
-        case 8: {   // the command holds its wave by pointer, and a redone
-                    // duplication adds a fresh copy: only loaded waves are dragged
+        case 8: {   // the command holds its wave by pointer; a redone duplication makes a new one: drag loaded ones
             int from = 0;
             if (rows() < 2 || !loaded_.contains(wave = pickRow(&from)))
                 return {};
@@ -152,8 +147,7 @@ private:
             gui_.undoStack()->push(new moveWaveCommand(wave, from, to, &gui_));
             return QStringLiteral("move %1 from row %2 to row %3").arg(wave->name).arg(from).arg(to);
         }
-        case 9: {   // only onto waves without a tail: redo never clears an old
-                    // tail's mark (the caller does so before the first push)
+        case 9: {   // only onto waves without a tail: redo never clears an old tail's mark (callers do, before pushing)
             if (!(wave = pickRow()) || wave->isPattern || wave->foreverIndex != -1 || wave->patterns.size() < 2)
                 return {};
             const int index = int(rng_.bounded(wave->patterns.size() - 1));

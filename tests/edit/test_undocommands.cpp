@@ -24,8 +24,11 @@ class TestUndoCommands : public QObject
 {
     Q_OBJECT
 
+    // Undoes one step of a document just saved: whether that left it modified.
+    static bool undoDirties(Window& t) { return t->ResetDirtyBit(), t->undoStack()->undo(), t->isModified(); }
+
 private Q_SLOTS:
-    void typeChangeToPatternOutlivesUndoOfTheAdd()
+    void nodeParaTypeAndOffsetQuirks()
     {
         Window t(kDoc);
         WaveData* x = snapshotOf(t.wave("c"));
@@ -41,13 +44,20 @@ private Q_SLOTS:
         t->undoStack()->undo();
         QCOMPARE(t->waveList()->itemModel()->item(t->waveList()->rowOf(live))->text(), "$x I");
         // The add no longer finds "x": the document keeps "$x" yet turns dirty.
-        t->ResetDirtyBit();
-        t->undoStack()->undo();
+        QVERIFY(undoDirties(t));
         QCOMPARE(t.docOrder(), kAll + QStringList{"$x"});
-        QVERIFY(t->isModified());
+        // A type change keeps only 32 bits of the offset it restores.
+        WaveData* b = t.wave("b");
+        b->polarity = WaveKind::Bidir;
+        b->offset = (quint64(1) << 31) + 5;
+        t->undoStack()->push(new NodeParaCommand(b, WaveKind::Output, 0, t.gui.get()));
+        QCOMPARE(t.line("b"), QByteArray("b { A B Default NRZ 18446744071562067973 1 50 } = 1 5 0 5;"));
+        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), "b B");
+        QVERIFY(undoDirties(t));
+        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), "b O");
     }
 
-    void delWaveReinsertsAtRecordedPositions()
+    void delAndCutRestoreWhatTheyRecorded()
     {
         Window t(kDoc);
         t->setActiveWave(t.wave("a"));
@@ -68,9 +78,22 @@ private Q_SLOTS:
         t->undoStack()->undo();
         QCOMPARE(t.docOrder().last(), "zz");
         t->undoStack()->push(new DelWaveCommand({}, t.gui.get()));
-        t->ResetDirtyBit();
+        QVERIFY(undoDirties(t));
+        // A cut undone and redone.
+        WaveData* a = t.wave("a");
+        std::unique_ptr<WaveData> before(snapshotOf(a));
+        for (int i : {2, 1}) {
+            Pattern* p = a->patterns[i];
+            a->removeData(p);
+            delete p;
+        }
+        t->undoStack()->push(new CutPatternCommand(a, before.get(), t.gui.get()));
         t->undoStack()->undo();
-        QVERIFY(t->isModified());
+        // The redo removes the pulses the undo put back, from the selection too.
+        t->selection() = {a->patterns[0], a->patterns[1]};
+        t->undoStack()->redo();
+        QCOMPARE(t.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 10 1 40;"));
+        QCOMPARE(t->selection(), QList<Pattern*>{a->patterns[0]});
     }
 
     void foreverUndoRestoresWhatRedoMerged_data()
@@ -93,10 +116,8 @@ private Q_SLOTS:
         w->patterns[w->foreverIndex]->forever = false;
         t->undoStack()->push(new ForeverCommand(w, index, t.gui.get()));
         QTEST(t.line(name), "redone");
-        t->ResetDirtyBit();
-        t->undoStack()->undo();
+        QVERIFY(undoDirties(t));
         QTEST(t.line(name), "undone");
-        QVERIFY(t->isModified());
     }
 
     void editPatternFindsTheWaveByName()
@@ -118,43 +139,7 @@ private Q_SLOTS:
         QCOMPARE(t.saved(), edited);
         // Gone for good: nothing to restore, and nothing turns dirty.
         t->removeWave(t.wave("a"));
-        t->ResetDirtyBit();
-        t->undoStack()->undo();
-        QVERIFY(!t->isModified());
-    }
-
-    void cutPatternDropsSurplusFromTheSelection()
-    {
-        Window t(kDoc);
-        WaveData* a = t.wave("a");
-        std::unique_ptr<WaveData> before(snapshotOf(a));
-        for (int i : {2, 1}) {
-            Pattern* p = a->patterns[i];
-            a->removeData(p);
-            delete p;
-        }
-        t->undoStack()->push(new CutPatternCommand(a, before.get(), t.gui.get()));
-        t->undoStack()->undo();
-        // The redo removes the pulses the undo put back, from the selection too.
-        t->selection() = {a->patterns[0], a->patterns[1]};
-        t->undoStack()->redo();
-        QCOMPARE(t.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 10 1 40;"));
-        QCOMPARE(t->selection(), QList<Pattern*>{a->patterns[0]});
-    }
-
-    void nodeParaKeepsOnlyThirtyTwoBitsOfOffset()
-    {
-        Window t(kDoc);
-        WaveData* b = t.wave("b");
-        b->polarity = WaveKind::Bidir;
-        b->offset = (quint64(1) << 31) + 5;
-        t->undoStack()->push(new NodeParaCommand(b, WaveKind::Output, 0, t.gui.get()));
-        QCOMPARE(t.line("b"), QByteArray("b { A B Default NRZ 18446744071562067973 1 50 } = 1 5 0 5;"));
-        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), "b B");
-        t->ResetDirtyBit();
-        t->undoStack()->undo();
-        QCOMPARE(t->waveList()->itemModel()->item(2)->text(), "b O");
-        QVERIFY(t->isModified());
+        QVERIFY(!undoDirties(t));
     }
 
     void moveWaveGoesByDocumentPlaces()

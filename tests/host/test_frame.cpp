@@ -55,7 +55,8 @@ class TestFrame : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void actionsHaveIconsWithoutATheme()
+    // Icons and keys without a theme or platform binding; menus and bars from the tool's lists.
+    void actionsKeysMenusAndBars()
     {
         BareTool tool;
         QVERIFY(tool.initialize());
@@ -71,28 +72,16 @@ private Q_SLOTS:
             QVERIFY2(button && button->toolButtonStyle() == Qt::ToolButtonIconOnly && !button->icon().isNull(),
                      qPrintable(action->objectName()));
         }
-    }
-
-    void keysWithoutAPlatformBinding()
-    {
-        BareTool tool;
-        tool.initialize();
+        // Offscreen, like a plain X session, has no Save As binding.
         tool.show();
         tool.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&tool));
-        // Offscreen, like a plain X session, has no Save As binding.
         for (const auto& [action, key] : {std::pair("save as", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)),
                                           std::pair("zoom fit", QKeySequence(Qt::CTRL | Qt::Key_0))}) {
             QSignalSpy triggered(tool.sharedAction(action), &QAction::triggered);
             QTest::keySequence(&tool, key);
             QVERIFY2(triggered.size() == 1, action);
         }
-    }
-
-    void menusAndToolBarsFollowTheToolsLists()
-    {
-        BareTool tool;
-        tool.initialize();
         QStringList menus;
         for (QAction* menu : tool.menuBar()->actions())
             menus << menu->text().remove(QLatin1Char('&')) + QStringLiteral(": ")
@@ -100,7 +89,6 @@ private Q_SLOTS:
         // Shared actions, a separator, the tool's own; empty menus are left out.
         QCOMPARE(menus, (QStringList{"File: New Save As... | Own", "Edit: Own", "Help: About..."}));
         QCOMPARE(tool.findChild<QMenu*>(QStringLiteral("menu0"))->actions().at(1), tool.sharedAction("save as"));
-
         tool.addButtonOnSpecialToolBar(tool.own);
         tool.addSeparatorOnSpecialToolBar();
         QCOMPARE(texts(tool.specialToolBar()->actions()), (QStringList{"Own", "|"}));

@@ -50,7 +50,6 @@ inline void setView(VokGUI& gui, quint64 start, quint64 step)
     gui.changeStep(step);
 }
 
-// How many pixels of the area have exactly the colour.
 inline int count(const QImage& image, const QColor& color, const QRect& area)
 {
     int n = 0;
@@ -60,7 +59,6 @@ inline int count(const QImage& image, const QColor& color, const QRect& area)
     return n;
 }
 
-// Whether each listed pixel has its colour.
 inline void expectPixels(const QImage& image, std::initializer_list<std::tuple<int, int, QColor>> points)
 {
     for (const auto& [x, y, color] : points)
@@ -119,7 +117,6 @@ public:
             names << w->name;
         return names;
     }
-    // The wave's segments at those indexes.
     QList<Pattern*> segments(const QString& name, const QList<int>& indexes) const
     {
         QList<Pattern*> list;
@@ -141,10 +138,9 @@ public:
     QStringList listRows() const
     {
         QStringList names;
-        for (int row = 0; row < gui->waveList()->itemModel()->rowCount(); ++row) {
-            const WaveData* w = gui->waveList()->waveAt(row);
-            names << (w ? w->name : gui->waveList()->itemModel()->item(row)->text());
-        }
+        for (int row = 0; row < gui->waveList()->itemModel()->rowCount(); ++row)
+            names << (gui->waveList()->waveAt(row) ? gui->waveList()->waveAt(row)->name
+                                                   : gui->waveList()->itemModel()->item(row)->text());
         return names;
     }
     // The rows the document's shown waves take in the drawing, as listRows.
@@ -152,11 +148,8 @@ public:
     {
         QStringList names;
         for (const WaveData* w : gui->document()->waves) {
-            if (!w->visible)
-                continue;
-            names << w->name;
-            for (int i = 0; w->isBus && w->expandFlag && i < w->elements.size(); ++i)
-                names << w->elements.at(i);
+            if (w->visible)
+                names << w->name << (w->isBus && w->expandFlag ? w->elements : QStringList());
         }
         return names;
     }
@@ -201,26 +194,11 @@ public:
                           held, modifiers);
         QApplication::sendEvent(view(), &event);
     }
-    void press(int x, int y, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        send(QEvent::MouseButtonPress, x, y, Qt::LeftButton, modifiers);
-    }
+    void press(int x, int y, Qt::KeyboardModifiers m = {}) { send(QEvent::MouseButtonPress, x, y, Qt::LeftButton, m); }
     void move(int x, int y) { send(QEvent::MouseMove, x, y); }
-    void release(int x, int y, Qt::MouseButton button = Qt::LeftButton)
-    {
-        send(QEvent::MouseButtonRelease, x, y, button);
-    }
-    void click(int x, int y)
-    {
-        press(x, y);
-        release(x, y);
-    }
-    void drag(int fromX, int toX, int y)
-    {
-        press(fromX, y);
-        move(toX, y);
-        release(toX, y);
-    }
+    void release(int x, int y) { send(QEvent::MouseButtonRelease, x, y); }
+    void click(int x, int y) { press(x, y), release(x, y); }
+    void drag(int fromX, int toX, int y) { press(fromX, y), move(toX, y), release(toX, y); }
 
     // A double click on a row of the name list (a bus expands or collapses).
     void doubleClickRow(int row) const

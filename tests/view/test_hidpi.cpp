@@ -55,16 +55,12 @@ private Q_SLOTS:
         QCOMPARE(image.size(), view->size() * Ratio);
         QCOMPARE(pixels(image, {196, 50}, {1, 0}, 8), QStringLiteral("WWWWSSWW"));
         QCOMPARE(pixels(image, {300, 16}, {0, 1}, 8), QStringLiteral("WWWWSSWW"));
-    }
-
-    // The ruler's bottom, below the labels: ink and background only.
-    void rulerIsWholeDevicePixels()
-    {
-        const QImage image = (*w_)->rulerView()->grab().toImage();
-        QCOMPARE(image.size(), (*w_)->rulerView()->size() * Ratio);
+        // The ruler's bottom, below the labels: ink and background only.
+        const QImage ruler = (*w_)->rulerView()->grab().toImage();
+        QCOMPARE(ruler.size(), (*w_)->rulerView()->size() * Ratio);
         QSet<QRgb> colours;
-        for (int x = 0; x < image.width(); ++x)
-            colours.insert(image.pixel(x, image.height() - 3));
+        for (int x = 0; x < ruler.width(); ++x)
+            colours.insert(ruler.pixel(x, ruler.height() - 3));
         QCOMPARE(colours.size(), 2);
     }
 };

@@ -54,13 +54,12 @@ class TestNameList : public QObject
         accepted << sendDrag<QDropEvent>(over.isEmpty() ? from : over.last());
         return accepted;
     }
-    int currentRow() const { return w_->list()->currentIndex().row(); }
 
 private Q_SLOTS:
     void init() { w_ = std::make_unique<Window>(Document, QSize(1000, 600)); }
     void cleanup() { w_.reset(); }
 
-    void busTitlesAndExpansion()
+    void busTitlesExpansionAndBars()
     {
         WaveData* bus = w_->wave("bus[2:0]");
         bus->name = "D";
@@ -81,23 +80,31 @@ private Q_SLOTS:
         w_->doubleClickRow(0);
         w_->doubleClickRow(3);
         QCOMPARE(titles().size(), 4);
-    }
-
-    void layoutUpdatesTheToolBars()
-    {
-        WaveData* bus = w_->wave("bus[2:0]");
+        // Expanded without a Refresh, the layout alone brings the tool's bar along.
         for (int i = 0; i < 40; ++i)
             bus->elements.append(QStringLiteral("e%1").arg(i));
         QCOMPARE(w_->gui->waveVBar()->maximum(), 0);
         bus->expandFlag = true;
-        w_->list()->expandBus(w_->list()->itemModel()->index(2, 0));   // no Refresh: only the layout
+        w_->list()->expandBus(w_->list()->itemModel()->index(2, 0));
         QTRY_VERIFY(w_->list()->verticalScrollBar()->maximum() > 0);
         QCOMPARE(w_->gui->waveVBar()->maximum(), w_->list()->verticalScrollBar()->maximum());
         QCOMPARE(w_->gui->waveVBar()->pageStep(), w_->list()->verticalScrollBar()->pageStep());
     }
 
-    void pickingARowMakesItsWaveActive()
+    void pickingARowMakesItsWaveActiveOrStartsAMove()
     {
+        // With a modifier or read-only, a press starts no move.
+        press(1, Qt::ControlModifier);
+        QVERIFY(!w_->list()->moving);
+        w_->gui->changeReadonlyMode(true);
+        press(2);
+        QCOMPARE(w_->gui->activeWave(), w_->wave("bus[2:0]"));
+        QVERIFY(!w_->list()->moving);
+        w_->gui->changeReadonlyMode(false);
+        press(2);
+        QVERIFY(w_->list()->moving);
+        QVERIFY(sendDrag<QDragEnterEvent>(2) && sendDrag<QDropEvent>(2));
+        QVERIFY(!w_->list()->moving);
         WaveData* a = w_->wave("a");
         WaveData* b = w_->wave("b");
         press(0);
@@ -110,26 +117,11 @@ private Q_SLOTS:
         // An element row and the space below the rows have no wave.
         w_->doubleClickRow(2);
         press(4);
-        QCOMPARE(currentRow(), 4);
+        QCOMPARE(w_->list()->currentIndex().row(), 4);
         QCOMPARE(w_->gui->activeWave(), nullptr);
         press(20);
         QVERIFY(!w_->list()->currentIndex().isValid());
         QCOMPARE(w_->steps(), 0);
-    }
-
-    void modifiersAndReadOnlyStartNoMove()
-    {
-        press(1, Qt::ControlModifier);
-        QVERIFY(!w_->list()->moving);
-        w_->gui->changeReadonlyMode(true);
-        press(2);
-        QCOMPARE(w_->gui->activeWave(), w_->wave("bus[2:0]"));
-        QVERIFY(!w_->list()->moving);
-        w_->gui->changeReadonlyMode(false);
-        press(2);
-        QVERIFY(w_->list()->moving);
-        QVERIFY(sendDrag<QDragEnterEvent>(2) && sendDrag<QDropEvent>(2));
-        QVERIFY(!w_->list()->moving);
     }
 
     void dragMovesOneStepPerRow_data()
@@ -160,7 +152,7 @@ private Q_SLOTS:
         QCOMPARE(w_->listRows(), w_->drawnRows());
         if (order != QStringList{"a", "b", "bus[2:0]", "c"}) {
             QCOMPARE(w_->gui->activeWave(), dragged);
-            QCOMPARE(w_->list()->waveAt(currentRow()), dragged);
+            QCOMPARE(w_->list()->waveAt(w_->list()->currentIndex().row()), dragged);
         }
         // One step per row crossed, each undone on its own.
         while (w_->gui->undoStack()->canUndo()) {

@@ -41,8 +41,6 @@ class TestNavigation : public QObject
         return view_->cursorTime();
     }
 
-    // The width of a range whose raw step (range x 20 / view width) is r.
-    quint64 rangeFor(quint64 r) const { return (r * quint64(viewWidth()) + 19) / 20; }
     void wheel(QWidget* target, QPoint angle, Qt::KeyboardModifiers mods)
     {
         const QPointF pos(target->width() / 2, target->height() / 2);
@@ -81,7 +79,7 @@ private Q_SLOTS:
 
     void cleanupTestCase() { w_.reset(); }
 
-    void zoomWalksTheOneTwoFiveSequence()
+    void zoomStepsFitAndLeavingTheZoomArea()
     {
         const QList<quint64> sequence{1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000,
                                       100000};
@@ -107,6 +105,39 @@ private Q_SLOTS:
         QCOMPARE(gui_->step(), quint64(1));
         gui_->changeStep(0);
         QCOMPARE(gui_->step(), quint64(1));
+        // Fit shows the whole document, then leaves the zoom-area mode for the checked one.
+        for (bool edit : {true, false}) {
+            gui_->action(VokGUI::ActEditMode)->setChecked(edit);
+            gui_->setMode(VokGUI::ModeZoomArea);
+            setView(4321, 3);
+            gui_->sharedAction(QStringLiteral("zoom fit"))->trigger();
+            // 100000 x 20 / width lies between 2000 and 4999 for these widths.
+            QCOMPARE(std::pair(gui_->startTime(), gui_->step()), std::pair(quint64(0), quint64(5000)));
+            QCOMPARE(gui_->mode(), edit ? int(VokGUI::ModeEdit) : int(VokGUI::ModeQuery));
+        }
+        gui_->action(VokGUI::ActEditMode)->setChecked(false);
+        // Escape leaves the zoom-area mode.
+        QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
+        zoomArea->setChecked(true);
+        QSignalSpy quit(gui_, &VokGUI::sigQuitZooming);
+        w_->press(100, 10);
+        w_->move(200, 10);
+        QVERIFY(band() && band()->isVisible());
+        QTest::keyClick(view_, Qt::Key_Escape);
+        QCOMPARE(quit.count(), 1);
+        QVERIFY(!gui_->isZooming());
+        QVERIFY(!zoomArea->isChecked());
+        QVERIFY(!band() || !band()->isVisible());
+        // Unchecking the action ends the mode and drops a band being dragged.
+        zoomArea->setChecked(true);
+        setView(0, 10);
+        w_->press(100, 10);
+        w_->move(300, 10);
+        zoomArea->setChecked(false);
+        QVERIFY(!gui_->isZooming());
+        QVERIFY(!band() || !band()->isVisible());
+        w_->release(300, 10);
+        QCOMPARE(std::pair(gui_->step(), gui_->startTime()), std::pair(quint64(10), quint64(0)));
     }
 
     void zoomRangeRoundsUpPastTheLeadingDigit_data()
@@ -121,12 +152,12 @@ private Q_SLOTS:
     {
         QFETCH(quint64, raw);
         setView(0, 7);
-        gui_->zoomRange(1234, 1234 + qMax<quint64>(1, rangeFor(raw)));
+        // A range whose raw step (range x 20 / view width) is raw.
+        gui_->zoomRange(1234, 1234 + qMax<quint64>(1, (raw * quint64(viewWidth()) + 19) / 20));
         QTEST(gui_->step(), "step");
-        QCOMPARE(gui_->startTime(), quint64(1234));
         // The tool's bar follows: its value is the start in steps.
-        QCOMPARE(gui_->waveHBar()->value(), int(1234 / gui_->step()));
-        QCOMPARE(gui_->waveHBar()->maximum(), int(100000 / gui_->step() + 5));
+        QCOMPARE(std::tuple(gui_->startTime(), gui_->waveHBar()->value(), gui_->waveHBar()->maximum()),
+                 std::tuple(quint64(1234), int(1234 / gui_->step()), int(100000 / gui_->step() + 5)));
     }
 
     void zoomRangeOfOnePointRecentresOnTheCursor()
@@ -140,24 +171,8 @@ private Q_SLOTS:
             setView(300, c.step);
             setCursor(c.cursor);
             gui_->zoomRange(77, 77);
-            QCOMPARE(gui_->step(), c.after);
-            QCOMPARE(gui_->startTime(), c.start);
+            QCOMPARE(std::pair(gui_->step(), gui_->startTime()), std::pair(c.after, c.start));
         }
-    }
-
-    void fitShowsTheWholeDocument()
-    {
-        for (bool edit : {true, false}) {
-            gui_->action(VokGUI::ActEditMode)->setChecked(edit);
-            gui_->setMode(VokGUI::ModeZoomArea);
-            setView(4321, 3);
-            gui_->sharedAction(QStringLiteral("zoom fit"))->trigger();
-            QCOMPARE(gui_->startTime(), quint64(0));
-            // 100000 x 20 / width lies between 2000 and 4999 for these widths.
-            QCOMPARE(gui_->step(), quint64(5000));
-            QCOMPARE(gui_->mode(), edit ? int(VokGUI::ModeEdit) : int(VokGUI::ModeQuery));
-        }
-        gui_->action(VokGUI::ActEditMode)->setChecked(false);
     }
 
     void zoomArea_data()
@@ -201,32 +216,6 @@ private Q_SLOTS:
         QCOMPARE(view_->cursorTime(), cursor);
     }
 
-    void leavingZoomMode()
-    {
-        QAction* zoomArea = gui_->sharedAction(QStringLiteral("zoom area"));
-        zoomArea->setChecked(true);
-        QSignalSpy quit(gui_, &VokGUI::sigQuitZooming);
-        w_->press(100, 10);
-        w_->move(200, 10);
-        QVERIFY(band() && band()->isVisible());
-        QTest::keyClick(view_, Qt::Key_Escape);
-        QCOMPARE(quit.count(), 1);
-        QVERIFY(!gui_->isZooming());
-        QVERIFY(!zoomArea->isChecked());
-        QVERIFY(!band() || !band()->isVisible());
-        // Unchecking the action ends the mode and drops a band being dragged.
-        zoomArea->setChecked(true);
-        setView(0, 10);
-        w_->press(100, 10);
-        w_->move(300, 10);
-        zoomArea->setChecked(false);
-        QVERIFY(!gui_->isZooming());
-        QVERIFY(!band() || !band()->isVisible());
-        w_->release(300, 10);
-        QCOMPARE(gui_->step(), quint64(10));
-        QCOMPARE(gui_->startTime(), quint64(0));
-    }
-
     void wheels()
     {
         QScrollBar* rows = gui_->waveVBar();
@@ -253,8 +242,7 @@ private Q_SLOTS:
             };
             for (const auto& s : scrolls) {
                 wheel(target, s.angle, s.mods);
-                QCOMPARE(gui_->viewport().firstRow, s.row);
-                QCOMPARE(gui_->startTime(), s.start);
+                QCOMPARE(std::pair(gui_->viewport().firstRow, gui_->startTime()), std::pair(s.row, s.start));
             }
         }
     }
@@ -298,7 +286,7 @@ private Q_SLOTS:
         QVERIFY(gui_->startTime() + quint64(viewWidth() / 20) * 10 >= landed);
     }
 
-    void theMarker()
+    void theMarkerAndJumpToTime()
     {
         QSignalSpy marked(gui_, &VokGUI::markChanged);
         QVERIFY(!gui_->isMarked());
@@ -313,10 +301,7 @@ private Q_SLOTS:
         QCOMPARE(view_->markerTime(), NoTime);
         QVERIFY(!gui_->isMarked());
         QCOMPARE(marked.count(), 2);
-    }
-
-    void jumpToTypedTime()
-    {
+        // Jump to Time takes a typed time.
         setCursor(5);
         const QString title = QStringLiteral("Jump to Time");
         QCOMPARE(jumpToTime({type("150")}), QStringList{title});

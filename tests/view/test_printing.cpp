@@ -103,17 +103,18 @@ private Q_SLOTS:
 
     void pages_data()
     {
-        addColumns<int, int, int, quint64, int, quint64>({"waves", "height", "scale", "end", "pages", "step"});
+        // waves 0: crowded(), at 100 units a step
+        addColumns<int, int, int, quint64, int>({"waves", "height", "scale", "end", "pages"});
         // From 40, 1000 px wide: 50 steps a page at 20 px, 500 at 2 px; ruler and 13 rows fit 600 px.
-        QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1 << quint64(1);
-        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2 << quint64(1);
-        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6 << quint64(1);
-        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(1240) << 3 << quint64(1);
-        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << 0 << quint64(1);
-        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(440) << 1 << quint64(1);
+        QTest::newRow("one page") << 2 << 600 << 100 << quint64(80) << 1;
+        QTest::newRow("rows past the bottom") << 20 << 600 << 100 << quint64(80) << 2;
+        QTest::newRow("rows, then time") << 20 << 600 << 100 << quint64(160) << 6;
+        QTest::newRow("time at 2 px per step") << 2 << 600 << 10 << quint64(1240) << 3;
+        QTest::newRow("empty range") << 2 << 600 << 100 << quint64(40) << 0;
+        QTest::newRow("too short for a row") << 3 << 90 << 100 << quint64(440) << 1;
         // Dozens of segments a pixel column, drawn once a column.
-        QTest::newRow("crowded") << 0 << 600 << 10 << quint64(100040) << 2 << quint64(100);
-        QTest::newRow("crowded, finer") << 0 << 600 << 40 << quint64(30040) << 3 << quint64(100);
+        QTest::newRow("crowded") << 0 << 600 << 10 << quint64(100040) << 2;
+        QTest::newRow("crowded, finer") << 0 << 600 << 40 << quint64(30040) << 3;
     }
     void pages()
     {
@@ -121,9 +122,8 @@ private Q_SLOTS:
         QFETCH(int, height);
         QFETCH(int, scale);
         QFETCH(quint64, end);
-        QFETCH(quint64, step);
         Tool tool(waves ? ::waves(waves) : crowded());
-        tool->changeStep(step);
+        tool->changeStep(waves ? 1 : 100);
         tool->printSettings() = {40, end, PrintSettings::Customized, scale, false};
         // Pages painted column by column look exactly as with every segment drawn.
         QImage picture[2];
@@ -160,7 +160,6 @@ private Q_SLOTS:
         tool->printSettings().timeScale = 50;
         tool->filePageSetup();
         VERIFY_ANSWERED(answerer);
-        QCOMPARE(answerer.said().value(2), QStringLiteral("Page Setup"));
         QCOMPARE(tool->printSettings().timeScale, 50);
     }
 

@@ -39,8 +39,7 @@ private Q_SLOTS:
         gui_ = toolfixture::laidOutTool();
         ruler_ = gui_->rulerView();
         ruler_->resize(600, 50);
-        QImage settle(8, 8, QImage::Format_RGB32);
-        ruler_->render(&settle);
+        paintRuler();
         QCOMPARE(ruler_->size(), QSize(600, 50));
     }
     void init()
@@ -86,7 +85,7 @@ private Q_SLOTS:
         QVERIFY(label != reference.copy(100 - 20, 0, 40, 34));
     }
 
-    void rulerMarksARange()
+    void rulerMarksARangeAndFollowsTheMouse()
     {
         setView(0, 10);
         ruler_->rangeActive = true;
@@ -98,10 +97,7 @@ private Q_SLOTS:
             expectPixels(img, {{x, 45, Black}, {140, 45, Back}, {210, 45, Back}});
         ruler_->rangeEnd = 50;
         QCOMPARE(count(paintRuler(), Black, QRect(100, 36, 500, 13)), 0);
-    }
-
-    void rulerMouse()
-    {
+        // The mouse's place on the time axis.
         setView(1000, 10);
         move(40);
         QCOMPARE(ruler_->mouseX, 0);

@@ -146,16 +146,12 @@ private Q_SLOTS:
         QFETCH(quint64, step);
         QFETCH(int, radix);
         QFETCH(QString, expected);
-        for (QString wave : scene.split(QLatin1Char('|'))) {
-            wave = wave.trimmed();
-            const bool expanded = wave.startsWith(QLatin1Char('+'));
-            const bool hidden = wave.startsWith(QLatin1Char('~'));
-            const QString width = wave.section(QLatin1Char('/'), 1);
-            wave = wave.section(QLatin1Char('/'), 0, 0).mid(expanded || hidden ? 1 : 0);
-            WaveData* w = addWave(wave.section(QLatin1Char('@'), 0, 0), wave.section(QLatin1Char('@'), 1).toULongLong(),
-                                  width.toInt());
-            w->expandFlag = expanded;
-            w->visible = !hidden;
+        static const QRegularExpression form(QStringLiteral("^([+~]?)([^@/]*)@?(\\d*)/?(\\d*)$"));
+        for (const QString& wave : scene.split(QLatin1Char('|'))) {
+            const QRegularExpressionMatch m = form.match(wave.trimmed());
+            WaveData* w = addWave(m.captured(2), m.captured(3).toULongLong(), m.captured(4).toInt());
+            w->expandFlag = m.captured(1) == QLatin1String("+");
+            w->visible = m.captured(1) != QLatin1String("~");
         }
         gui_->setBusRadix(radix);
         setView(start, step);
@@ -175,7 +171,7 @@ private Q_SLOTS:
         }
     }
 
-    void guideLinesAndScrolling()
+    void guideLinesScrollingMarkerAndCursor()
     {
         addWave("1:5");
         addWave("0:5");
@@ -190,12 +186,9 @@ private Q_SLOTS:
         QCOMPARE(count(img, Black, QRect(1, 120, Width - 2, Height - 121)), 0);
         scrollTo(1);   // the first wave scrolled out above
         expectPixels(paint(), {{50, 40, Signal}, {50, 10, Back}});
-    }
-
-    void markerOnlyRightOfTheStartCursorOnlyInQueryAndEdit()
-    {
+        // The marker only right of the start, the cursor only in query and edit mode.
         view_->setMarkerTime(5);
-        QImage img = paint();
+        img = paint();
         QCOMPARE(img.pixelColor(100, 150), Red);
         QCOMPARE(count(img, Red, img.rect()), Height - 2);
         setView(4, 1);
@@ -281,8 +274,7 @@ private Q_SLOTS:
         WaveData* selected = addWave(mixed, 0);
         selected->selected = true;
         addWave("A5:9000", 0, 8);
-        // Over before most views start: bands begin below a wave that draws
-        // nothing, and above the bit rows of a bus.
+        // Over before most views start: bands begin below a wave that draws nothing, and above a bus's bit rows.
         addWave("1:2 0:1", 0);
         WaveData* bus = addWave(busy, 5, 8);
         bus->expandFlag = true;
@@ -300,8 +292,7 @@ private Q_SLOTS:
             setView(start, step);
         const QImage gathered = paint(Width, 800);
         const int gatheredCount = view_->lastPaintPrimitives();
-        // Bands painted side by side, each cut between waves and begun with
-        // the value the rows above leave.
+        // Bands painted side by side, each cut between waves and begun with the value the rows above leave.
         QList<QImage> banded;
         for (int bands : {2, 3, 5}) {
             view_->setProperty("paintBands", bands);

@@ -63,19 +63,15 @@ private Q_SLOTS:
         QCOMPARE(w.steps(), 0);
     }
 
-    // In query mode the same click only moves the cursor: otherModes.
-    void clickPastTheEndExtendsTheWave()
+    void clickPastTheEndAndSelectedWaves()
     {
-        Window& w = open({LineA, LineB});
+        Window& w = open({LineA, LineB, "c { A I Default NRZ 0 1 50 } = 0 3;", "d { A I Default NRZ 0 1 50 } = 1 3;"});
+        // A click past the end extends the wave; in query mode the same click only moves the cursor: otherModes.
         w.click(timeX(14), rowY(0));
         QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 3 0 4 1 1 0 4;"));
         QCOMPARE(w->selection(), QList<Pattern*>{w.wave("a")->patterns.last()});
         QCOMPARE(w.steps(), 1);
-    }
-
-    void atMostOneWaveStaysSelectedTheFirst()
-    {
-        Window& w = open({LineA, LineB, "c { A I Default NRZ 0 1 50 } = 0 3;", "d { A I Default NRZ 0 1 50 } = 1 3;"});
+        // At most one wave stays selected, the first.
         const QList<WaveData*> waves = w->document()->waves;
         for (bool edit : {false, true}) {
             w.editMode(edit);
@@ -159,26 +155,22 @@ private Q_SLOTS:
     void dragsEndBeforeAnythingElseEdits()
     {
         Window& w = open({LineA});
+        // [2,5) picked, its right edge pressed below the wave and dragged to x.
+        auto dragEdge = [&w](int x) { w.click(70, rowY(0)), w.press(90, rowY(3)), w.move(x, rowY(3)); };
         // A swallowed release: the next buttonless move ends the drag as one step.
-        w.click(70, rowY(0));
-        w.press(90, rowY(3));
-        w.move(110, rowY(3));
+        dragEdge(110);
         w.held = {};
         w.move(150, rowY(3));
         QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 3 1 1;"));
         QCOMPARE(w.steps(), 1);
         // Undo with the button down: the drag becomes its own step first.
-        w.click(70, rowY(0));
-        w.press(90, rowY(3));
-        w.move(130, rowY(3));
+        dragEdge(130);
         w->undo();
         QVERIFY(!w.view()->isDraggingEdge());
         QCOMPARE(w.line("a"), QByteArray("a { A I Default NRZ 0 1 50 } = 0 2 1 4 0 3 1 1;"));
         QCOMPARE(w.steps(), 2);
         // A new document mid-drag forgets the drag: nothing reaches its stack.
-        w.click(70, rowY(0));
-        w.press(90, rowY(3));
-        w.move(110, rowY(3));
+        dragEdge(110);
         QVERIFY(w.view()->dragOrigin());
         w->CloseFile();
         QVERIFY(!w.view()->dragOrigin());
