@@ -30,24 +30,6 @@ int exportFile(const char* option, const QString& input, const QString& output)
     return kesu::toolvok::ExportWaveforms(3, argv);
 }
 
-namespace {
-
-// Names as every dumper spells them: no escapes, blanks, case or one-bit range (iverilog drops it).
-QByteArray nameKey(const QByteArray& name)
-{
-    static const QRegularExpression oneBit(QStringLiteral("\\[(-?[0-9]+):\\1\\]$"));
-    return QString::fromLatin1(name.toLower()).remove('\\').remove(' ').remove(oneBit).toLatin1();
-}
-
-QByteArray fullWidth(QByteArray value, int width)
-{
-    value = value.toLower();
-    const char fill = value.startsWith('1') ? '0' : value.at(0);
-    return QByteArray(width - value.size(), fill) + value;
-}
-
-} // namespace
-
 Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime)
 {
     QBuffer buffer;
@@ -62,9 +44,13 @@ Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime)
     quint64 scale = quint64(reader.unitMagnitude());
     for (int e = reader.unitExponent(); e < 15; ++e)
         scale *= 10;
-    std::vector<std::pair<QByteArray, int>> vars(size_t(reader.codeCount()));   // by code: name, width
+    // By code: the name as every dumper spells it (no escapes, blanks, case or one-bit range, which iverilog
+    // drops), and the width.
+    static const QRegularExpression oneBit(QStringLiteral("\\[(-?[0-9]+):\\1\\]$"));
+    std::vector<std::pair<QByteArray, int>> vars(size_t(reader.codeCount()));
     for (const kesu::toolvok::VcdVariable& var : reader.variables())
-        vars[size_t(var.code)] = {nameKey(var.reference + var.range), var.width};
+        vars[size_t(var.code)] = {QString::fromLatin1((var.reference + var.range).toLower()).remove('\\').remove(' ')
+                                      .remove(oneBit).toLatin1(), var.width};
     for (auto item = reader.next(); item != kesu::toolvok::VcdReader::End; item = reader.next()) {
         const quint64 time = reader.time() * scale;
         if (lastTime)
@@ -77,7 +63,8 @@ Dump readVcd(const QByteArray& text, quint64 end, quint64* lastTime)
             continue;
         if (!changes.empty() && changes.back().first == time)
             changes.pop_back();
-        const QByteArray full = fullWidth(QByteArray(reader.value().data(), qsizetype(reader.value().size())), var.second);
+        const QByteArray value = QByteArray(reader.value().data(), qsizetype(reader.value().size())).toLower();
+        const QByteArray full = QByteArray(var.second - value.size(), value.startsWith('1') ? '0' : value.at(0)) + value;
         if (changes.empty() || changes.back().second != full)
             changes.emplace_back(time, full);
     }

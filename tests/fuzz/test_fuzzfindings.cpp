@@ -1,9 +1,9 @@
 // Replays the inputs the fuzz targets once failed on (tests/fuzz/TARGET/).
 #include "datatable.h"
+#include "files.h"
 #include "fuzzchecks.h"
 
 #include <QDir>
-#include <QFile>
 #include <QtTest>
 
 class TestFuzzFindings : public QObject
@@ -27,9 +27,7 @@ private Q_SLOTS:
         QFETCH(QString, path);
         const fuzzchecks::Check check = fuzzchecks::checkNamed(target);
         QVERIFY2(check, qPrintable(QStringLiteral("no fuzz target named ") + target));
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray bytes = file.readAll();
+        const QByteArray bytes = testfiles::readFile(path);
         const QString fault = check(reinterpret_cast<const uint8_t*>(bytes.constData()), size_t(bytes.size()));
         QVERIFY2(fault.isEmpty(), qPrintable(fault));
     }

@@ -18,8 +18,7 @@
 namespace {
 QByteArray g_fault;   // none, kill, remove or limit
 bool g_armed = false;
-long g_steps = 0;
-long g_at = 0;
+long g_steps = 0, g_at = 0;
 QString g_folder;
 
 void step()

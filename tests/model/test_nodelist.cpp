@@ -37,8 +37,7 @@ private Q_SLOTS:
         addColumns<QByteArray, QStringList>({"bytes", "nodes"});
         const QByteArray longName(100000, 'n');
         QTest::newRow("empty") << QByteArray() << QStringList{};
-        QTest::newRow("every kind") << QByteArray("a i\nb o\nc b\nd n\ne r\n")
-                                    << QStringList{"a:0", "b:1", "c:2", "d:3", "e:4"};
+        QTest::newRow("every kind") << QByteArray("a i\nb o\nc b\nd n\ne r\n") << QStringList{"a:0", "b:1", "c:2", "d:3", "e:4"};
         QTest::newRow("CR LF, no last newline") << QByteArray("clk i\r\nq[0] o\r\nrst r")
                                                 << QStringList{"clk:0", "q[0]:1", "rst:4"};
         QTest::newRow("padding, extra parts") << QByteArray("  clk   i  x 7 \n\tq o\t\n") << QStringList{"clk:0", "q:1"};

@@ -67,16 +67,11 @@ private Q_SLOTS:
         auto doc = load("a = 0 10;\n$p { A } = 0 10;\n$q } = 1 1;\nw" + Attr + "0 1 = 2;\n"
                         "v { A I Default NRZ 0 1 50 } 0 10;\nu A I Default NRZ 0 1 50 } = 0 10;\n"
                         "%ENDTIME = 77;\nok" + Attr + "0 10 1;\n$p = 1 5 0 2;\n$e = ;\n");
-        QCOMPARE(doc->endTime, quint64(77));
-        QCOMPARE(doc->waves.size(), 3);
-        QCOMPARE(doc->waves.at(0)->name, QString("ok"));
-        QCOMPARE(segments(doc->waves.at(0)), QString("0:10"));   // a value without duration is dropped
-        const WaveData* p = doc->waves.at(1);
-        QCOMPARE(p->name, QString("$p"));
-        QVERIFY(p->isPattern);
-        QCOMPARE(p->polarity, 5);
-        QCOMPARE(segments(p), QString("1:5 0:2"));
-        QVERIFY(doc->waves.at(2)->patterns.isEmpty());
+        QStringList got{QString::number(doc->endTime)};
+        for (const WaveData* w : std::as_const(doc->waves))
+            got << QString("%1%2 %3=%4").arg(w->isPattern ? "pattern " : "", w->name).arg(w->polarity).arg(segments(w));
+        // "ok": a value without duration is dropped.
+        QCOMPARE(got.join('|'), QString("77|ok 0=0:10|pattern $p 5=1:5 0:2|pattern $e 5="));
         QCOMPARE(WaveformData::parseValues(QString::fromUtf8("\u3000a\u00a0 (b c)#2\u2029 d")),
                  QStringList({"a", "(b c)#2", "d"}));
     }
@@ -155,8 +150,7 @@ private Q_SLOTS:
     // read from a device or as text.
     void rawText_data()
     {
-        addColumns<QByteArray, bool>({"bytes", "asText"});
-        QTest::addColumn<QByteArray>("expected");   // see summary()
+        addColumns<QByteArray, bool, QByteArray>({"bytes", "asText", "expected"});
         const QByteArray a = " { A I Default NRZ 0 1 50 } = ", w1 = "w1" + a + "0 1;\n", w2 = "w2" + a + "1 1;\n";
         const QByteArray bom = "\xEF\xBB\xBF";
         auto crlf = [](QByteArray b) { return b.replace("\n", "\r\n"); };
@@ -201,20 +195,16 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, bytes);
         QFETCH(bool, asText);
-        QFETCH(QByteArray, expected);
         // Text decoding drops one leading mark of its own.
         auto doc = asText ? load(QString::fromUtf8(bytes)) : loadBytes(bytes);
         QByteArrayList waves;
         for (const WaveData* w : std::as_const(doc->waves)) {
-            QByteArray text = w->name.toUtf8();
-            if (w->isBus)
-                text += '{' + w->elements.join(QLatin1Char(',')).toUtf8() + '}';
-            QByteArrayList segs;
+            QByteArrayList segs;   // as bytes: a value's leading byte order mark stays
             for (const Pattern* p : w->patterns)
                 segs << QByteArray::fromStdString(p->value) + ':' + QByteArray::number(p->duration);
-            waves << text + '=' + segs.join(' ');
+            waves << w->name.toUtf8() + (w->isBus ? '{' + w->elements.join(',').toUtf8() + '}' : QByteArray()) + '=' + segs.join(' ');
         }
-        QCOMPARE(waves.join('|').toPercentEncoding(" :;,|={}[]"), expected);
+        QTEST(waves.join('|').toPercentEncoding(" :;,|={}[]"), "expected");
     }
 
     void longLinesAndManyLines()
@@ -229,18 +219,17 @@ private Q_SLOTS:
         for (int i = 0; i < count; ++i)
             bytes += (i % 10 == 0 ? "\n " : " ") + QByteArray::number(i % 16, 16) + " " + QByteArray::number(i + 1);
         bytes += ";\n";
-        auto doc = loadBytes(bytes);
-        QCOMPARE(doc->waves.size(), 2);
         QStringList w, b;
         for (int i = 0; i < count; ++i) {
             w << QString("%1:%2").arg(i % 2).arg(1 + i % 1000);
             b << QString("%1:%2").arg(i % 16, 0, 16).arg(i + 1);
         }
-        QCOMPARE(segments(doc->waves.at(0)), w.join(' '));
-        QCOMPARE(segments(doc->waves.at(1)), b.join(' '));
-        auto fromText = load(QString::fromLatin1(bytes));
-        QCOMPARE(segments(fromText->waves.at(0)), w.join(' '));
-        QCOMPARE(segments(fromText->waves.at(1)), b.join(' '));
+        for (const auto& doc : {loadBytes(bytes), load(QString::fromLatin1(bytes))}) {
+            QStringList waves;
+            for (const WaveData* wave : std::as_const(doc->waves))
+                waves << segments(wave);
+            QCOMPARE(waves, QStringList({w.join(' '), b.join(' ')}));
+        }
     }
 
     // What a file asks for is laid down at the cost of what it yields, and
@@ -255,8 +244,7 @@ private Q_SLOTS:
         const QString deep = "groups nest deeper than 256 levels";
         QTest::newRow("a repeat melts into one") << w + "(1 5)#100000000;\n" << "w:1:1/500000000";
         QTest::newRow("the longest melted repeat") << w + "(0 1)#2147483647 1 1;\n" << "w:2:0/2147483647";
-        QTest::newRow("two waves of repeats") << w + "(1 1 0 1)#30000;\n" + v + "(1 1 0 1)#30000;\n"
-                                              << "w:60000:1/1 v:60000:1/1";
+        QTest::newRow("two waves of repeats") << w + "(1 1 0 1)#30000;\n" + v + "(1 1 0 1)#30000;\n" << "w:60000:1/1 v:60000:1/1";
         QTest::newRow("plain around nested repeats")
             << w + QString(40, '(') + QString(15, '(') + "1 1 0 1" + QString(")#2").repeated(15) + QString(40, ')') + ";\n"
             << "w:65536:1/1";
@@ -265,17 +253,14 @@ private Q_SLOTS:
         QTest::newRow("60 nested melting") << w + QString(60, '(') + "1 1" + QString(")#2").repeated(60) + ";\n"
                                            << "w:0|line 1: " + melt;
         QTest::newRow("many repeats") << w + "((((1 1 0 1)#1000)#1000)#1000)#1000;\n" << "w:0|line 1: " + budget;
-        QTest::newRow("huge repeat, huge factor") << w + "(1 5 0 5)*2147483647#9223372036854775807;\n"
-                                                  << "w:0|line 1: " + budget;
+        QTest::newRow("huge repeat, huge factor") << w + "(1 5 0 5)*2147483647#9223372036854775807;\n" << "w:0|line 1: " + budget;
         QTest::newRow("factors multiplied") << w + "((1 5)*65536)*65536;\n"
                                             << "w:0|line 1: the factors of nested groups multiply beyond 2147483647";
         QTest::newRow("a factor too large") << w + "0 1 (1 5)*1000000000;\n"
                                             << "w:1:0/1|line 1: a duration times its group's factor exceeds 2147483647 time units";
-        QTest::newRow("the line of a long statement") << w + "0 1\n 1 1\n (1 1 0 1)#99999999;\n"
-                                                      << "w:2:0/1|line 3: " + budget;
+        QTest::newRow("the line of a long statement") << w + "0 1\n 1 1\n (1 1 0 1)#99999999;\n" << "w:2:0/1|line 3: " + budget;
         QTest::newRow("65 nested groups") << w + QString(65, '(') + "1 1" + QString(65, ')') + ";\n" << "w:1:1/1";
-        QTest::newRow("257 nested groups") << w + QString(257, '(') + "1 1" + QString(257, ')') + ";\n"
-                                           << "w:0|line 1: " + deep;
+        QTest::newRow("257 nested groups") << w + QString(257, '(') + "1 1" + QString(257, ')') + ";\n" << "w:0|line 1: " + deep;
         QTest::newRow("unclosed groups") << w + QString(200000, '(') + ";\n" << "w:0|line 1: " + deep;
         QTest::newRow("stray closings") << w + QString(100000, ')') + " 1 1;\n" << "w:1:" + QString(100000, ')') + "/1";
         QTest::newRow("a bus too wide") << "d[0:65536]" + Attr + "0 1;\n"
@@ -288,8 +273,7 @@ private Q_SLOTS:
         QTest::newRow("references beyond the limit") << "$p = (1 1 0 1)#1000000;\n" + w + "($p 1 1)#40;\n"
                                                      << "w:80:0/1|line 2: " + budget;
         QTest::newRow("millions of references melt") << "$p = 1 1;\n" + w + "0 1 ($p)#6000000;\n" << "w:1:0/6000001";
-        QTest::newRow("self reference") << "$p = 1 1 0 1 " + QString("$p 0 1 ").repeated(40) + ";\n"
-                                        << "|line 1: " + budget;
+        QTest::newRow("self reference") << "$p = 1 1 0 1 " + QString("$p 0 1 ").repeated(40) + ";\n" << "|line 1: " + budget;
         QTest::newRow("text after an empty line") << w + "1 1;\n\n" + v + "0 1;\n"
                                                   << "w:1:1/1|line 2: the reading stops at this empty line, but text follows it";
         QTest::newRow("blank lines at the end") << w + "1 1;\n\n \n\n" << "w:1:1/1";
@@ -320,9 +304,7 @@ private Q_SLOTS:
             qint64 readData(char* data, qint64 max) override
             {
                 const qint64 n = QBuffer::readData(data, max);
-                if (n == 0)
-                    setErrorString("the disk went away");
-                return n == 0 ? -1 : n;
+                return n ? n : (setErrorString("the disk went away"), -1);
             }
         };
         Failing device;

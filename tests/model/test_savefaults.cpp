@@ -111,10 +111,9 @@ private Q_SLOTS:
 
     void writeRefused_data()
     {
-        QTest::addColumn<QString>("fault");
-        QTest::newRow("file size limit") << "limit";
-        QTest::newRow("full disk") << "full";
-        QTest::newRow("read-only folder") << "readonly";
+        QTest::addColumn<QString>("fault");   // a file size limit, a full disk, a read-only folder
+        for (const char* fault : {"limit", "full", "readonly"})
+            QTest::newRow(fault) << QString(fault);
     }
     void writeRefused()
     {

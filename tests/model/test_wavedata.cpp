@@ -12,24 +12,6 @@
 using namespace kesu::toolvok;
 using namespace modeltest;
 
-namespace {
-
-// Replaces segments [first, first + count) by a segments() text, as an edit would.
-void edit(WaveData& wave, int first, int count, const QString& replacement, qint32 foreverIndex)
-{
-    qDeleteAll(wave.patterns.mid(first, count));
-    wave.patterns.remove(first, count);
-    auto source = makeWave("s", replacement);
-    for (Pattern* p : std::exchange(source->patterns, {})) {
-        wave.patterns.insert(first++, p);
-        p->wave = &wave;
-    }
-    wave.segmentsChanged(0);
-    wave.foreverIndex = foreverIndex;
-}
-
-} // namespace
-
 class TestWaveData : public QObject
 {
     Q_OBJECT
@@ -47,8 +29,8 @@ private Q_SLOTS:
         Pattern stranger("0", 1);
         w->insertData(new Pattern("-2", 6), &stranger);
         w->insertData(new Pattern("1", 7), nullptr);
-        QCOMPARE(segments(w.get()), QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7"));   // no merging
-        QCOMPARE(w->foreverIndex, 4);
+        QCOMPARE(segments(w.get()) + " forever " + QString::number(w->foreverIndex),
+                 QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7 forever 4"));   // no merging
     }
 
     void insertPattern()
@@ -61,8 +43,7 @@ private Q_SLOTS:
         w->insertPattern(w->patterns.at(4), makeWave("$q", "1:4 0:5").get());
         w->insertPattern(p, makeWave("$e", "").get());
         w->insertPattern(w->patterns.at(0), makeWave("$o", "-2:4").get());
-        QCOMPARE(segments(w.get()), QString("-2:4 -1:3 0:2 1:1 0:5 (1:4"));
-        QCOMPARE(w->foreverIndex, 5);
+        QCOMPARE(segments(w.get()) + " forever " + QString::number(w->foreverIndex), QString("-2:4 -1:3 0:2 1:1 0:5 (1:4 forever 5"));
         for (const Pattern* q : std::as_const(w->patterns))
             QCOMPARE(q->wave, w.get());
 
@@ -151,15 +132,13 @@ private Q_SLOTS:
         auto marks = makeWave("m", "1:1 1:2 (0:3 (1:3");
         marks->foreverIndex = 2;
         grow->duplicateData(marks.get());
-        QCOMPARE(segments(grow.get()), QString("1:3 (0:3 (1:3"));
-        QCOMPARE(grow->foreverIndex, 2);
+        QCOMPARE(segments(grow.get()) + " forever " + QString::number(grow->foreverIndex), QString("1:3 (0:3 (1:3 forever 2"));
 
         // Surplus segments leave the list and go back to the caller.
         auto shrink = makeWave("t", "0:1 1:2 (0:3");
         const QList<Pattern*> surplus = shrink->duplicateData(makeWave("s", "1:4").get());
-        QCOMPARE(segments(shrink.get()), QString("1:4"));
-        QCOMPARE(shrink->foreverIndex, -1);
-        QCOMPARE(surplus.size(), 2);
+        QCOMPARE(QString("%1 forever %2, %3 back").arg(segments(shrink.get())).arg(shrink->foreverIndex).arg(surplus.size()),
+                 QString("1:4 forever -1, 2 back"));
         qDeleteAll(surplus);
     }
 
@@ -191,9 +170,8 @@ private Q_SLOTS:
 
     void checkBusElements_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QStringList>("elements");   // empty: a single wave
-        QTest::addColumn<QString>("message");         // empty: accepted
+        // elements empty: a single wave; message empty: accepted
+        addColumns<QString, QStringList, QString>({"name", "elements", "message"});
         const QString conflict = "The wave you are adding conflicts to an existing wave. ";
         const QString ofBus = conflict + "It is element of the exsited bus wave.";
         const QString added = conflict + "Some elements of the bus wave have been added.";
@@ -221,22 +199,18 @@ private Q_SLOTS:
 
     void undoRedo_data()
     {
-        QTest::addColumn<QString>("wave");
-        QTest::addColumn<int>("first");         // the range the edit was told to touch
-        addColumns<int, QString>({"count", "replacement"});
-        QTest::addColumn<int>("forever");       // foreverIndex after the edit
-        QTest::addColumn<QList<int>>("change"); // narrowed: first, before count, after count
+        // first, count: the range the edit was told to touch; forever: foreverIndex after the edit;
+        // change: narrowed to first, before count, after count
+        addColumns<QString, int, int, QString, int, QList<int>>({"wave", "first", "count", "replacement", "forever", "change"});
         QTest::newRow("start") << "0:1 1:2 0:3 1:4" << 0 << 2 << "1:9" << -1 << QList<int>{0, 2, 1};
         QTest::newRow("middle") << "0:1 1:2 0:3 1:4" << 1 << 2 << "1:2 1:5 0:3" << -1 << QList<int>{2, 0, 1};
         QTest::newRow("end") << "0:1 1:2 0:3 1:4" << 3 << 1 << "1:4 0:8" << -1 << QList<int>{4, 0, 1};
         QTest::newRow("emptied") << "0:1 1:2" << 0 << 2 << "" << -1 << QList<int>{0, 2, 0};
         QTest::newRow("filled") << "" << 0 << 0 << "1:4 0:4" << -1 << QList<int>{0, 0, 2};
-        QTest::newRow("told more than changed") << "0:1 1:2 0:3 1:4" << 0 << 4 << "0:1 1:7 0:3 1:4" << -1
-                                                << QList<int>{1, 1, 1};
+        QTest::newRow("told more than changed") << "0:1 1:2 0:3 1:4" << 0 << 4 << "0:1 1:7 0:3 1:4" << -1 << QList<int>{1, 1, 1};
         QTest::newRow("nothing changed") << "0:1 1:2 0:3" << 0 << 3 << "0:1 1:2 0:3" << -1 << QList<int>{3, 0, 0};
         QTest::newRow("equal runs") << "0:1 0:1 0:1" << 0 << 3 << "0:1 0:1 0:1 0:1" << -1 << QList<int>{3, 0, 1};
-        QTest::newRow("only the forever index") << "0:1 (1:2 0:3" << 0 << 3 << "0:1 (1:2 0:3" << 0
-                                                << QList<int>{3, 0, 0};
+        QTest::newRow("only the forever index") << "0:1 (1:2 0:3" << 0 << 3 << "0:1 (1:2 0:3" << 0 << QList<int>{3, 0, 0};
         QTest::newRow("forever start moves") << "0:1 (1:2 0:3" << 1 << 2 << "1:2 (0:3" << 2 << QList<int>{1, 2, 2};
         QTest::newRow("forever head removed") << "0:1 1:2 (0:3 1:1" << 0 << 2 << "" << 0 << QList<int>{0, 2, 0};
         QTest::newRow("forever tail added") << "0:1 1:2" << 2 << 0 << "(0:3 1:1" << 2 << QList<int>{2, 0, 2};
@@ -253,27 +227,33 @@ private Q_SLOTS:
         const qint32 foreverBefore = w->foreverIndex;
         const QList<Pattern*> outside = w->patterns.mid(0, first) + w->patterns.mid(first + count);
         const SegmentRange before(*w, first, count);
-        edit(*w, first, count, replacement, forever);
-        const QString after = segments(w.get());
+        // Segments [first, first + count) replaced as an edit would.
+        qDeleteAll(w->patterns.mid(first, count));
+        w->patterns.remove(first, count);
+        int at = first;
+        for (Pattern* p : std::exchange(makeWave("s", replacement)->patterns, {})) {
+            w->patterns.insert(at++, p);
+            p->wave = w.get();
+        }
+        w->segmentsChanged(0);
+        w->foreverIndex = forever;
+        auto state = [&w] { return segments(w.get()) + " forever " + QString::number(w->foreverIndex)
+                                   + (w->indexConsistent() ? "" : " stale index"); };
+        const QString original = wave + " forever " + QString::number(foreverBefore);
+        const QString edited = segments(w.get()) + " forever " + QString::number(forever);
 
+        auto range = [](const SegmentChange& c) { return QList<int>{c.before.first(), c.before.count(), c.after.count()}; };
         const SegmentChange narrowed = narrowChange(before, *w);
-        QCOMPARE((QList<int>{narrowed.before.first(), narrowed.before.count(), narrowed.after.count()}), change);
+        QCOMPARE(range(narrowed), change);
+        // A whole copy of the wave narrows to the same range.
+        QCOMPARE(range(narrowChange(*makeWave("w", wave, 10), *w)), change);
         QCOMPARE(narrowed.isEmpty(), change.at(1) + change.at(2) == 0 && forever == foreverBefore);
         QCOMPARE(narrowed.after.first(), change.at(0));
-        // A whole copy of the wave narrows to the same range.
-        auto copy = makeWave("w", wave, 10);
-        const SegmentChange whole = narrowChange(*copy, *w);
-        QCOMPARE((QList<int>{whole.before.first(), whole.before.count(), whole.after.count()}), change);
-
         for (int round = 0; round < 2; ++round) {
             QVERIFY(narrowed.undo(*w));
-            QCOMPARE(segments(w.get()), wave);
-            QCOMPARE(w->foreverIndex, foreverBefore);
-            QVERIFY(w->indexConsistent());
+            QCOMPARE(state(), original);
             QVERIFY(narrowed.redo(*w));
-            QCOMPARE(segments(w.get()), after);
-            QCOMPARE(w->foreverIndex, forever);
-            QVERIFY(w->indexConsistent());
+            QCOMPARE(state(), edited);
         }
         // Segments outside the edit are the very same objects still.
         for (Pattern* p : outside)

@@ -93,22 +93,17 @@ private Q_SLOTS:
 
     void duplicateReadsBackAlike_data()
     {
-        QTest::addColumn<QString>("declaration");
-        QTest::addColumn<int>("earlier");   // copies made before this one
-        QTest::addColumn<QString>("copy");
-        QTest::addColumn<QStringList>("elements");   // of the copy as read back
+        // earlier: copies made before this one; elements: of the copy as read back
+        addColumns<QString, int, QString, QStringList>({"declaration", "earlier", "copy", "elements"});
         // Plain names, copies of copies and ranges counting on: test_editops' duplicateNaming.
         const QString attr = " { B O Default NRZ 0 1 50 } = ";
-        QTest::newRow("rising range") << "[0:2]" + attr + "7 5 3 5;" << 0 << "_0[0:2]"
-                                      << QStringList{"_0[0]", "_0[1]", "_0[2]"};
+        QTest::newRow("rising range") << "[0:2]" + attr + "7 5 3 5;" << 0 << "_0[0:2]" << QStringList{"_0[0]", "_0[1]", "_0[2]"};
         QTest::newRow("one-bit range") << "e[2:2]" + attr + "0 5 2 5 3 1;" << 0 << "e_0[2:2]" << QStringList{};
-        QTest::newRow("run") << "[cnt0...cnt3]" + attr + "DonTCare 5 0 45 2 10 3 10 A 10 HighZ 40;" << 0
-                             << "[cnt_a0...cnt_a3]"
+        QTest::newRow("run") << "[cnt0...cnt3]" + attr + "DonTCare 5 0 45 2 10 3 10 A 10 HighZ 40;" << 0 << "[cnt_a0...cnt_a3]"
                              << QStringList{"cnt_a[0]", "cnt_a[1]", "cnt_a[2]", "cnt_a[3]"};
         QTest::newRow("run after z") << "[c1...c2]" + attr + "3 10;" << 26 << "[c_aa1...c_aa2]"
                                      << QStringList{"c_aa[1]", "c_aa[2]"};
-        QTest::newRow("one-bit run") << "[c5...c5]" + attr + "1 10 0 3;" << 0 << "[c_a5...c_a5]"
-                                     << QStringList{"c_a[5]"};
+        QTest::newRow("one-bit run") << "[c5...c5]" + attr + "1 10 0 3;" << 0 << "[c_a5...c_a5]" << QStringList{"c_a[5]"};
         QTest::newRow("run without first digit") << "[abc...x3]" + attr + "F 10;" << 0 << "[abc_a0...abc_a3]"
                                                  << QStringList{"abc_a[0]", "abc_a[1]", "abc_a[2]", "abc_a[3]"};
         QTest::newRow("run with other last letters") << "[a2...b0]" + attr + "6 10;" << 0 << "[a_a2...a_a0]"
@@ -137,12 +132,11 @@ private Q_SLOTS:
         auto reread = load(QString::fromUtf8(formatWaveform(*doc)));
         QCOMPARE(reread->waves.size(), doc->waves.size());
         const WaveData* back = reread->findWavebyName(copy);
-        QVERIFY(back);
+        QVERIFY(back && !segments(back).isEmpty());
         QCOMPARE((QList<bool>{back->isBus, back->isPattern}), (QList<bool>{original->isBus, original->isPattern}));
         QCOMPARE(back->elements, elements);
         QCOMPARE(back->busWidth, qMax(1, int(elements.size())));
         QCOMPARE(segments(back), segments(original));
-        QVERIFY(!segments(back).isEmpty());
     }
 };
 
