@@ -14,6 +14,7 @@
 #include <QThread>
 
 #include <future>
+#include <optional>
 
 namespace kesu::toolvok {
 
@@ -81,20 +82,27 @@ void WaveView::paintBands(QPainter& painter, const WavePaintSetup& setup, const 
         int primitives = 0;
     };
     std::vector<Band> out(starts.size());
+    // The first band is drawn straight into the view; the others into images
+    // of their own, laid over it afterwards, which also covers whatever the
+    // first band's last row draws below its bottom. The background is opaque,
+    // so the images need no alpha and are copied rather than blended.
     auto paintBand = [&](size_t b) {
         const int first = starts[b];
         const int last = b + 1 < starts.size() ? starts[b + 1] : int(shown.size());
         Band& band = out[b];
-        band.top = b == 0 ? 0 : setup.vp.rowTop(shown[size_t(first)].row);
-        const int bottom = b + 1 < starts.size() ? setup.vp.rowTop(shown[size_t(last)].row) : setup.height;
-        band.image = QImage(qCeil(setup.width * ratio), qCeil((bottom - band.top) * ratio),
-                            QImage::Format_ARGB32_Premultiplied);
-        band.image.setDevicePixelRatio(ratio);
-        QPainter p(&band.image);
-        p.fillRect(QRect(0, 0, setup.width, bottom - band.top), background);
-        p.translate(0, -band.top);
-        p.setFont(setup.style.font);
-        WavePaint paint(p, setup);
+        std::optional<QPainter> own;
+        if (b > 0) {
+            band.top = setup.vp.rowTop(shown[size_t(first)].row);
+            const int bottom = b + 1 < starts.size() ? setup.vp.rowTop(shown[size_t(last)].row) : setup.height;
+            band.image = QImage(qCeil(setup.width * ratio), qCeil((bottom - band.top) * ratio),
+                                QImage::Format_RGB32);
+            band.image.setDevicePixelRatio(ratio);
+            own.emplace(&band.image);
+            own->fillRect(QRect(0, 0, setup.width, bottom - band.top), background);
+            own->translate(0, -band.top);
+            own->setFont(setup.style.font);
+        }
+        WavePaint paint(own ? *own : painter, setup);
         // A row's low line and marks reach into the row below it: the wave
         // above the band is drawn too, cut at the band's top. The value a row
         // compares its first segment with shows only at the view's left
@@ -113,7 +121,8 @@ void WaveView::paintBands(QPainter& painter, const WavePaintSetup& setup, const 
     for (auto& f : others)
         f.get();
     for (const Band& band : out) {
-        painter.drawImage(QPointF(0, band.top), band.image);
+        if (!band.image.isNull())
+            painter.drawImage(QPointF(0, band.top), band.image);
         primitives_ += band.primitives;
     }
 }
