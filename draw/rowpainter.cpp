@@ -62,10 +62,9 @@ void RowPainter::busValue(const std::string& value, int busWidth, float x, float
 void RowPainter::busShape(int layer, bool dotted, float x, float w, bool narrow, bool startedLeft)
 {
     const QColor& color = style_.bus;
-    const QPen dots(color, 1, Qt::DotLine);
     auto line = [&](float x1, int y1, float x2, int y2) {
         if (dotted)
-            batch_.styledLine(layer, dots, px(x1), y1, px(x2), y2);
+            batch_.styledLine(layer, QPen(color, 1, Qt::DotLine), px(x1), y1, px(x2), y2);
         else
             batch_.line(layer, color, 1, px(x1), y1, px(x2), y2);
     };
