@@ -84,6 +84,10 @@ QString readDocument(const QString& path, WaveformData& document, const Progress
     stopped = !WaveReader(document).readDevice(file, progress);
     if (file.error() != QFileDevice::NoError)
         return QStringLiteral("cannot read %1: %2").arg(path, file.errorString());
+    // What was read before the failing line is no document to export: the
+    // stimulus would silently end early.
+    if (!stopped && document.loadError.isSet())
+        return QStringLiteral("cannot read %1 completely: %2").arg(path, document.loadError.text());
     return {};
 }
 

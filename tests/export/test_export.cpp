@@ -269,6 +269,10 @@ private Q_SLOTS:
             QVERIFY(writeFile(doc, QByteArray("%SMALLESTUNIT = 9;\n%ENDTIME = 100;\n") + waves));
             QTest::newRow(row) << QStringList{type, doc, "-out=@/out"} << 1 << doc + ": " + problem;
         }
+        const QString melted = tmp_.filePath(QStringLiteral("melted.wdl"));
+        QVERIFY(writeFile(melted, "%ENDTIME = 10;\na { A I Default NRZ 0 1 50 } = 1 2000000000 1 2000000000;\n"));
+        QTest::newRow("read only in part") << QStringList{"tf", melted, "-out=@/out"} << 1 << "cannot read " + melted
+            + " completely: line 2: equal segments here melt into one longer than 2147483647 time units";
         // The dialog hands over the option names themselves.
         QTest::newRow("dialog: no arguments") << QStringList{} << 1
                                               << "no export type given (-verilog, -vhdl93, -vhdl94, -vcd or -wavejson)";
