@@ -147,8 +147,7 @@ private Q_SLOTS:
         QWidget* widget = t.control(control);
         QVERIFY(widget->isEnabled());
         QCOMPARE(use(widget, input), message);
-        QCOMPARE(t.saved(), edited.isEmpty() ? kDoc : docWith(edited));
-        QCOMPARE(t.steps(), edited.isEmpty() ? 0 : 1);
+        QCOMPARE(std::pair(t.saved(), t.steps()), edited.isEmpty() ? std::pair(kDoc, 0) : std::pair(docWith(edited), 1));
         if (span >= 0)
             QCOMPARE(qint64(t->getRangeEnd()) - qint64(t->getRangeStart()), span);
         if (auto* edit = qobject_cast<QLineEdit*>(widget); edit && control != "duration" && control != "offset" && message.isEmpty())
@@ -231,8 +230,8 @@ private Q_SLOTS:
         auto* value = t.control<QLineEdit>("value");
         QTEST(value->text(), "shown");
         QCOMPARE(use(value, typed), stored.isEmpty() ? "The bit number of the value is over the bus width." : "");
-        QCOMPARE(t.saved(), stored.isEmpty() ? original : wdl({head + stored.toLatin1() + " 10 2 10;"}));
-        QCOMPARE(t.steps(), stored.isEmpty() ? 0 : 1);
+        QCOMPARE(std::pair(t.saved(), t.steps()),
+                 stored.isEmpty() ? std::pair(original, 0) : std::pair(wdl({head + stored.toLatin1() + " 10 2 10;"}), 1));
         t->undo();
         QCOMPARE(t.saved(), original);
     }

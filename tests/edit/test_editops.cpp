@@ -70,8 +70,7 @@ private Q_SLOTS:
         // The head before a forever tail and the tail merge each in itself.
         QTest::newRow("head merges") << "s=a:0 c s=b:1 v" << QStringList{"b=0 20(0 10 1 10)##"} << 1;
         QTest::newRow("tail merges") << "s=a:0 c s=b:1 v s=b:2 v" << QStringList{"b=0 20(0 20)##"} << 2;
-        QTest::newRow("duplicate keeps them apart") << "s=a:0 c s=b:1 v 2"
-                                                    << QStringList{"b_0=0 20(0 10 1 10)##"} << 2;
+        QTest::newRow("duplicate keeps them apart") << "s=a:0 c s=b:1 v 2" << QStringList{"b_0=0 20(0 10 1 10)##"} << 2;
         QTest::newRow("clear into the tail") << "s=a:0 c s=b:1 v s=b:1,2 d" << QStringList{"b=0 20"} << 2;
     }
     void editOperations()
@@ -113,8 +112,7 @@ private Q_SLOTS:
         const QList<Pattern*> taken = t->selection();
         t->cutData();
         QCOMPARE(t->clipboard(), taken);
-        QVERIFY(t->isFromCut());
-        QVERIFY(!t.wave("d[3:0]")->selected);
+        QVERIFY(t->isFromCut() && !t.wave("d[3:0]")->selected);
         QCOMPARE(pasteEdit.take(), (QList<QList<bool>>{{false}, {false}}));
         // Paste is offered for a selection on a wave of the clipboard's shape.
         for (const char* name : {"a", "m[3:0]"}) {
@@ -155,10 +153,8 @@ private Q_SLOTS:
         t.select("m[3:0]", {0});
         t->copyData();
         t->ClearAll();
-        QVERIFY(t->clipboard().isEmpty() && t->selection().isEmpty());
-        QCOMPARE(t->undoStack()->count(), 0);
-        QVERIFY(!t->activeWave());
-        QCOMPARE(t.saved(), kHeader);
+        QVERIFY(t->clipboard().isEmpty() && t->selection().isEmpty() && !t->activeWave());
+        QCOMPARE(std::pair(t.steps(), t.saved()), std::pair(0, kHeader));
     }
 
     void extendByClickRefusesAndUndoDropsTheRange()
@@ -194,14 +190,10 @@ private Q_SLOTS:
             t->changeRange(10, 30);
             a->selected = true;
             Spies edit(t.gui.get(), &VokGUI::editdataChanged);
-            if (undoing)
-                t->undo();
-            else
-                t->redo();
-            QVERIFY(!a->selected);
-            QCOMPARE(t->selectionState().rangeStart, undoing ? -1.0 : 10.0);
+            undoing ? t->undo() : t->redo();
             // Both drop the selection; only undo also drops the range (which says so once more).
-            QVERIFY(t->selection().isEmpty());
+            QVERIFY(!a->selected && t->selection().isEmpty());
+            QCOMPARE(t->selectionState().rangeStart, undoing ? -1.0 : 10.0);
             QCOMPARE(edit.take().first(), undoing ? (QList<bool>{false, false}) : QList<bool>{false});
         }
     }
@@ -227,7 +219,7 @@ private Q_SLOTS:
         t.list()->setCurrentIndex(QModelIndex());
         QVERIFY(!hide->isEnabled());   // no current row
         t->hideWave();
-        QCOMPARE(t->undoStack()->count(), 0);
+        QCOMPARE(t.steps(), 0);
         t.select("x", {});
         WaveData* x = t.wave("x");
         t->hideWave();
@@ -237,8 +229,7 @@ private Q_SLOTS:
         // Undone, x is back and no row is current: there is nothing to hide.
         t->undo();
         QCOMPARE(t.listRows(), t.docOrder());
-        QVERIFY(!t.list()->currentIndex().isValid());
-        QVERIFY(!hide->isEnabled());
+        QVERIFY(!t.list()->currentIndex().isValid() && !hide->isEnabled());
         t.list()->setCurrentIndex(t.list()->itemModel()->index(2, 0));
         QVERIFY(hide->isEnabled());
         hide->trigger();
@@ -274,8 +265,7 @@ private Q_SLOTS:
         t->onEditDataChanged();
         QCOMPARE(spies.take(), (QList<QList<bool>>{{}, {true}, {true}}));
         t.editMode(false);   // leaving edit mode drops the selection
-        QCOMPARE(t->mode(), int(VokGUI::ModeQuery));
-        QVERIFY(t->selection().isEmpty());
+        QVERIFY(t->mode() == VokGUI::ModeQuery && t->selection().isEmpty());
         QCOMPARE(spies.take(), (QList<QList<bool>>{{false}, {false}, {false}}));
         // A click 85 pixels down lands in the third row.
         t->selectWave(85);

@@ -100,11 +100,9 @@ private Q_SLOTS:
     {
         addColumns<QString, int, QByteArray, QByteArray>({"name", "index", "redone", "undone"});
         // A bus keeps equal neighbours apart until an edit merges them.
-        QTest::newRow("bus tail off") << "f[3:0]" << -1 << QByteArray("f[3:0] { B I Default NRZ 0 1 50 } = 1 20 2 10;")
-                                      << kF;
+        QTest::newRow("bus tail off") << "f[3:0]" << -1 << QByteArray("f[3:0] { B I Default NRZ 0 1 50 } = 1 20 2 10;") << kF;
         // The tail's start one pulse earlier.
-        QTest::newRow("earlier") << "e" << 1 << QByteArray("e { A I Default NRZ 0 1 50 } = 0 10(1 10 0 10 1 10)##;")
-                                 << kE;
+        QTest::newRow("earlier") << "e" << 1 << QByteArray("e { A I Default NRZ 0 1 50 } = 0 10(1 10 0 10 1 10)##;") << kE;
     }
     void foreverUndoRestoresWhatRedoMerged()
     {

@@ -138,9 +138,9 @@ public:
     QStringList listRows() const
     {
         QStringList names;
-        for (int row = 0; row < gui->waveList()->itemModel()->rowCount(); ++row)
-            names << (gui->waveList()->waveAt(row) ? gui->waveList()->waveAt(row)->name
-                                                   : gui->waveList()->itemModel()->item(row)->text());
+        const WaveLstView* list = gui->waveList();
+        for (int row = 0; row < list->itemModel()->rowCount(); ++row)
+            names << (list->waveAt(row) ? list->waveAt(row)->name : list->itemModel()->item(row)->text());
         return names;
     }
     // The rows the document's shown waves take in the drawing, as listRows.

@@ -44,16 +44,6 @@ class TestNameList : public QObject
         QCoreApplication::sendEvent(w_->list()->viewport(), &event);
         return event.isAccepted();
     }
-    // Drags the row's wave over the rows in turn, as the mouse crosses them.
-    QList<bool> dragRow(int from, const QList<int>& over)
-    {
-        press(from);
-        QList<bool> accepted{sendDrag<QDragEnterEvent>(from)};
-        for (int row : over)
-            accepted << sendDrag<QDragMoveEvent>(row);
-        accepted << sendDrag<QDropEvent>(over.isEmpty() ? from : over.last());
-        return accepted;
-    }
 
 private Q_SLOTS:
     void init() { w_ = std::make_unique<Window>(Document, QSize(1000, 600)); }
@@ -105,15 +95,13 @@ private Q_SLOTS:
         QVERIFY(w_->list()->moving);
         QVERIFY(sendDrag<QDragEnterEvent>(2) && sendDrag<QDropEvent>(2));
         QVERIFY(!w_->list()->moving);
-        WaveData* a = w_->wave("a");
-        WaveData* b = w_->wave("b");
+        WaveData *a = w_->wave("a"), *b = w_->wave("b");
         press(0);
         QCOMPARE(w_->gui->activeWave(), a);
         w_->gui->selection().append(a->patterns.first());
         press(1);
         QCOMPARE(w_->gui->activeWave(), b);
-        QVERIFY(b->selected && !a->selected);
-        QVERIFY(w_->gui->selection().isEmpty());
+        QVERIFY(b->selected && !a->selected && w_->gui->selection().isEmpty());
         // An element row and the space below the rows have no wave.
         w_->doubleClickRow(2);
         press(4);
@@ -147,7 +135,12 @@ private Q_SLOTS:
         if (expand >= 0)
             w_->doubleClickRow(expand);
         WaveData* dragged = w_->list()->waveAt(from);
-        QTEST(dragRow(from, over), "accepted");
+        // The row's wave dragged over the rows in turn, as the mouse crosses them.
+        press(from);
+        QList<bool> accepted{sendDrag<QDragEnterEvent>(from)};
+        for (int row : over)
+            accepted << sendDrag<QDragMoveEvent>(row);
+        QTEST(accepted << sendDrag<QDropEvent>(over.last()), "accepted");
         QCOMPARE(w_->docOrder(), order);
         QCOMPARE(w_->listRows(), w_->drawnRows());
         if (order != QStringList{"a", "b", "bus[2:0]", "c"}) {

@@ -81,8 +81,7 @@ private Q_SLOTS:
 
     void zoomStepsFitAndLeavingTheZoomArea()
     {
-        const QList<quint64> sequence{1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000,
-                                      100000};
+        const QList<quint64> sequence{1, 2, 5, 10, 20, 50, 100, 200, 500, 1000, 2000, 5000, 10000, 20000, 50000, 100000};
         setView(700, 1);
         for (const char* action : {"zoom out", "zoom in"}) {
             QList<quint64> walk{gui_->step()};
@@ -97,12 +96,11 @@ private Q_SLOTS:
             QCOMPARE(gui_->startTime(), quint64(700));
         }
         // Odd steps (from a fit) double out or drop to 1 in.
-        setView(0, 3);
-        gui_->zoomOut();
-        QCOMPARE(gui_->step(), quint64(6));
-        setView(0, 3);
-        gui_->zoomIn();
-        QCOMPARE(gui_->step(), quint64(1));
+        for (auto [zoom, after] : {std::pair(&VokGUI::zoomOut, 6), std::pair(&VokGUI::zoomIn, 1)}) {
+            setView(0, 3);
+            (gui_->*zoom)();
+            QCOMPARE(gui_->step(), quint64(after));
+        }
         gui_->changeStep(0);
         QCOMPARE(gui_->step(), quint64(1));
         // Fit shows the whole document, then leaves the zoom-area mode for the checked one.
@@ -124,18 +122,15 @@ private Q_SLOTS:
         w_->move(200, 10);
         QVERIFY(band() && band()->isVisible());
         QTest::keyClick(view_, Qt::Key_Escape);
-        QCOMPARE(quit.count(), 1);
-        QVERIFY(!gui_->isZooming());
-        QVERIFY(!zoomArea->isChecked());
-        QVERIFY(!band() || !band()->isVisible());
+        QCOMPARE(std::tuple(quit.count(), gui_->isZooming(), zoomArea->isChecked(), band() && band()->isVisible()),
+                 std::tuple(1, false, false, false));
         // Unchecking the action ends the mode and drops a band being dragged.
         zoomArea->setChecked(true);
         setView(0, 10);
         w_->press(100, 10);
         w_->move(300, 10);
         zoomArea->setChecked(false);
-        QVERIFY(!gui_->isZooming());
-        QVERIFY(!band() || !band()->isVisible());
+        QVERIFY(!gui_->isZooming() && !(band() && band()->isVisible()));
         w_->release(300, 10);
         QCOMPARE(std::pair(gui_->step(), gui_->startTime()), std::pair(quint64(10), quint64(0)));
     }
@@ -143,9 +138,8 @@ private Q_SLOTS:
     void zoomRangeRoundsUpPastTheLeadingDigit_data()
     {
         addColumns<quint64, quint64>({"raw", "step"});
-        for (auto [raw, step] : QList<QPair<quint64, quint64>>{{20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2},
-                                                                {4, 5}, {150, 200}, {99999, 100000},
-                                                                {5000000, 100000}})
+        for (auto [raw, step] : QList<QPair<quint64, quint64>>{{20, 50}, {50, 100}, {12, 20}, {0, 1}, {1, 2}, {4, 5},
+                                                                {150, 200}, {99999, 100000}, {5000000, 100000}})
             QTest::addRow("%llu", raw) << raw << step;
     }
     void zoomRangeRoundsUpPastTheLeadingDigit()
@@ -275,14 +269,12 @@ private Q_SLOTS:
         QFETCH(int, action);
         QFETCH(quint64, landed);
         setView(0, 10);
-        gui_->setActiveWave(gui_->document()->findWavebyName(wave));
+        gui_->setActiveWave(w_->wave(wave));
         QCOMPARE(setCursor(cursor), cursor);
         gui_->action(action)->trigger();
         QCOMPARE(view_->cursorTime(), landed);
         // A jump brings the cursor into view; no jump leaves the view alone.
-        if (landed == cursor)
-            QCOMPARE(gui_->startTime(), quint64(0));
-        QVERIFY(gui_->startTime() <= landed);
+        QVERIFY(landed == cursor ? gui_->startTime() == 0 : gui_->startTime() <= landed);
         QVERIFY(gui_->startTime() + quint64(viewWidth() / 20) * 10 >= landed);
     }
 
@@ -292,22 +284,18 @@ private Q_SLOTS:
         QVERIFY(!gui_->isMarked());
         setCursor(420);
         gui_->action(VokGUI::ActPlaceMarker)->trigger();
-        QCOMPARE(view_->markerTime(), quint64(420));
-        QVERIFY(gui_->isMarked());
+        QCOMPARE(std::pair(view_->markerTime(), gui_->isMarked()), std::pair(quint64(420), true));
         setCursor(10);
         gui_->action(VokGUI::ActJumpMarker)->trigger();
         QCOMPARE(view_->cursorTime(), quint64(420));
         gui_->action(VokGUI::ActHideMarker)->trigger();
-        QCOMPARE(view_->markerTime(), NoTime);
-        QVERIFY(!gui_->isMarked());
-        QCOMPARE(marked.count(), 2);
+        QCOMPARE(std::tuple(view_->markerTime(), gui_->isMarked(), marked.count()), std::tuple(NoTime, false, 2));
         // Jump to Time takes a typed time.
         setCursor(5);
         const QString title = QStringLiteral("Jump to Time");
         QCOMPARE(jumpToTime({type("150")}), QStringList{title});
         QCOMPARE(view_->cursorTime(), quint64(150));
-        // Units convert: the document's unit is ns.
-        jumpToTime({type("0.3us")});
+        jumpToTime({type("0.3us")});   // the document's unit is ns
         QCOMPARE(view_->cursorTime(), quint64(300));
         QCOMPARE(jumpToTime({type("abc"), press(QMessageBox::Ok)}), (QStringList{title, "Invalid time."}));
         // An empty answer and a cancel do nothing, and show nothing more.

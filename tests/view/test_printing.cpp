@@ -79,8 +79,7 @@ private Q_SLOTS:
         QPainter painter(&page);
         printer.paintPage(&painter, 0, firstRow, pageStart, tool->getMaxEnd());
         painter.end();
-        const int pps = scale / 5;
-        const int top = ruler ? 60 : 0;
+        const int pps = scale / 5, top = ruler ? 60 : 0;
         auto at = [&](int step, int y) { return page.pixel(startX + step * pps, top + y); };
         // a's low, edges and high; b's outline; c low before its offset, then its tail to the end.
         const std::tuple<int, int, QRgb> probes[] = {
@@ -93,10 +92,10 @@ private Q_SLOTS:
         QVERIFY(count(page, Red, QRect(startX + 10 * pps + 1, top + 50, 10 * pps - 2, 30)) > 0);
         // Dotted lines under the rows; the names and their separator; the ruler.
         QVERIFY(count(page, Black, QRect(0, top + 48, 1000, 1)) > 100);
-        QCOMPARE(count(page, Black, QRect(0, top + 1, qMax(1, startX - 1), 38)) > 0, names);
-        QCOMPARE(page.pixel(startX, 300) == Black, names);
-        QCOMPARE(page.pixel(1390, 60) == Black, ruler);
-        QCOMPARE(count(page, Black, QRect(startX + 1, 44, 1390 - startX, 3)) > 0, ruler);
+        QCOMPARE(std::tuple(count(page, Black, QRect(0, top + 1, qMax(1, startX - 1), 38)) > 0,
+                            page.pixel(startX, 300) == Black, page.pixel(1390, 60) == Black,
+                            count(page, Black, QRect(startX + 1, 44, 1390 - startX, 3)) > 0),
+                 std::tuple(names, names, ruler, ruler));
         // One page held it all: the next starts a page width later.
         QCOMPARE(pageStart, qMin<quint64>(tool->getMaxEnd(), quint64((1400 - startX) / pps)));
     }

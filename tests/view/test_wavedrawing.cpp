@@ -8,16 +8,9 @@
 using namespace guitest;
 
 namespace {
-const QColor Back(255, 255, 255);
-const QColor Signal(0, 0, 255);
-const QColor Bus(0, 128, 0);
-const QColor DontCare(200, 0, 100);
-const QColor Gray(Qt::gray);
-const QColor Red(Qt::red);
-const QColor Black(Qt::black);
-
-constexpr int Width = 400;
-constexpr int Height = 200;
+const QColor Back(255, 255, 255), Signal(0, 0, 255), Bus(0, 128, 0), DontCare(200, 0, 100), Gray(Qt::gray),
+    Red(Qt::red), Black(Qt::black);
+constexpr int Width = 400, Height = 200;
 } // namespace
 
 class TestWaveDrawing : public QObject
@@ -27,13 +20,11 @@ class TestWaveDrawing : public QObject
     std::unique_ptr<VokGUI> gui_;
     WaveView* view_ = nullptr;
 
-    WaveformData* doc() const { return gui_->document(); }
-
     // "value:duration" per segment, blank-separated; "(" in front of the first
     // segment of the forever tail. Appended without merging.
     WaveData* addWave(const QString& segments, quint64 offset = 0, int busWidth = 0)
     {
-        auto* wave = new WaveData(QStringLiteral("w%1").arg(doc()->waves.size()));
+        auto* wave = new WaveData(QStringLiteral("w%1").arg(gui_->document()->waves.size()));
         wave->offset = offset;
         if (busWidth > 0) {
             wave->isBus = true;
@@ -48,7 +39,7 @@ class TestWaveDrawing : public QObject
             if (forever)
                 wave->foreverIndex = int(wave->patterns.size()) - 1;
         }
-        doc()->addWave(wave);
+        gui_->document()->addWave(wave);
         return wave;
     }
 
@@ -85,10 +76,8 @@ private Q_SLOTS:
     {
         gui_->ClearAll();
         gui_->selection().clear();
-        gui_->color_back = Back;
-        gui_->color_signal = Signal;
-        gui_->color_bus = Bus;
-        gui_->color_x = DontCare;
+        std::tie(gui_->color_back, gui_->color_signal, gui_->color_bus, gui_->color_x) =
+            std::tie(Back, Signal, Bus, DontCare);
         gui_->setShowGuideline(false);
         gui_->setBusRadix(3);
         gui_->setMode(VokGUI::ModeQuery);
@@ -248,11 +237,9 @@ private Q_SLOTS:
 
     void gatheredPaintingEqualsDirectPainting_data()
     {
-        addColumns<quint64, quint64>({"start", "step"});
-        QTest::newRow("step 1") << quint64(0) << quint64(1);
-        QTest::newRow("step 2 mid-wave") << quint64(1003) << quint64(2);
-        QTest::newRow("many segments a column") << quint64(77) << quint64(200);
-        QTest::newRow("fit") << quint64(0) << quint64(0);
+        addColumns<quint64, quint64>({"start", "step"});   // step 0: fit
+        for (auto [start, step] : QList<QPair<quint64, quint64>>{{0, 1}, {1003, 2}, {77, 200}, {0, 0}})
+            QTest::addRow("%llu by %llu", start, step) << start << step;
     }
     void gatheredPaintingEqualsDirectPainting()
     {
@@ -301,8 +288,7 @@ private Q_SLOTS:
         view_->setProperty("paintBands", QVariant());
         view_->setProperty("directPaint", true);
         const QImage direct = paint(Width, 800);
-        QVERIFY(gathered == direct);
-        for (const QImage& picture : banded)
+        for (const QImage& picture : banded << gathered)
             QVERIFY(picture == direct);
         QVERIFY(gatheredCount <= view_->lastPaintPrimitives());
     }
