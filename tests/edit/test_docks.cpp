@@ -20,18 +20,14 @@ using namespace guitest;
 
 namespace {
 
-const QByteArray kPat = "$pat = 0 2 1 4;";
-const QByteArray kQ = "$q = 1 3 0 5;";
-const QByteArray kBp = "$bp[3:0] = 1 10 2 10;";
 const QByteArray kAHead = "a { A I Default NRZ 0 1 50 } = ";
 const QByteArray kA = kAHead + "0 10 1 20 0 30 1 40;";
-const QByteArray kD = "d[7:0] { B I Default NRZ 0 1 50 } = 1 10 2 10 F 10;";
 const QByteArray kEHead = "e { A I Default NRZ 0 1 50 } = ";
-const QByteArray kE = kEHead + "0 10 1 10(0 10 1 10)##;";
 const QByteArray kNHead = "n[3:0] { B I Default NRZ 0 1 50 } = ";
-const QByteArray kN = kNHead + "DonTCare 10 1 10 HighZ 5;";
-const QByteArray kG = "g { A I Default NRZ 0 1 50 } = 0 2000000000 1 5 0 2000000000;";
-const QList<QByteArray> kWaves{kPat, kQ, kBp, kA, kD, kE, kN, kG};
+const QList<QByteArray> kWaves{"$pat = 0 2 1 4;", "$q = 1 3 0 5;", "$bp[3:0] = 1 10 2 10;", kA,
+                               "d[7:0] { B I Default NRZ 0 1 50 } = 1 10 2 10 F 10;", kEHead + "0 10 1 10(0 10 1 10)##;",
+                               kNHead + "DonTCare 10 1 10 HighZ 5;",
+                               "g { A I Default NRZ 0 1 50 } = 0 2000000000 1 5 0 2000000000;"};
 const QByteArray kDoc = wdl(kWaves);
 
 // kDoc with the line of the wave that `edited` begins with replaced.

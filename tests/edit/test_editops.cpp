@@ -12,17 +12,13 @@ using namespace guitest;
 namespace {
 
 const QByteArray kA = "a { A I Default NRZ 0 1 50 } = 0 10 1 20 0 30 1 40;";
-const QByteArray kZ = "z { A I Default NRZ 0 1 50 } = 0 10;";
-const QByteArray kX = "x { A I Default NRZ 0 1 50 } = 1 10 2 10;";
-const QByteArray kH = "h { A I Default NRZ 0 1 50 } = 1 10 3 10;";
 const QByteArray kD = "d[3:0] { B I Default NRZ 0 1 50 } = 1 10 2 10 3 10 4 10 5 10;";
-const QByteArray kM = "m[3:0] { B I Default NRZ 0 1 50 } = 7 10 F 10;";
-const QByteArray kN = "n[3:0] { B I Default NRZ 0 1 50 } = 9 10;";
-const QByteArray kW = "w[7:0] { B I Default NRZ 0 1 50 } = 12 10 34 10;";
-const QByteArray kK = "k[3:0] { B I Default NRZ 0 1 50 } = 1 10 DonTCare 10;";
-const QByteArray kB = "b { A I Default NRZ 0 1 50 } = 0 10 1 10(0 10 1 10)##;";
-const QByteArray kE = "e[3:0] { B I Default NRZ 0 1 50 } = 7 10 7 10 1 10 2 10 3 10 4 10 4 10 6 10;";
-const QByteArray kDoc = wdl({kA, kZ, kX, kH, kD, kM, kN, kW, kK, kB, kE});
+const QByteArray kDoc = wdl({kA, "z { A I Default NRZ 0 1 50 } = 0 10;", "x { A I Default NRZ 0 1 50 } = 1 10 2 10;",
+                             "h { A I Default NRZ 0 1 50 } = 1 10 3 10;", kD, "m[3:0] { B I Default NRZ 0 1 50 } = 7 10 F 10;",
+                             "n[3:0] { B I Default NRZ 0 1 50 } = 9 10;", "w[7:0] { B I Default NRZ 0 1 50 } = 12 10 34 10;",
+                             "k[3:0] { B I Default NRZ 0 1 50 } = 1 10 DonTCare 10;",
+                             "b { A I Default NRZ 0 1 50 } = 0 10 1 10(0 10 1 10)##;",
+                             "e[3:0] { B I Default NRZ 0 1 50 } = 7 10 7 10 1 10 2 10 3 10 4 10 4 10 6 10;"});
 
 } // namespace
 
