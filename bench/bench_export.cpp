@@ -26,7 +26,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -91,38 +90,18 @@ bool readDocument(const QString& path, WaveformData& document)
 
 int main(int argc, char** argv)
 {
-    qint64 waves = 1000, segments = 10000;
-    quint64 seed = 1;
-    int repeat = 3;
-    QString kept;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        if (!std::strcmp(argv[i], "--waves"))
-            waves = std::atoll(argv[i + 1]);
-        else if (!std::strcmp(argv[i], "--segments"))
-            segments = std::atoll(argv[i + 1]);
-        else if (!std::strcmp(argv[i], "--seed"))
-            seed = std::strtoull(argv[i + 1], nullptr, 10);
-        else if (!std::strcmp(argv[i], "--repeat"))
-            repeat = std::max(1, std::atoi(argv[i + 1]));
-        else if (!std::strcmp(argv[i], "--document"))
-            kept = QString::fromLocal8Bit(argv[i + 1]);
-    }
+    const RunOptions opt = parseRunOptions(argc, argv, "--document");
     QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/bench_export-XXXXXX"));
-    const QString input = kept.isEmpty() ? dir.filePath(QStringLiteral("bench.wdl")) : kept;
-    const ProcessRun made = QFile::exists(input) ? ProcessRun{0, 0, 0, 0, true} : inChild([&] {
-        WaveformData document;
-        document.endTime = quint64(segments + 1) * 1000;
-        for (qint64 i = 0; i < waves; ++i)
-            document.addWave(makeGeneratedWave(seed, i, segments).release());
-        QFile file(input);
-        return file.open(QIODevice::WriteOnly) && writeWaveform(document, file);
-    }, QString());
+    const QString input = opt.kept.isEmpty() ? dir.filePath(QStringLiteral("bench.wdl")) : opt.kept;
+    const ProcessRun made = QFile::exists(input)
+        ? ProcessRun{0, 0, 0, 0, true}
+        : inChild([&] { return writeGeneratedDocument(input, opt.seed, opt.waves, opt.segments); }, QString());
     if (!made.ok) {
         std::fprintf(stderr, "bench_export: cannot write %s\n", qPrintable(input));
         return 1;
     }
-    std::printf("%lld waves x %lld segments, %.0f MB of text, median of %d runs\n\n", qlonglong(waves),
-                qlonglong(segments), double(QFile(input).size()) / 1e6, repeat);
+    std::printf("%lld waves x %lld segments, %.0f MB of text, median of %d runs\n\n", qlonglong(opt.waves),
+                qlonglong(opt.segments), double(QFile(input).size()) / 1e6, opt.repeat);
     std::printf("%-8s %10s %15s %10s %15s %10s %12s\n", "job", "time", "beyond reading", "processor", "beyond reading",
                 "peak", "output");
 
@@ -138,7 +117,7 @@ int main(int argc, char** argv)
     for (const Job& job : jobs) {
         const QString output = dir.filePath(QStringLiteral("out.") + QLatin1String(job.name));
         std::vector<ProcessRun> runs;
-        for (int r = 0; r < repeat; ++r) {
+        for (int r = 0; r < opt.repeat; ++r) {
             runs.push_back(inChild([&] {
                 if (job.option) {
                     QByteArray args[] = {job.option, input.toLocal8Bit(), "-out=" + output.toLocal8Bit()};

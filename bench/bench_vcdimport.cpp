@@ -4,14 +4,12 @@
 // wall time and peak memory of each printed. A last run imports three
 // signals only, which must cost memory for their segments, not the file.
 //
-//   bench_vcdimport [--waves N] [--segments M] [--repeat R] [--dump FILE]
+//   bench_vcdimport [--waves N] [--segments M] [--seed S] [--repeat R] [--dump FILE]
 //
 // --dump keeps the VCD in FILE, and uses FILE as it is when it exists.
 #include "exportwaveforms.h"
 #include "generated_document.h"
 #include "processrun.h"
-#include "waveformdata.h"
-#include "wavewriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,7 +18,6 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -54,18 +51,11 @@ ProcessRun timed(const QString& program, const QStringList& args)
     return m;
 }
 
-bool writeDump(const QString& dump, qint64 waves, qint64 segments, const QDir& scratch)
+bool writeDump(const QString& dump, const RunOptions& opt, const QDir& scratch)
 {
     const QString document = scratch.filePath(QStringLiteral("bench.wdl"));
-    {
-        WaveformData generated;
-        generated.endTime = quint64(segments + 1) * 1000;
-        for (qint64 i = 0; i < waves; ++i)
-            generated.addWave(makeGeneratedWave(1, i, segments).release());
-        QFile file(document);
-        if (!file.open(QIODevice::WriteOnly) || !writeWaveform(generated, file))
-            return false;
-    }
+    if (!writeGeneratedDocument(document, opt.seed, opt.waves, opt.segments))
+        return false;
     QByteArray args[] = {"-vcd", document.toLocal8Bit(), "-out=" + dump.toLocal8Bit()};
     char* argv[] = {args[0].data(), args[1].data(), args[2].data()};
     return ExportWaveforms(3, argv) == 0;
@@ -93,33 +83,21 @@ qint64 changesIn(const QString& dump)
 
 int main(int argc, char** argv)
 {
-    qint64 waves = 1000, segments = 10000;
-    int repeat = 3;
-    QString kept;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        if (!std::strcmp(argv[i], "--waves"))
-            waves = std::atoll(argv[i + 1]);
-        else if (!std::strcmp(argv[i], "--segments"))
-            segments = std::atoll(argv[i + 1]);
-        else if (!std::strcmp(argv[i], "--repeat"))
-            repeat = std::max(1, std::atoi(argv[i + 1]));
-        else if (!std::strcmp(argv[i], "--dump"))
-            kept = QString::fromLocal8Bit(argv[i + 1]);
-    }
+    const RunOptions opt = parseRunOptions(argc, argv, "--dump");
     QTemporaryDir dir(QDir::tempPath() + QStringLiteral("/bench_vcdimport-XXXXXX"));
-    const QString dump = kept.isEmpty() ? dir.filePath(QStringLiteral("bench.vcd")) : kept;
-    if (!QFile::exists(dump) && !writeDump(dump, waves, segments, QDir(dir.path()))) {
+    const QString dump = opt.kept.isEmpty() ? dir.filePath(QStringLiteral("bench.vcd")) : opt.kept;
+    if (!QFile::exists(dump) && !writeDump(dump, opt, QDir(dir.path()))) {
         std::fprintf(stderr, "bench_vcdimport: cannot write %s\n", qPrintable(dump));
         return 1;
     }
     std::printf("%s: %.0f MB, %lld value changes, median of %d runs\n\n", qPrintable(QFileInfo(dump).fileName()),
-                double(QFile(dump).size()) / 1e6, qlonglong(changesIn(dump)), repeat);
+                double(QFile(dump).size()) / 1e6, qlonglong(changesIn(dump)), opt.repeat);
 
     const QString wdl = QStringLiteral(VOK_WDL_PATH);
     const QString imported = dir.filePath(QStringLiteral("imported.wdl"));
     const QString fst = dir.filePath(QStringLiteral("bench.fst"));
     std::vector<ProcessRun> ours, theirs;
-    for (int r = 0; r < repeat; ++r) {
+    for (int r = 0; r < opt.repeat; ++r) {
         ours.push_back(timed(wdl, {"import-vcd", dump, "-out=" + imported}));
         theirs.push_back(timed(QStringLiteral("vcd2fst"), {dump, fst}));
     }

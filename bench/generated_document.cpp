@@ -2,6 +2,9 @@
 #include "generated_document.h"
 
 #include "waveformdata.h"
+#include "wavewriter.h"
+
+#include <QFile>
 
 #include <algorithm>
 #include <charconv>
@@ -100,6 +103,16 @@ std::unique_ptr<WaveData> makeGeneratedWave(quint64 seed, qint64 index, qint64 s
     }
     wave->foreverIndex = qint32(foreverAt);
     return wave;
+}
+
+bool writeGeneratedDocument(const QString& path, quint64 seed, qint64 waves, qint64 segments)
+{
+    WaveformData document;
+    document.endTime = quint64(segments + 1) * 1000;
+    for (qint64 i = 0; i < waves; ++i)
+        document.addWave(makeGeneratedWave(seed, i, segments).release());
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && writeWaveform(document, file);
 }
 
 } // namespace kesu::toolvok

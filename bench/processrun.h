@@ -1,10 +1,12 @@
 // One timed run of a child process, as the export and VCD import benchmarks
-// measure it, and the run of median wall time among repeats.
+// measure it, the run of median wall time among repeats, and their options.
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 #include <algorithm>
+#include <cstdlib>
+#include <cstring>
 #include <vector>
 
 struct ProcessRun {
@@ -19,4 +21,31 @@ inline ProcessRun median(std::vector<ProcessRun> runs)
 {
     std::sort(runs.begin(), runs.end(), [](const ProcessRun& a, const ProcessRun& b) { return a.seconds < b.seconds; });
     return runs[runs.size() / 2];
+}
+
+// The options both benchmarks take; `keepFlag` names the file kept between runs.
+struct RunOptions {
+    qint64 waves = 1000;
+    qint64 segments = 10000;
+    quint64 seed = 1;
+    int repeat = 3;
+    QString kept;
+};
+
+inline RunOptions parseRunOptions(int argc, char** argv, const char* keepFlag)
+{
+    RunOptions opt;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        if (!std::strcmp(argv[i], "--waves"))
+            opt.waves = std::atoll(argv[i + 1]);
+        else if (!std::strcmp(argv[i], "--segments"))
+            opt.segments = std::atoll(argv[i + 1]);
+        else if (!std::strcmp(argv[i], "--seed"))
+            opt.seed = std::strtoull(argv[i + 1], nullptr, 10);
+        else if (!std::strcmp(argv[i], "--repeat"))
+            opt.repeat = std::max(1, std::atoi(argv[i + 1]));
+        else if (!std::strcmp(argv[i], keepFlag))
+            opt.kept = QString::fromLocal8Bit(argv[i + 1]);
+    }
+    return opt;
 }

@@ -7,7 +7,6 @@
 
 namespace kesu::toolvok {
 
-// One wave's course: its value from each segment's start on, in time order.
 class Course
 {
 public:

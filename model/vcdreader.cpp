@@ -167,10 +167,8 @@ int VcdReader::codeOf(std::string_view text, bool declare)
         slot = &longCodes_[std::string(text)];
         *slot = -1;
     }
-    if (*slot < 0 && declare) {
-        *slot = int(codes_.size());
-        codes_.emplace_back(text);
-    }
+    if (*slot < 0 && declare)
+        *slot = codeCount_++;
     return *slot;
 }
 

@@ -41,7 +41,7 @@ public:
     // Reads up to $enddefinitions; false with error() set.
     bool readHeader();
     const std::vector<VcdVariable>& variables() const { return variables_; }
-    int codeCount() const { return int(codes_.size()); }
+    int codeCount() const { return codeCount_; }
     // One unit of the dump's times is unitMagnitude (1, 10 or 100) times
     // 10^-unitExponent s: "10 ns" is 10 and 9.
     int unitMagnitude() const { return magnitude_; }
@@ -84,7 +84,7 @@ private:
 
     std::vector<VcdVariable> variables_;
     std::vector<QByteArray> scopes_;
-    std::vector<std::string> codes_;
+    int codeCount_ = 0;
     std::vector<int> shortCodes_;   // codes of one and two characters, by their characters
     std::unordered_map<std::string, int> longCodes_;
     int magnitude_ = 1;

@@ -1,12 +1,11 @@
 // wdl import-vcd: a simulation's value change dump made into a document.
 #include "wdlcommand.h"
 
+#include "documentfile.h"
 #include "vcdimport.h"
 #include "waveformdata.h"
-#include "wavewriter.h"
 
 #include <QCommandLineParser>
-#include <QSaveFile>
 
 using namespace kesu::toolvok;
 
@@ -47,9 +46,8 @@ int importVcdCommand(const QStringList& args)
         return Failed;
     }
     // The document replaces the output only once all of it is written.
-    QSaveFile saved(output);
-    if (!saved.open(QIODevice::WriteOnly) || !writeWaveform(document, saved) || !saved.commit()) {
-        err() << "wdl: cannot write " << output << ": " << saved.errorString() << Qt::endl;
+    if (!saveWaveformFile(document, output, &error)) {
+        err() << "wdl: cannot write " << output << ": " << error << Qt::endl;
         return Failed;
     }
     return Ok;
