@@ -1,7 +1,6 @@
 // Runs the wdl executable as a user would: what it prints, how it exits, and the pictures render writes, read back.
 #include <QDir>
 #include <QImage>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -132,78 +131,66 @@ private Q_SLOTS:
         QCOMPARE(testfiles::readFile(old), QByteArray("not overwritten"));
     }
 
-    // Probes "Cx,y": Blue waves, Red don't care, White background, blacK text.
-    void png_data()
+    // PNG: "WxH" and probes "Cx,y" (Blue waves, Red don't care, White background, blacK text); SVG: words of its
+    // text; PDF: pages, of 16 rows and 40 steps at the widest scale, going down, then across.
+    void render_data()
     {
-        addColumns<QStringList, QSize, QString>({"options", "size", "probes"});
+        addColumns<int, QStringList, QString, QString>({"waves", "options", "out", "expected"});   // waves 0: Pair
         // 20 steps at 40 pixels (the widest scale) and a little room right.
-        QTest::newRow("fitted") << QStringList{} << QSize(812, 90) << "B200,40 B600,10 W600,40 B200,50 R500,60";
-        QTest::newRow("from 10 at 20 px") << QStringList{"--from", "10", "--scale", "100"} << QSize(212, 90)
-                                          << "B100,10 W100,40 R100,60 W205,10";
+        QTest::newRow("fitted") << 0 << QStringList{} << "pair.png" << "812x90 B200,40 B600,10 W600,40 B200,50 R500,60";
+        QTest::newRow("from 10 at 20 px") << 0 << QStringList{"--from", "10", "--scale", "100"} << "pair.png"
+                                          << "212x90 B100,10 W100,40 R100,60 W205,10";
         // "bus[3:0]": a name column of 8 characters at 8 pixels and 10 more.
-        QTest::newRow("names and ruler") << QStringList{"--names", "--ruler", "--to", "10"} << QSize(74 + 412, 150)
-                                         << "K75,60 B274,100 W274,70 B274,110";
+        QTest::newRow("names and ruler") << 0 << QStringList{"--names", "--ruler", "--to", "10"} << "pair.png"
+                                         << "486x150 K75,60 B274,100 W274,70 B274,110";
+        QTest::newRow("svg with every name") << 0 << QStringList{"--names"} << "pair.svg" << "a bus[3:0] 0101";
+        QTest::newRow("one page") << 3 << QStringList{"--ruler"} << "waves.pdf" << "1";
+        QTest::newRow("rows over three pages") << 40 << QStringList{"--ruler"} << "waves.pdf" << "3";
+        QTest::newRow("and across time") << 20 << QStringList{"--ruler", "--to", "100", "--scale", "200"} << "waves.pdf" << "4";
     }
-    void png()
-    {
-        QFETCH(QStringList, options);
-        QFETCH(QSize, size);
-        QFETCH(QString, probes);
-        const QString out = tmp_.filePath(QStringLiteral("pair.png"));
-        QCOMPARE(wdl(QStringList{"render", written("pair.wdl", Pair), "-out=" + out} + options).code, 0);
-        const QImage image(out);
-        QCOMPARE(image.size(), size);
-        const QMap<QChar, QRgb> colors{{'B', qRgb(0, 0, 255)}, {'R', qRgb(255, 0, 0)}, {'W', qRgb(255, 255, 255)},
-                                       {'K', qRgb(0, 0, 0)}};
-        for (const QString& probe : probes.split(QLatin1Char(' '))) {
-            const QStringList xy = probe.mid(1).split(QLatin1Char(','));
-            const QPoint at(xy[0].toInt(), xy[1].toInt());
-            // Hatching leaves gaps: red is looked for in the probe's row.
-            bool found = false;
-            for (int dx = 0; dx < (probe[0] == 'R' ? 20 : 1); ++dx)
-                found = found || image.pixel(at + QPoint(dx, 0)) == colors.value(probe[0]);
-            QVERIFY2(found, qPrintable(probe));
-        }
-    }
-
-    void svgIsXmlWithEveryName()
-    {
-        const QString out = tmp_.filePath(QStringLiteral("pair.svg"));
-        QCOMPARE(wdl({"render", written("pair.wdl", Pair), "-out=" + out, "--names"}).code, 0);
-        QXmlStreamReader xml(testfiles::readFile(out));
-        QString text;
-        while (!xml.atEnd()) {
-            if (xml.readNext() == QXmlStreamReader::Characters)
-                text += xml.text();
-        }
-        QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
-        for (const char* name : {"a", "bus[3:0]", "0101"})
-            QVERIFY2(text.contains(QLatin1String(name)), name);
-    }
-
-    // A page holds 16 rows and 40 steps at the widest scale; pages go down, then across.
-    void pdfPages_data()
-    {
-        addColumns<int, QStringList, int>({"waves", "options", "pages"});
-        QTest::newRow("one page") << 3 << QStringList{"--ruler"} << 1;
-        QTest::newRow("rows over three pages") << 40 << QStringList{"--ruler"} << 3;
-        QTest::newRow("and across time") << 20 << QStringList{"--ruler", "--to", "100", "--scale", "200"} << 4;
-    }
-    void pdfPages()
+    void render()
     {
         QFETCH(int, waves);
         QFETCH(QStringList, options);
-        QFETCH(int, pages);
+        QFETCH(QString, out);
+        QFETCH(QString, expected);
         const QString pdfinfo = QStandardPaths::findExecutable(QStringLiteral("pdfinfo"));
-        if (pdfinfo.isEmpty())
+        if (out.endsWith(QLatin1String(".pdf")) && pdfinfo.isEmpty())
             QSKIP("pdfinfo (poppler-utils) is not installed");
-        QByteArray text;
+        QByteArray text = waves ? QByteArray() : Pair;
         for (int i = 0; i < waves; ++i)
             text += "w" + QByteArray::number(i) + " { A I Default NRZ 0 1 50 } = 0 10 1 10;\n";
-        const QString out = tmp_.filePath(QStringLiteral("waves.pdf"));
-        QCOMPARE(wdl(QStringList{"render", written("waves.wdl", text), "-out=" + out} + options).code, 0);
-        const QRegularExpression count(QStringLiteral("Pages:\\s+(\\d+)"));
-        QCOMPARE(count.match(QString::fromLatin1(testprograms::run(pdfinfo, {out}).out)).captured(1).toInt(), pages);
+        out = tmp_.filePath(out);
+        QCOMPARE(wdl(QStringList{"render", written("in.wdl", text), "-out=" + out} + options).code, 0);
+        QStringList words = expected.split(QLatin1Char(' '));
+        if (out.endsWith(QLatin1String(".png"))) {
+            const QImage image(out);
+            QCOMPARE(QStringLiteral("%1x%2").arg(image.width()).arg(image.height()), words.takeFirst());
+            const QMap<QChar, QRgb> colors{{'B', qRgb(0, 0, 255)}, {'R', qRgb(255, 0, 0)}, {'W', qRgb(255, 255, 255)},
+                                           {'K', qRgb(0, 0, 0)}};
+            for (const QString& probe : std::as_const(words)) {
+                const QStringList xy = probe.mid(1).split(QLatin1Char(','));
+                const QPoint at(xy[0].toInt(), xy[1].toInt());
+                // Hatching leaves gaps: red is looked for in the probe's row.
+                bool found = false;
+                for (int dx = 0; dx < (probe[0] == 'R' ? 20 : 1); ++dx)
+                    found = found || image.pixel(at + QPoint(dx, 0)) == colors.value(probe[0]);
+                QVERIFY2(found, qPrintable(probe));
+            }
+        } else if (out.endsWith(QLatin1String(".svg"))) {
+            QXmlStreamReader xml(testfiles::readFile(out));
+            QString shown;
+            while (!xml.atEnd()) {
+                if (xml.readNext() == QXmlStreamReader::Characters)
+                    shown += xml.text();
+            }
+            QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+            for (const QString& word : std::as_const(words))
+                QVERIFY2(shown.contains(word), qPrintable(word));
+        } else {
+            const QRegularExpression count(QStringLiteral("Pages:\\s+(\\d+)"));
+            QCOMPARE(count.match(QString::fromLatin1(testprograms::run(pdfinfo, {out}).out)).captured(1), expected);
+        }
     }
 };
 

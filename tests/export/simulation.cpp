@@ -5,7 +5,6 @@
 
 #include <QBuffer>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 
 QString runGhdl(const QString& dir, const QString& std, const QStringList& files, const QString& top,

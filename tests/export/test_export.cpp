@@ -227,9 +227,9 @@ private Q_SLOTS:
 
     void errors_data()
     {
-        QTest::addColumn<QStringList>("args");   // wdl export's, or ExportWaveforms' in the "dialog" rows
-        QTest::addColumn<int>("code");
-        QTest::addColumn<QString>("message");    // stderr's line ("export: " before it on 1), a part of stdout on 0; "@": the folder
+        // args: wdl export's, or ExportWaveforms' in the "dialog" rows; message: stderr's line ("export: " before it
+        // on 1), a part of stdout on 0; "@": the folder
+        addColumns<QStringList, int, QString>({"args", "code", "message"});
         const QString good = QStringLiteral(VOK_SOURCE_DIR "/examples/counter.wdl");
         QTest::newRow("tf") << QStringList{"tf", good, "-out=@/out"} << 0 << "";
         QTest::newRow("-vcd") << QStringList{"-vcd", good, "-out=@/out"} << 0 << "";

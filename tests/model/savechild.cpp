@@ -46,16 +46,8 @@ ssize_t write(int fd, const void* buffer, size_t size)
 int fsync(int fd) { step(); return int(syscall(SYS_fsync, fd)); }
 int fdatasync(int fd) { step(); return int(syscall(SYS_fdatasync, fd)); }
 int rename(const char* from, const char* to) { step(); return int(syscall(SYS_rename, from, to)); }
-int linkat(int fromDir, const char* from, int toDir, const char* to, int flags)
-{
-    step();
-    return int(syscall(SYS_linkat, fromDir, from, toDir, to, flags));
-}
-int renameat2(int fromDir, const char* from, int toDir, const char* to, unsigned flags)
-{
-    step();
-    return int(syscall(SYS_renameat2, fromDir, from, toDir, to, flags));
-}
+int linkat(int fd, const char* from, int toFd, const char* to, int flags) { step(); return int(syscall(SYS_linkat, fd, from, toFd, to, flags)); }
+int renameat2(int fd, const char* from, int toFd, const char* to, unsigned flags) { step(); return int(syscall(SYS_renameat2, fd, from, toFd, to, flags)); }
 }
 
 int main(int argc, char** argv)

@@ -1,6 +1,6 @@
-// Random documents read back from the file they were generated with and from
-// what the writer makes of them. VOK_GENERATED_SEED and VOK_GENERATED_COUNT
-// replay a failure (the message names both).
+// Random documents read back from the file they were generated with and from what the writer makes of them.
+// VOK_GENERATED_SEED and VOK_GENERATED_COUNT replay a failure (the message names both).
+#include "modeltestutil.h"
 #include "random_document.h"
 #include "wavewriter.h"
 
@@ -8,8 +8,7 @@
 
 using namespace kesu::toolvok;
 
-// Every field the file carries, as text: cheaper than JSON, which under the
-// sanitizers would cost most of the run.
+// Every field the file carries, as text: cheaper than JSON, which under the sanitizers would cost most of the run.
 static QString fields(const WaveformData& doc)
 {
     QString text = QStringLiteral("%1 %2 %3 %4 %5\n").arg(doc.masterClockMult).arg(doc.smallestUnit)
@@ -20,10 +19,7 @@ static QString fields(const WaveformData& doc)
                     .arg(w->foreverIndex)
             + QStringLiteral("%1%2%3 %4 [%5]").arg(w->isBus).arg(w->isPattern).arg(w->visible).arg(w->busWidth)
                     .arg(w->elements.join(QLatin1Char(',')));
-        for (const Pattern* p : w->patterns)
-            text += QStringLiteral(" %1:%2%3").arg(QString::fromStdString(p->value)).arg(p->duration)
-                        .arg(p->forever ? "F" : "");
-        text += QLatin1Char('\n');
+        text += ' ' + modeltest::segments(w) + '\n';
     }
     return text;
 }

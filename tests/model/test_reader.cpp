@@ -1,6 +1,5 @@
-// The waveform file reader on small texts: every statement kind, the forms
-// of names, attribute blocks and segment lists, line handling, and input
-// that must neither crash nor hang.
+// The waveform file reader on small texts: every statement kind, the forms of names, attribute blocks and segment
+// lists, line handling, and input that must neither crash nor hang.
 
 #include "datatable.h"
 #include "modeltestutil.h"
@@ -16,7 +15,6 @@
 using namespace kesu::toolvok;
 using namespace modeltest;
 
-// Reads bytes as from a file.
 static std::unique_ptr<WaveformData> loadBytes(QByteArray bytes)
 {
     QBuffer buffer(&bytes);
@@ -76,8 +74,7 @@ private Q_SLOTS:
                  QStringList({"a", "(b c)#2", "d"}));
     }
 
-    // Segment lists, repeats and references to named patterns; "(" marks
-    // the forever tail in the expectation.
+    // Segment lists, repeats and references to named patterns; "(" marks the forever tail in the expectation.
     void segmentLists_data()
     {
         addColumns<QString, QString>({"text", "expected"});
@@ -146,8 +143,7 @@ private Q_SLOTS:
         QVERIFY(!single.loadError.isSet());
     }
 
-    // Line ends, blanks, byte order marks and other encodings, as raw bytes
-    // read from a device or as text.
+    // Line ends, blanks, byte order marks and other encodings, as raw bytes read from a device or as text.
     void rawText_data()
     {
         addColumns<QByteArray, bool, QByteArray>({"bytes", "asText", "expected"});
@@ -169,17 +165,16 @@ private Q_SLOTS:
         // Only one CR comes off a line end; "5\r1" is a failed duration.
         QTest::newRow("two CRs") << "w" + a + "1 5;\r\r\n" << true << QByteArray("");
         QTest::newRow("CR inside") << "w" + a + "0 5\r1 5 1 2;\n" << true << QByteArray("w=5:1");
-        // No-break and ideographic spaces fall away around names and tokens;
-        // only blank and tab separate. Other non-ASCII stays, as UTF-8.
+        // No-break and ideographic spaces fall away around names and tokens; only blank and tab separate. Other
+        // non-ASCII stays, as UTF-8.
         QTest::newRow("unicode") << "gr\xC3\xB6\xC3\x9F" "e\xC2\xA0 { A I Default NRZ 0 1 50 } =\xC2\xA0\xC2\xA0" "1 5"
                                     "\xE3\x80\x80 0\xE2\x80\xA8 5;\n\xCE\xB4[1:0]" + a + "\xC3\xA9 3 \xC2\xA0\xC3\xA4\xC2\xA0 4;\n"
                                  << true << QByteArray("gr%C3%B6%C3%9Fe=1:5 0:5|%CE%B4[1:0]{%CE%B4[1],%CE%B4[0]}=%C3%A9:3 %C3%A4:4");
-        // Each broken byte reads as U+FFFD, without swallowing the ASCII after
-        // it or reaching into the next line.
+        // Each broken byte reads as U+FFFD, without swallowing the ASCII after it or reaching into the next line.
         QTest::newRow("broken UTF-8") << "b[1:0]" + a + "\xFF 5 \xE2\x82;7 6 c\xC3 1;\nw" + a + "1 5 \xE2\x82\n;\n" << false
                                       << QByteArray("b[1:0]{b[1],b[0]}=%EF%BF%BD:5 %EF%BF%BD%EF%BF%BD;7:6 c%EF%BF%BD:1|w=1:5");
-        // A device drops two marks in front (the decoder's and the reader's);
-        // text one; a mark after the start is an ordinary character.
+        // A device drops two marks in front (the decoder's and the reader's); text one; a mark after the start is an
+        // ordinary character.
         QTest::newRow("marks, device") << bom + bom + bom + "w" + a + "1 5;\n" << false << QByteArray("%EF%BB%BFw=1:5");
         QTest::newRow("marks, text") << bom + bom + bom + "w" + a + "1 5;\n" << true << QByteArray("%EF%BB%BFw=1:5");
         for (const auto encoding : {QStringConverter::Utf16LE, QStringConverter::Utf16BE, QStringConverter::Utf32LE,
@@ -209,21 +204,21 @@ private Q_SLOTS:
 
     void longLinesAndManyLines()
     {
-        // One line far longer than the reader's buffer, then a statement over
-        // many lines, from a device and from text alike.
+        // One line far longer than the reader's buffer, then a statement over many lines, from a device and from text
+        // alike.
         const int count = 300000;
         QByteArray bytes = "w { A I Default NRZ 0 1 50 } =";
-        for (int i = 0; i < count; ++i)
-            bytes += QByteArray(i % 2 ? " 1 " : " 0 ") + QByteArray::number(1 + i % 1000);
-        bytes += ";\nb[3:0] { A I Default NRZ 0 1 50 } =";
-        for (int i = 0; i < count; ++i)
-            bytes += (i % 10 == 0 ? "\n " : " ") + QByteArray::number(i % 16, 16) + " " + QByteArray::number(i + 1);
-        bytes += ";\n";
         QStringList w, b;
         for (int i = 0; i < count; ++i) {
+            bytes += QByteArray(i % 2 ? " 1 " : " 0 ") + QByteArray::number(1 + i % 1000);
             w << QString("%1:%2").arg(i % 2).arg(1 + i % 1000);
+        }
+        bytes += ";\nb[3:0] { A I Default NRZ 0 1 50 } =";
+        for (int i = 0; i < count; ++i) {
+            bytes += (i % 10 == 0 ? "\n " : " ") + QByteArray::number(i % 16, 16) + " " + QByteArray::number(i + 1);
             b << QString("%1:%2").arg(i % 16, 0, 16).arg(i + 1);
         }
+        bytes += ";\n";
         for (const auto& doc : {loadBytes(bytes), load(QString::fromLatin1(bytes))}) {
             QStringList waves;
             for (const WaveData* wave : std::as_const(doc->waves))
@@ -232,9 +227,8 @@ private Q_SLOTS:
         }
     }
 
-    // What a file asks for is laid down at the cost of what it yields, and
-    // what goes beyond a limit says where and why. "name:count:first" per
-    // wave, then "|line N: reason" when the file was not read whole.
+    // What a file asks for is laid down at the cost of what it yields, and what goes beyond a limit says where and why.
+    // "name:count:first" per wave, then "|line N: reason" when the file was not read whole.
     void limits_data()
     {
         addColumns<QString, QString>({"text", "outcome"});
@@ -296,8 +290,7 @@ private Q_SLOTS:
         }
     }
 
-    // A device that fails part way: what came before stays, and the line
-    // being read is named.
+    // A device that fails part way: what came before stays, and the line being read is named.
     void failingDevice()
     {
         struct Failing : QBuffer {

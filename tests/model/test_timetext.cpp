@@ -24,24 +24,35 @@ class TestTimeText : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void timeString_data()
+    // A tick count as shown ("ticks": without a unit, "time": with it), or a bus value's hex in a radix.
+    void shown_data()
     {
-        addColumns<quint64, bool, int, int, QString>({"ticks", "withUnit", "unit", "decimals", "expected"});
-        QTest::newRow("1,000") << quint64(1000) << false << 12 << 0 << "1,000";
-        QTest::newRow("unknown unit") << quint64(42) << true << 7 << 0 << "42";
-        QTest::newRow("1.5 ns") << quint64(15) << true << 9 << 1 << "1.5 ns";
-        QTest::newRow("0.001") << quint64(1) << false << 12 << 3 << "0.001";
-        QTest::newRow("1,234,567.89 ps") << quint64(1234567890) << true << 12 << 3 << "1,234,567.89 ps";
-        QTest::newRow("five decimals round") << quint64(123456) << false << 12 << 5 << "1.235";
-        QTest::newRow("largest") << NoTime << false << 12 << 0 << "18,446,744,073,709,551,616";
+        addColumns<QString, QString, int, int, QString>({"kind", "value", "unitOrWidth", "decimalsOrRadix", "expected"});
+        QTest::newRow("1,000") << "ticks" << "1000" << 12 << 0 << "1,000";
+        QTest::newRow("unknown unit") << "time" << "42" << 7 << 0 << "42";
+        QTest::newRow("1.5 ns") << "time" << "15" << 9 << 1 << "1.5 ns";
+        QTest::newRow("0.001") << "ticks" << "1" << 12 << 3 << "0.001";
+        QTest::newRow("1,234,567.89 ps") << "time" << "1234567890" << 12 << 3 << "1,234,567.89 ps";
+        QTest::newRow("five decimals round") << "ticks" << "123456" << 12 << 5 << "1.235";
+        QTest::newRow("largest") << "ticks" << QString::number(NoTime) << 12 << 0 << "18,446,744,073,709,551,616";
+        QTest::newRow("1 binary padded") << "bus" << "1" << 4 << 0 << "0001";
+        QTest::newRow("1 octal unpadded") << "bus" << "1" << 12 << 1 << "1";
+        QTest::newRow("1 hex unpadded") << "bus" << "01" << 8 << 3 << "1";
+        QTest::newRow("ff binary wide") << "bus" << "ff" << 12 << 0 << "000011111111";
+        QTest::newRow("wider than width") << "bus" << "ff" << 4 << 0 << "11111111";
+        QTest::newRow("0 width 0") << "bus" << "0" << 0 << 1 << "0";
+        QTest::newRow("69 bits decimal") << "bus" << "1FFFFFFFFFFFFFFFFF" << 69 << 2 << "590295810358705651711";
+        QTest::newRow("69 bits octal") << "bus" << "1FFFFFFFFFFFFFFFFF" << 69 << 1 << "77777777777777777777777";
     }
-    void timeString()
+    void shown()
     {
-        QFETCH(quint64, ticks);
-        QFETCH(bool, withUnit);
-        QFETCH(int, unit);
-        QFETCH(int, decimals);
-        QTEST(TimeText::timeString(ticks, withUnit, unit, decimals), "expected");
+        QFETCH(QString, kind);
+        QFETCH(QString, value);
+        QFETCH(int, unitOrWidth);
+        QFETCH(int, decimalsOrRadix);
+        QTEST(kind == "bus" ? TimeText::busValueString(value.toStdString(), unitOrWidth, decimalsOrRadix)
+                            : TimeText::timeString(value.toULongLong(), kind == "time", unitOrWidth, decimalsOrRadix),
+              "expected");
     }
 
     void parseTime_data()
@@ -93,38 +104,6 @@ private Q_SLOTS:
                 }
             }
         }
-    }
-
-    void busValueString_data()
-    {
-        addColumns<QString, int, int, QString>({"hex", "width", "radix", "expected"});
-        QTest::newRow("1 binary padded") << "1" << 4 << 0 << "0001";
-        QTest::newRow("1 octal unpadded") << "1" << 12 << 1 << "1";
-        QTest::newRow("1 hex unpadded") << "01" << 8 << 3 << "1";
-        QTest::newRow("ff binary wide") << "ff" << 12 << 0 << "000011111111";
-        QTest::newRow("wider than width") << "ff" << 4 << 0 << "11111111";
-        QTest::newRow("0 width 0") << "0" << 0 << 1 << "0";
-        QTest::newRow("69 bits decimal") << "1FFFFFFFFFFFFFFFFF" << 69 << 2 << "590295810358705651711";
-        QTest::newRow("69 bits octal") << "1FFFFFFFFFFFFFFFFF" << 69 << 1 << "77777777777777777777777";
-    }
-    void busValueString()
-    {
-        QFETCH(QString, hex);
-        QFETCH(int, width);
-        QFETCH(int, radix);
-        QTEST(TimeText::busValueString(hex.toStdString(), width, radix), "expected");
-    }
-
-    void maxEnd()
-    {
-        WaveformData doc;
-        QCOMPARE(TimeText::maxEnd(doc), quint64(0));
-        doc.addWave(makeWave("a", "0:10 1:20", 100).release());
-        doc.addWave(makeWave("b", "", 700).release());
-        doc.addWave(makeWave("c", "1:40").release());
-        QCOMPARE(TimeText::maxEnd(doc), quint64(700));
-        doc.addWave(makeWave("d", "1:400 0:-50", 400).release());
-        QCOMPARE(TimeText::maxEnd(doc), quint64(750));
     }
 
     // Per width: 0, 1, all ones, one past them, random values of at most and of exactly that width.

@@ -3,6 +3,7 @@
 #include "datatable.h"
 #include "modeltestutil.h"
 #include "segmentrange.h"
+#include "timetext.h"
 
 #include <QtTest>
 
@@ -12,48 +13,46 @@
 using namespace kesu::toolvok;
 using namespace modeltest;
 
+static QString state(const WaveData* w)
+{
+    return segments(w) + " forever " + QString::number(w->foreverIndex) + (w->indexConsistent() ? "" : " stale index");
+}
+
 class TestWaveData : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void insertData()
+    // In front of the forever segment itself the tail still starts at it; forever marks are not copied.
+    void insertions()
     {
         auto w = makeWave("w", "0:1 1:2 (0:3");
         Pattern* c = w->patterns.at(2);
         auto* x = new Pattern("1", 9);
         w->insertData(x, w->patterns.at(1));
         QCOMPARE(x->wave, w.get());
-        // In front of the forever segment itself: the tail still starts at it.
         w->insertData(new Pattern("-1", 5), c);
         Pattern stranger("0", 1);
         w->insertData(new Pattern("-2", 6), &stranger);
         w->insertData(new Pattern("1", 7), nullptr);
-        QCOMPARE(segments(w.get()) + " forever " + QString::number(w->foreverIndex),
-                 QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7 forever 4"));   // no merging
-    }
+        QCOMPARE(state(w.get()), QString("0:1 1:9 1:2 -1:5 (0:3 -2:6 1:7 forever 4"));   // no merging
 
-    void insertPattern()
-    {
-        auto w = makeWave("w", "0:7 1:8 (0:9");
+        w = makeWave("w", "0:7 1:8 (0:9");
         Pattern* p = w->patterns.at(1);
-        w->insertPattern(p, makeWave("$p", "1:1 0:2 (-1:3").get());   // forever marks are not copied
+        w->insertPattern(p, makeWave("$p", "1:1 0:2 (-1:3").get());
         QCOMPARE(w->patterns.at(3), p);
-        // At the forever segment itself the tail keeps starting at it.
         w->insertPattern(w->patterns.at(4), makeWave("$q", "1:4 0:5").get());
         w->insertPattern(p, makeWave("$e", "").get());
         w->insertPattern(w->patterns.at(0), makeWave("$o", "-2:4").get());
-        QCOMPARE(segments(w.get()) + " forever " + QString::number(w->foreverIndex), QString("-2:4 -1:3 0:2 1:1 0:5 (1:4 forever 5"));
+        QCOMPARE(state(w.get()), QString("-2:4 -1:3 0:2 1:1 0:5 (1:4 forever 5"));
         for (const Pattern* q : std::as_const(w->patterns))
             QCOMPARE(q->wave, w.get());
 
-        // A segment outside the list takes the first source segment; the rest
-        // is appended at the end, still reversed.
-        auto v = makeWave("v", "0:11 1:4");
-        Pattern detached("0", 1);
-        v->insertPattern(&detached, makeWave("$r", "1:5 0:2 1:7").get());
-        QCOMPARE(QString("%1:%2").arg(QString::fromStdString(detached.value)).arg(detached.duration), QString("1:5"));
-        QCOMPARE(segments(v.get()), QString("0:11 1:4 1:7 0:2"));
+        // A segment outside the list takes the first source segment; the rest is appended at the end, still reversed.
+        w = makeWave("v", "0:11 1:4");
+        w->insertPattern(&stranger, makeWave("$r", "1:5 0:2 1:7").get());
+        QCOMPARE(QString("%1:%2 | ").arg(QString::fromStdString(stranger.value)).arg(stranger.duration) + segments(w.get()),
+                 QString("1:5 | 0:11 1:4 1:7 0:2"));
     }
 
     void removeData_data()
@@ -132,13 +131,12 @@ private Q_SLOTS:
         auto marks = makeWave("m", "1:1 1:2 (0:3 (1:3");
         marks->foreverIndex = 2;
         grow->duplicateData(marks.get());
-        QCOMPARE(segments(grow.get()) + " forever " + QString::number(grow->foreverIndex), QString("1:3 (0:3 (1:3 forever 2"));
+        QCOMPARE(state(grow.get()), QString("1:3 (0:3 (1:3 forever 2"));
 
         // Surplus segments leave the list and go back to the caller.
         auto shrink = makeWave("t", "0:1 1:2 (0:3");
         const QList<Pattern*> surplus = shrink->duplicateData(makeWave("s", "1:4").get());
-        QCOMPARE(QString("%1 forever %2, %3 back").arg(segments(shrink.get())).arg(shrink->foreverIndex).arg(surplus.size()),
-                 QString("1:4 forever -1, 2 back"));
+        QCOMPARE(state(shrink.get()) + QString(", %1 back").arg(surplus.size()), QString("1:4 forever -1, 2 back"));
         qDeleteAll(surplus);
     }
 
@@ -160,6 +158,14 @@ private Q_SLOTS:
         QVERIFY(doc.waves.isEmpty());
         QCOMPARE(doc.endTime, quint64(5000));
         QCOMPARE(doc.decimals, 2);
+        // The end of the latest wave, a negative last duration included.
+        QCOMPARE(TimeText::maxEnd(doc), quint64(0));
+        doc.addWave(makeWave("a", "0:10 1:20", 100).release());
+        doc.addWave(makeWave("b", "", 700).release());
+        doc.addWave(makeWave("c", "1:40").release());
+        QCOMPARE(TimeText::maxEnd(doc), quint64(700));
+        doc.addWave(makeWave("d", "1:400 0:-50", 400).release());
+        QCOMPARE(TimeText::maxEnd(doc), quint64(750));
 
         WaveData names("d");
         names.elements << "pre";
@@ -199,8 +205,8 @@ private Q_SLOTS:
 
     void undoRedo_data()
     {
-        // first, count: the range the edit was told to touch; forever: foreverIndex after the edit;
-        // change: narrowed to first, before count, after count
+        // first, count: the range the edit was told to touch; forever: foreverIndex after the edit; change: narrowed to
+        // first, before count, after count
         addColumns<QString, int, int, QString, int, QList<int>>({"wave", "first", "count", "replacement", "forever", "change"});
         QTest::newRow("start") << "0:1 1:2 0:3 1:4" << 0 << 2 << "1:9" << -1 << QList<int>{0, 2, 1};
         QTest::newRow("middle") << "0:1 1:2 0:3 1:4" << 1 << 2 << "1:2 1:5 0:3" << -1 << QList<int>{2, 0, 1};
@@ -237,8 +243,6 @@ private Q_SLOTS:
         }
         w->segmentsChanged(0);
         w->foreverIndex = forever;
-        auto state = [&w] { return segments(w.get()) + " forever " + QString::number(w->foreverIndex)
-                                   + (w->indexConsistent() ? "" : " stale index"); };
         const QString original = wave + " forever " + QString::number(foreverBefore);
         const QString edited = segments(w.get()) + " forever " + QString::number(forever);
 
@@ -251,9 +255,9 @@ private Q_SLOTS:
         QCOMPARE(narrowed.after.first(), change.at(0));
         for (int round = 0; round < 2; ++round) {
             QVERIFY(narrowed.undo(*w));
-            QCOMPARE(state(), original);
+            QCOMPARE(state(w.get()), original);
             QVERIFY(narrowed.redo(*w));
-            QCOMPARE(state(), edited);
+            QCOMPARE(state(w.get()), edited);
         }
         // Segments outside the edit are the very same objects still.
         for (Pattern* p : outside)
