@@ -251,11 +251,11 @@ void LineBatch::drawLetters()
 {
     if (pendingGlyphs_.isEmpty())
         return;
-    pending_ = glyphs_[0];
-    pending_.setGlyphIndexes(pendingGlyphs_);
-    pending_.setPositions(pendingPositions_);
+    QGlyphRun run = glyphs_[0];
+    run.setGlyphIndexes(pendingGlyphs_);
+    run.setPositions(pendingPositions_);
     setTextColor(pendingColor_);
-    painter_.drawGlyphRun(QPointF(0, 0), pending_);
+    painter_.drawGlyphRun(QPointF(0, 0), run);
     pendingGlyphs_.clear();
     pendingPositions_.clear();
 }

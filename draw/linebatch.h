@@ -173,7 +173,6 @@ private:
     // the letters' glyphs, shaped once per paint, instead.
     bool glyphRuns_;
     QGlyphRun glyphs_[3];
-    QGlyphRun pending_;
     QColor pendingColor_;
     QList<quint32> pendingGlyphs_;
     QList<QPointF> pendingPositions_;

@@ -32,8 +32,7 @@ void VokGUI::buildMenuLists()
         s->setSeparator(true);
         return s;
     };
-    m_menuItems[FileMenu] = {action(ActExport), action(ActExportImage)};
-    m_menuItems[FileMenu].prepend(action(ActImportVcd));
+    m_menuItems[FileMenu] = {action(ActImportVcd), action(ActExport), action(ActExportImage)};
     m_menuItems[FileMenu].append(m_recentMenu->menuAction());
     m_menuItems[EditMenu] = {action(ActEditMode), separator(), action(ActNewWave), action(ActImportWave),
                              action(ActDupWave), action(ActShowWave), action(ActHideWave),

@@ -22,16 +22,12 @@ WavePaint::WavePaint(QPainter& painter, const WavePaintSetup& setup)
 void WavePaint::setRowTop(int rowIndex)
 {
     rowIndex_ = rowIndex;
-    rowTop_ = vp_.rowTop(rowIndex);
-    row_.setTop(rowTop_);
-    highY_ = row_.highY();
-    lowY_ = row_.lowY();
+    row_.setTop(vp_.rowTop(rowIndex));
 }
 
 void WavePaint::paintWave(WaveData* wave, int rowIndex)
 {
     setRowTop(rowIndex);
-    xCursor_ = 0;
     rangeDrawn_ = false;
     const quint64 startTime = vp_.startTime;
     const float rightEdge = static_cast<float>(setup_.width + 1);
@@ -39,7 +35,6 @@ void WavePaint::paintWave(WaveData* wave, int rowIndex)
     if (wave->offset > startTime) {
         const float w = vp_.xOf(wave->offset);
         drawLeadingOffset(wave, w);
-        xCursor_ += w;
         previousValue_ = "0";
     }
 
@@ -79,14 +74,17 @@ void WavePaint::paintWave(WaveData* wave, int rowIndex)
     }
     batch_.flushAll();
 
+    const int guideY = row_.lowY() + 8;
     if (setup_.guideline)
-        batch_.styledLine(RowLayer, QPen(Qt::black, 1, Qt::DotLine), 0, lowY_ + 8, setup_.width, lowY_ + 8);
+        batch_.styledLine(RowLayer, QPen(Qt::black, 1, Qt::DotLine), 0, guideY, setup_.width, guideY);
 }
 
 void WavePaint::drawWave(bool clone, WaveData* wave, int from, int to)
 {
     LineBatch& batch = batch_;
     RowPainter& row = row_;
+    const int highY = row.highY();
+    const int lowY = row.lowY();
 
     const quint64 startTime = vp_.startTime;
     const int firstVisibleRow = vp_.firstRow;
@@ -148,7 +146,6 @@ void WavePaint::drawWave(bool clone, WaveData* wave, int from, int to)
             // Nothing further right shows; the walk would only move the time
             // on and leave the last value for the next row to compare with.
             exactTime_ = begin + (wave->segmentStart(to) - wave->segmentStart(i));
-            xCursor_ = vp_.xAt(exactTime_);
             for (int k = to - 1; k >= i; --k) {
                 if (list[k]->duration != 0) {
                     prev = &list[k]->value;
@@ -161,7 +158,6 @@ void WavePaint::drawWave(bool clone, WaveData* wave, int from, int to)
             exactTime_ = begin;
             const int next = row.column(*wave, i, to, px(x), exactTime_, prev, prevKind, crowdLimit);
             if (next > i) {
-                xCursor_ = vp_.xAt(exactTime_);
                 i = next - 1;
                 continue;
             }
@@ -179,7 +175,7 @@ void WavePaint::drawWave(bool clone, WaveData* wave, int from, int to)
             const bool levels = kind == Kind::One || kind == Kind::Zero;
             if (!bus || busRowShown) {
                 if (clone && shapes && (bus || levels))
-                    batch.cloneBlock(RowLayer, px(x), highY_, px(x + w) - px(x), lowY_ - highY_);
+                    batch.cloneBlock(RowLayer, px(x), highY, px(x + w) - px(x), lowY - highY);
                 RowPainter::Look look;
                 look.edge = x != 0.0f && RowPainter::edgeBefore(kind, value, prevKind, *prev);
                 look.startedLeft = begin < startTime;
@@ -231,21 +227,20 @@ void WavePaint::drawWave(bool clone, WaveData* wave, int from, int to)
                 if (!rangeDrawn_) {
                     const float a = vp_.xOfExact(lo);
                     const float b = vp_.xOfExact(hi);
-                    batch.line(SelectionLayer, Qt::black, 2, px(a), highY_ - 5, px(b), highY_ - 5);
-                    batch.line(SelectionLayer, Qt::black, 2, px(a), lowY_ + 5, px(b), lowY_ + 5);
+                    batch.line(SelectionLayer, Qt::black, 2, px(a), highY - 5, px(b), highY - 5);
+                    batch.line(SelectionLayer, Qt::black, 2, px(a), lowY + 5, px(b), lowY + 5);
                     rangeDrawn_ = true;
                 }
             } else if (perPattern) {
                 const double end = static_cast<double>(exactTime_);
                 const double start = end - static_cast<double>(d);
                 if (left <= rightEdge && touchesRange(start, end, lo, hi)) {
-                    batch.line(SelectionLayer, Qt::black, 2, px(x), highY_ - 5, px(x + w), highY_ - 5);
-                    batch.line(SelectionLayer, Qt::black, 2, px(x), lowY_ + 5, px(x + w), lowY_ + 5);
+                    batch.line(SelectionLayer, Qt::black, 2, px(x), highY - 5, px(x + w), highY - 5);
+                    batch.line(SelectionLayer, Qt::black, 2, px(x), lowY + 5, px(x + w), lowY + 5);
                 }
             }
         }
 
-        xCursor_ = end;
         prev = &value;
         prevKind = kind;
     }
@@ -256,9 +251,9 @@ void WavePaint::drawWave(bool clone, WaveData* wave, int from, int to)
 void WavePaint::drawLeadingOffset(const WaveData* wave, float w)
 {
     LineBatch& batch = batch_;
-    const float x = xCursor_;
-    if (x > static_cast<float>(setup_.width + 1))
-        return;
+    // A leading offset shows only while the view starts before it, so it
+    // always begins at the left edge.
+    const float x = 0;
     // Before its offset a bus reads as 0; its bit rows are low.
     if (!wave->isBus || rowIndex_ >= vp_.firstRow)
         row_.leadingOffset(wave->isBus, x, w, vp_.startTime != 0);

@@ -61,11 +61,6 @@ private:
     RowPainter row_;
     std::string previousValue_;
     int rowIndex_ = 0;
-    int rowTop_ = 0;
-    int highY_ = 0;
-    int lowY_ = 0;
-    // The x where the segment drawn last ends.
-    float xCursor_ = 0;
     // Where the next segment of the row begins, in whole ticks: every x comes
     // from such a time, so a row drawn from its middle has the pixels of one
     // drawn from its first segment.
