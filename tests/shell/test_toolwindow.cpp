@@ -67,8 +67,7 @@ private Q_SLOTS:
         QVERIFY(!gui->document()->waves.isEmpty() && gui->getModifiedFileList().isEmpty());
         gui->SetDirtyBit();
         gui->SetDirtyBit();   // never two marks
-        QCOMPARE(gui->windowTitle(), title + QLatin1Char('*'));
-        QCOMPARE(gui->getModifiedFileList(), QStringList{m_file});
+        QCOMPARE(QStringList{gui->windowTitle()} + gui->getModifiedFileList(), (QStringList{title + '*', m_file}));
         QVERIFY(gui->needToBeClosed(11, 0) && !gui->needToBeClosed(10, 0));
 
         // Hosted, a missing file opens untitled, with nothing on disk to name.
@@ -221,17 +220,12 @@ private Q_SLOTS:
                 }
             }
         }
-        QDirIterator pages(QStringLiteral(":/help"), {QStringLiteral("*.html")});
-        int count = 0;
-        for (; pages.hasNext(); ++count) {
-            const QString page = pages.next();
-            for (const QRegularExpressionMatch& m : QRegularExpression(QStringLiteral("href=\"([^\"]*)\"")).globalMatch(textOf(page))) {
-                const QString target = m.captured(1);
-                QTest::addRow("%s -> %s", qPrintable(pages.fileName()), qPrintable(target))
-                    << (target.startsWith(QLatin1Char('#')) ? page : QStringLiteral(":/help/")) + target;
-            }
-        }
-        QVERIFY(count >= 17);
+        const QStringList pages = QDir(QStringLiteral(":/help")).entryList({QStringLiteral("*.html")});
+        QVERIFY(pages.size() >= 17);
+        for (const QString& page : pages)
+            for (const QRegularExpressionMatch& m : QRegularExpression("href=\"([^\"]*)\"").globalMatch(textOf(":/help/" + page)))
+                QTest::addRow("%s -> %s", qPrintable(page), qPrintable(m.captured(1)))
+                    << ":/help/" + (m.captured(1).startsWith('#') ? page : QString()) + m.captured(1);
     }
     void everyPlaceResolves()
     {
@@ -267,11 +261,7 @@ private Q_SLOTS:
     // Further windows from New and Open, found again by any spelling; closed, they go.
     void furtherWindowsComeAndGo()
     {
-        ToolHost host([](const QStringList& files) -> BasGUITool* {
-            auto tool = openTool(files.value(0), false);
-            tool->resize(800, 500);
-            return tool.release();
-        });
+        ToolHost host([](const QStringList& files) -> BasGUITool* { return openTool(files.value(0), false).release(); });
         QSignalSpy raised(&host, &ToolHost::toolRaised), closed(&host, &ToolHost::lastToolClosed);
         const int n = VokGUI::untitledCounter();
         auto* first = qobject_cast<VokGUI*>(host.open({}));
