@@ -57,7 +57,8 @@ private Q_SLOTS:
         QVERIFY(copyWritable(exampleFile(QStringLiteral("counter.wdl")), m_file));
     }
 
-    void namesTitlesAndModes()
+    // Names, titles and the dirty mark; help from keys and menus everywhere; hosted, the wiring by name.
+    void namesTitlesHelpAndWiring()
     {
         // A quoted name, as shells and hosts pass paths with spaces.
         const auto gui = openTool(QLatin1Char('"') + m_file + QLatin1Char('"'));
@@ -69,6 +70,30 @@ private Q_SLOTS:
         gui->SetDirtyBit();   // never two marks
         QCOMPARE(QStringList{gui->windowTitle()} + gui->getModifiedFileList(), (QStringList{title + '*', m_file}));
         QVERIFY(gui->needToBeClosed(11, 0) && !gui->needToBeClosed(10, 0));
+
+        auto f1 = [](QObject* target) {
+            QKeyEvent event(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
+            QCoreApplication::sendEvent(target, &event);
+        };
+        const QString main = QStringLiteral(":/help/waveform_editor.html");
+        f1(gui->waveView());
+        QCOMPARE(BaseHelp::currentPage(), main + QStringLiteral("#wave_display"));
+        QVERIFY(BaseHelp::helpWindow()->isVisible());
+        f1(gui.get());
+        QCOMPARE(BaseHelp::currentPage(), main);
+        // Each dock has its own page.
+        for (const auto& [dock, page] : QList<std::pair<QDockWidget*, const char*>>{{gui->editDlg(), "pulse_property"},
+                 {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}}) {
+            f1(dock->widget()->findChildren<QWidget*>().last());
+            QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/%1.html").arg(QLatin1String(page)));
+        }
+        BaseHelp::helpWindow()->hide();
+        gui->sharedAction(QStringLiteral("help"))->trigger();
+        QVERIFY(BaseHelp::helpWindow()->isVisible());
+        // What's-this texts are the marked sections of the pages.
+        QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
+                 QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
+        BaseHelp::helpWindow()->hide();
 
         // Hosted, a missing file opens untitled, with nothing on disk to name.
         const auto hosted = openTool(m_dir.filePath(QStringLiteral("missing.wdl")), false);
@@ -169,34 +194,6 @@ private Q_SLOTS:
         // Back in query mode: no selection to cut, nothing to paste onto.
         gui->changeReadonlyMode(false);
         QCOMPARE(enabled(), QString("1111 11 111111 110100"));
-    }
-
-    void helpFromKeysAndMenus()
-    {
-        const auto gui = openTool(m_file);
-        auto f1 = [](QObject* target) {
-            QKeyEvent event(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
-            QCoreApplication::sendEvent(target, &event);
-        };
-        const QString main = QStringLiteral(":/help/waveform_editor.html");
-        f1(gui->waveView());
-        QCOMPARE(BaseHelp::currentPage(), main + QStringLiteral("#wave_display"));
-        QVERIFY(BaseHelp::helpWindow()->isVisible());
-        f1(gui.get());
-        QCOMPARE(BaseHelp::currentPage(), main);
-        // Each dock has its own page.
-        for (const auto& [dock, page] : QList<std::pair<QDockWidget*, const char*>>{{gui->editDlg(), "pulse_property"},
-                 {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}}) {
-            f1(dock->widget()->findChildren<QWidget*>().last());
-            QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/%1.html").arg(QLatin1String(page)));
-        }
-        BaseHelp::helpWindow()->hide();
-        gui->sharedAction(QStringLiteral("help"))->trigger();
-        QVERIFY(BaseHelp::helpWindow()->isVisible());
-        // What's-this texts are the marked sections of the pages.
-        QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
-                 QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
-        BaseHelp::helpWindow()->hide();
     }
 
     // The topic of every help call in the sources (a literal, or a name defined in that file), and every link of every page.
