@@ -151,9 +151,7 @@ private Q_SLOTS:
     }
     void importVcd()
     {
-        QFETCH(QByteArray, vcd);
-        QFETCH(QString, steps);
-        QFETCH(QString, outcome);
+        QFETCH(QByteArray, vcd); QFETCH(QString, steps); QFETCH(QString, outcome);
         QVERIFY(writeFile(path("sim.vcd"), vcd));
         const bool imported = outcome.contains(" unit ");
         if (steps == "edit")
@@ -209,11 +207,8 @@ private Q_SLOTS:
     }
     void showAndRemove()
     {
-        QFETCH(bool, showMode);
-        QFETCH(QString, hidden);
-        QFETCH(int, unticked);
-        QFETCH(QString, listed);
-        QFETCH(QString, picked);
+        QFETCH(bool, showMode); QFETCH(QString, hidden); QFETCH(int, unticked);
+        QFETCH(QString, listed); QFETCH(QString, picked);
         for (const QString& name : hidden.split(' ', Qt::SkipEmptyParts))
             gui->hideWave(gui->document()->findWavebyName(name));
         const QByteArray saved = savedText(*gui);
@@ -259,8 +254,7 @@ private Q_SLOTS:
     }
     void slotsOpenDialogsWithHelp()
     {
-        QFETCH(QByteArray, slot);
-        QFETCH(QString, topic);
+        QFETCH(QByteArray, slot); QFETCH(QString, topic);
         const QString title = QString::fromLatin1(QTest::currentDataTag());
         const QString page = ":/help/" + topic + ".html";
         QStringList seen;

@@ -61,10 +61,9 @@ private Q_SLOTS:
 
     void failedSave_data()
     {
-        QTest::addColumn<QString>("fault");
-        QTest::newRow("folder removed") << "removed";
-        QTest::newRow("file size limit") << "limit";
-        QTest::newRow("read-only folder") << "read-only";
+        QTest::addColumn<QString>("fault");   // folder removed, file size limit, read-only folder
+        for (const char* fault : {"removed", "limit", "read-only"})
+            QTest::newRow(fault) << QString(fault);
     }
     void failedSave()
     {
@@ -120,8 +119,7 @@ private Q_SLOTS:
     }
     void changedWhileActive()
     {
-        QFETCH(bool, rename);
-        QFETCH(int, answer);
+        QFETCH(bool, rename); QFETCH(int, answer);
         const auto gui = openShown(m_file, QSize(800, 500));
         QVERIFY(gui);
         const QByteArray shown = savedText(*gui);
@@ -203,9 +201,7 @@ private Q_SLOTS:
     }
     void killedMidEdit()
     {
-        QFETCH(bool, untitled);
-        QFETCH(QString, end);
-        QFETCH(int, answer);
+        QFETCH(bool, untitled); QFETCH(QString, end); QFETCH(int, answer);
         const QByteArray original = readFile(m_file);
 
         QProcess child;

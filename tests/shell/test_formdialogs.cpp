@@ -86,10 +86,7 @@ private Q_SLOTS:
     }
     void ok()
     {
-        QFETCH(QString, input);
-        QFETCH(QString, output);
-        QFETCH(int, type);
-        QFETCH(QString, box);
+        QFETCH(QString, input); QFETCH(QString, output); QFETCH(int, type); QFETCH(QString, box);
         QVERIFY(writeFile(tmp_.filePath(QStringLiteral("clash.wdl")),
                           "a { A I Default NRZ 0 1 50 } = 1 5;\nA { A I Default NRZ 0 1 50 } = 0 5;\n"));
         input.replace(QLatin1Char('@'), tmp_.path());
@@ -145,9 +142,7 @@ private Q_SLOTS:
     }
     void addNewWave()
     {
-        QFETCH(QString, typed);
-        QFETCH(int, kind);
-        QFETCH(QString, outcome);
+        QFETCH(QString, typed); QFETCH(int, kind); QFETCH(QString, outcome);
         const bool refused = outcome.endsWith('.');
         guitest::Tool t(kSmallDoc);
         NewWaveDlg dialog(t.gui.get());
@@ -184,10 +179,7 @@ private Q_SLOTS:
     }
     void timeSettings()
     {
-        QFETCH(int, unit);
-        QFETCH(int, decimals);
-        QFETCH(int, newUnit);
-        QFETCH(int, newDecimals);
+        QFETCH(int, unit); QFETCH(int, decimals); QFETCH(int, newUnit); QFETCH(int, newDecimals);
         QByteArray text = kSmallDoc;
         text.replace("%SMALLESTUNIT = 9;", "%SMALLESTUNIT = " + QByteArray::number(unit) + ';');
         text.replace("%DECIMALS = 0;", "%DECIMALS = " + QByteArray::number(decimals) + ';');

@@ -37,11 +37,8 @@ private Q_SLOTS:
     }
     void saveQuestion()
     {
-        QFETCH(QString, command);
-        QFETCH(int, answer);
-        QFETCH(bool, saved);
-        QFETCH(QString, fileAfter);
-        QFETCH(bool, modifiedAfter);
+        QFETCH(QString, command); QFETCH(int, answer); QFETCH(bool, saved);
+        QFETCH(QString, fileAfter); QFETCH(bool, modifiedAfter);
         const auto shown = openShown(m_file, QSize(800, 500));
         QVERIFY(shown);
         VokGUI& gui = *shown;
@@ -174,8 +171,7 @@ private Q_SLOTS:
     }
     void autoSave()
     {
-        QFETCH(int, index);
-        QFETCH(int, interval);
+        QFETCH(int, index); QFETCH(int, interval);
         BaseUsrSettings(QStringLiteral("WAVE_EDITOR")).setValue(QStringLiteral("auto_save"), QString::number(index));
         const auto gui = openTool(m_file);
         QTimer* timer = gui->autoSaveTimer();

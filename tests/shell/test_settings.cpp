@@ -150,9 +150,7 @@ private Q_SLOTS:
     }
     void recentFilesMenu()
     {
-        QFETCH(QString, opened);
-        QFETCH(QString, deleted);
-        QFETCH(QString, menu);
+        QFETCH(QString, opened); QFETCH(QString, deleted); QFETCH(QString, menu);
         auto gui = openTool(doc("start.wdl"));
         for (const QString& name : opened.split(' '))
             gui->openFile(doc(name + ".wdl"));
@@ -180,9 +178,7 @@ private Q_SLOTS:
     }
     void dropDocument()
     {
-        QFETCH(QStringList, dropped);
-        QFETCH(int, answer);
-        QFETCH(QString, shown);
+        QFETCH(QStringList, dropped); QFETCH(int, answer); QFETCH(QString, shown);
         QVERIFY(QDir(dir_.path()).mkpath("dir.wdl"));
         auto gui = openTool(doc("start.wdl"));
         if (answer)
@@ -212,8 +208,7 @@ private Q_SLOTS:
     }
     void longWorkWithProgress()
     {
-        QFETCH(QString, work);
-        QFETCH(bool, cancel);
+        QFETCH(QString, work); QFETCH(bool, cancel);
         const QString big = doc("big.wdl", 600);
         auto gui = openTool(work == "print" ? big : doc("start.wdl"));
         auto answerer = cancel && work == "open" ? std::make_unique<ModalAnswerer>(QList<Answer>{press(QMessageBox::No)}) : nullptr;

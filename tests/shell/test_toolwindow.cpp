@@ -57,7 +57,8 @@ private Q_SLOTS:
         QVERIFY(copyWritable(exampleFile(QStringLiteral("counter.wdl")), m_file));
     }
 
-    void namesTitlesAndModes()
+    // Names, titles and the dirty mark; help from keys and menus everywhere; hosted, the wiring by name.
+    void namesTitlesHelpAndWiring()
     {
         // A quoted name, as shells and hosts pass paths with spaces.
         const auto gui = openTool(QLatin1Char('"') + m_file + QLatin1Char('"'));
@@ -67,9 +68,32 @@ private Q_SLOTS:
         QVERIFY(!gui->document()->waves.isEmpty() && gui->getModifiedFileList().isEmpty());
         gui->SetDirtyBit();
         gui->SetDirtyBit();   // never two marks
-        QCOMPARE(gui->windowTitle(), title + QLatin1Char('*'));
-        QCOMPARE(gui->getModifiedFileList(), QStringList{m_file});
+        QCOMPARE(QStringList{gui->windowTitle()} + gui->getModifiedFileList(), (QStringList{title + '*', m_file}));
         QVERIFY(gui->needToBeClosed(11, 0) && !gui->needToBeClosed(10, 0));
+
+        auto f1 = [](QObject* target) {
+            QKeyEvent event(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
+            QCoreApplication::sendEvent(target, &event);
+        };
+        const QString main = QStringLiteral(":/help/waveform_editor.html");
+        f1(gui->waveView());
+        QCOMPARE(BaseHelp::currentPage(), main + QStringLiteral("#wave_display"));
+        QVERIFY(BaseHelp::helpWindow()->isVisible());
+        f1(gui.get());
+        QCOMPARE(BaseHelp::currentPage(), main);
+        // Each dock has its own page.
+        for (const auto& [dock, page] : QList<std::pair<QDockWidget*, const char*>>{{gui->editDlg(), "pulse_property"},
+                 {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}}) {
+            f1(dock->widget()->findChildren<QWidget*>().last());
+            QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/%1.html").arg(QLatin1String(page)));
+        }
+        BaseHelp::helpWindow()->hide();
+        gui->sharedAction(QStringLiteral("help"))->trigger();
+        QVERIFY(BaseHelp::helpWindow()->isVisible());
+        // What's-this texts are the marked sections of the pages.
+        QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
+                 QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
+        BaseHelp::helpWindow()->hide();
 
         // Hosted, a missing file opens untitled, with nothing on disk to name.
         const auto hosted = openTool(m_dir.filePath(QStringLiteral("missing.wdl")), false);
@@ -172,34 +196,6 @@ private Q_SLOTS:
         QCOMPARE(enabled(), QString("1111 11 111111 110100"));
     }
 
-    void helpFromKeysAndMenus()
-    {
-        const auto gui = openTool(m_file);
-        auto f1 = [](QObject* target) {
-            QKeyEvent event(QEvent::KeyRelease, Qt::Key_F1, Qt::NoModifier);
-            QCoreApplication::sendEvent(target, &event);
-        };
-        const QString main = QStringLiteral(":/help/waveform_editor.html");
-        f1(gui->waveView());
-        QCOMPARE(BaseHelp::currentPage(), main + QStringLiteral("#wave_display"));
-        QVERIFY(BaseHelp::helpWindow()->isVisible());
-        f1(gui.get());
-        QCOMPARE(BaseHelp::currentPage(), main);
-        // Each dock has its own page.
-        for (const auto& [dock, page] : QList<std::pair<QDockWidget*, const char*>>{{gui->editDlg(), "pulse_property"},
-                 {gui->waveDataDlg(), "waveform_property"}, {gui->patternDlg(), "insert_pattern"}}) {
-            f1(dock->widget()->findChildren<QWidget*>().last());
-            QCOMPARE(BaseHelp::currentPage(), QStringLiteral(":/help/%1.html").arg(QLatin1String(page)));
-        }
-        BaseHelp::helpWindow()->hide();
-        gui->sharedAction(QStringLiteral("help"))->trigger();
-        QVERIFY(BaseHelp::helpWindow()->isVisible());
-        // What's-this texts are the marked sections of the pages.
-        QCOMPARE(BaseHelp::getWhatsThisText(QStringLiteral("waveform_editor"), QStringLiteral("wave_display")),
-                 QStringLiteral("<a name=\"wave_display\"></a>Mouse and keys"));
-        BaseHelp::helpWindow()->hide();
-    }
-
     // The topic of every help call in the sources (a literal, or a name defined in that file), and every link of every page.
     void everyPlaceResolves_data()
     {
@@ -221,17 +217,12 @@ private Q_SLOTS:
                 }
             }
         }
-        QDirIterator pages(QStringLiteral(":/help"), {QStringLiteral("*.html")});
-        int count = 0;
-        for (; pages.hasNext(); ++count) {
-            const QString page = pages.next();
-            for (const QRegularExpressionMatch& m : QRegularExpression(QStringLiteral("href=\"([^\"]*)\"")).globalMatch(textOf(page))) {
-                const QString target = m.captured(1);
-                QTest::addRow("%s -> %s", qPrintable(pages.fileName()), qPrintable(target))
-                    << (target.startsWith(QLatin1Char('#')) ? page : QStringLiteral(":/help/")) + target;
-            }
-        }
-        QVERIFY(count >= 17);
+        const QStringList pages = QDir(QStringLiteral(":/help")).entryList({QStringLiteral("*.html")});
+        QVERIFY(pages.size() >= 17);
+        for (const QString& page : pages)
+            for (const QRegularExpressionMatch& m : QRegularExpression("href=\"([^\"]*)\"").globalMatch(textOf(":/help/" + page)))
+                QTest::addRow("%s -> %s", qPrintable(page), qPrintable(m.captured(1)))
+                    << ":/help/" + (m.captured(1).startsWith('#') ? page : QString()) + m.captured(1);
     }
     void everyPlaceResolves()
     {
@@ -267,11 +258,7 @@ private Q_SLOTS:
     // Further windows from New and Open, found again by any spelling; closed, they go.
     void furtherWindowsComeAndGo()
     {
-        ToolHost host([](const QStringList& files) -> BasGUITool* {
-            auto tool = openTool(files.value(0), false);
-            tool->resize(800, 500);
-            return tool.release();
-        });
+        ToolHost host([](const QStringList& files) -> BasGUITool* { return openTool(files.value(0), false).release(); });
         QSignalSpy raised(&host, &ToolHost::toolRaised), closed(&host, &ToolHost::lastToolClosed);
         const int n = VokGUI::untitledCounter();
         auto* first = qobject_cast<VokGUI*>(host.open({}));

@@ -71,17 +71,13 @@ inline std::unique_ptr<kesu::toolvok::VokGUI> laidOutTool()
     return gui;
 }
 
-// As openTool, shown and exposed; null, with the reason logged, on failure.
+// As openTool, shown and exposed; null if it never was.
 inline std::unique_ptr<kesu::toolvok::VokGUI> openShown(const QString& path, QSize size)
 {
     auto gui = openTool(path);
     gui->resize(size);
     gui->show();
-    if (!QTest::qWaitForWindowExposed(gui.get())) {
-        qWarning("the tool window was never exposed");
-        return nullptr;
-    }
-    return gui;
+    return QTest::qWaitForWindowExposed(gui.get()) ? std::move(gui) : nullptr;
 }
 
 } // namespace toolfixture
