@@ -118,9 +118,7 @@ private Q_SLOTS:
     }
     void exitCodes()
     {
-        QFETCH(QStringList, args);
-        QFETCH(int, code);
-        QFETCH(QString, line);
+        QFETCH(QStringList, args); QFETCH(int, code); QFETCH(QString, line);
         const QString old = written(QStringLiteral("old.png"), "not overwritten");
         const auto run = wdl(args);
         QCOMPARE(run.code, code);
@@ -152,10 +150,7 @@ private Q_SLOTS:
     }
     void render()
     {
-        QFETCH(int, waves);
-        QFETCH(QStringList, options);
-        QFETCH(QString, out);
-        QFETCH(QString, expected);
+        QFETCH(int, waves); QFETCH(QStringList, options); QFETCH(QString, out); QFETCH(QString, expected);
         const QString pdfinfo = QStandardPaths::findExecutable(QStringLiteral("pdfinfo"));
         if (out.endsWith(QLatin1String(".pdf")) && pdfinfo.isEmpty())
             QSKIP("pdfinfo (poppler-utils) is not installed");

@@ -129,13 +129,8 @@ private Q_SLOTS:
     }
     void pulseControls()
     {
-        QFETCH(QString, wave);
-        QFETCH(QList<int>, pulses);
-        QFETCH(QString, control);
-        QFETCH(QString, input);
-        QFETCH(QString, message);
-        QFETCH(QByteArray, edited);
-        QFETCH(int, span);
+        QFETCH(QString, wave); QFETCH(QList<int>, pulses); QFETCH(QString, control); QFETCH(QString, input);
+        QFETCH(QString, message); QFETCH(QByteArray, edited); QFETCH(int, span);
         Docks t;
         t.pick(wave, pulses);
         t->changeRange(0, 1);
@@ -173,10 +168,7 @@ private Q_SLOTS:
     }
     void shownForAPick()
     {
-        QFETCH(QString, wave);
-        QFETCH(QList<int>, pulses);
-        QFETCH(bool, checked);
-        QFETCH(QString, summary);
+        QFETCH(QString, wave); QFETCH(QList<int>, pulses); QFETCH(bool, checked); QFETCH(QString, summary);
         Docks t;
         t.pick(wave, pulses);
         QTEST(t.control<QCheckBox>("forever")->isEnabled(), "enabled");
@@ -213,10 +205,7 @@ private Q_SLOTS:
     }
     void busValue()
     {
-        QFETCH(int, width);
-        QFETCH(int, radix);
-        QFETCH(QString, typed);
-        QFETCH(QString, stored);
+        QFETCH(int, width); QFETCH(int, radix); QFETCH(QString, typed); QFETCH(QString, stored);
         const QString name = QStringLiteral("b[%1:0]").arg(width - 1);
         const QByteArray head = name.toLatin1() + " { B I Default NRZ 0 1 50 } = ";
         const QByteArray original = wdl({head + "1 10 2 10;"});
@@ -269,10 +258,7 @@ private Q_SLOTS:
     }
     void insertPatterns()
     {
-        QFETCH(QString, wave);
-        QFETCH(int, pulse);
-        QFETCH(QString, patterns);
-        QFETCH(QByteArray, edited);
+        QFETCH(QString, wave); QFETCH(int, pulse); QFETCH(QString, patterns); QFETCH(QByteArray, edited);
         Docks t;
         PatternDlg* dlg = t->patternDlg();
         dlg->LoadData();

@@ -71,8 +71,7 @@ private Q_SLOTS:
     }
     void editOperations()
     {
-        QFETCH(QString, script);
-        QFETCH(QStringList, changed);
+        QFETCH(QString, script); QFETCH(QStringList, changed);
         Window t(kDoc);
         t.editMode(true);
         for (const QString& step : script.split(QLatin1Char(' '))) {

@@ -213,9 +213,7 @@ private Q_SLOTS:
 
     void undoRedoRestoresText()
     {
-        QFETCH(QString, file);
-        QFETCH(quint32, seed);
-        QFETCH(int, steps);
+        QFETCH(QString, file); QFETCH(quint32, seed); QFETCH(int, steps);
         Tool t(toolfixture::readFile(toolfixture::exampleFile(file)));
         t.editMode(true);
         QUndoStack* stack = t->undoStack();

@@ -106,8 +106,7 @@ private Q_SLOTS:
     }
     void foreverUndoRestoresWhatRedoMerged()
     {
-        QFETCH(QString, name);
-        QFETCH(int, index);
+        QFETCH(QString, name); QFETCH(int, index);
         Window t(kDoc);
         WaveData* w = t.wave(name);
         // The Pulse Properties view clears the old mark before it pushes.

@@ -189,10 +189,7 @@ private Q_SLOTS:
     }
     void testBenchChecksTheDesign()
     {
-        QFETCH(QString, std);
-        QFETCH(int, unit);
-        QFETCH(int, decimals);
-        QFETCH(QByteArray, rIs);
+        QFETCH(QString, std); QFETCH(int, unit); QFETCH(int, decimals); QFETCH(QByteArray, rIs);
         const QString dir = tmp_.filePath(QStringLiteral("tb%1").arg(QTest::currentDataTag()[0] == 'c' ? unit : 0));
         QVERIFY(QDir().mkpath(dir));
         Values values{std::mt19937(7)};
@@ -285,9 +282,7 @@ private Q_SLOTS:
     }
     void errors()
     {
-        QFETCH(QStringList, args);
-        QFETCH(int, code);
-        QFETCH(QString, message);
+        QFETCH(QStringList, args); QFETCH(int, code); QFETCH(QString, message);
         args.replaceInStrings(QStringLiteral("@"), tmp_.path());
         message.replace(QStringLiteral("@"), tmp_.path());
         const QString out = args.filter(QStringLiteral("-out=")).value(0).mid(5);

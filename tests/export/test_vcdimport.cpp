@@ -46,8 +46,7 @@ private Q_SLOTS:
     }
     void simulatorDumpsComeIn()
     {
-        QFETCH(QString, simulator);
-        QFETCH(QByteArray, source);
+        QFETCH(QString, simulator); QFETCH(QByteArray, source);
         const QString dir = file(simulator);
         QVERIFY(QDir().mkpath(dir));
         Run run;
@@ -119,9 +118,7 @@ private Q_SLOTS:
     }
     void importsExactly()
     {
-        QFETCH(QByteArray, vcd);
-        QFETCH(QStringList, options);
-        QFETCH(QByteArray, expected);
+        QFETCH(QByteArray, vcd); QFETCH(QStringList, options); QFETCH(QByteArray, expected);
         QVERIFY(writeFile(file("in.vcd"), vcd));
         QFile::remove(file("out.wdl"));
         const Run run = testprograms::wdl(QStringList{"import-vcd", "in.vcd", "-out=out.wdl"} + options, tmp_.path());
@@ -161,8 +158,7 @@ private Q_SLOTS:
     }
     void waveJson()
     {
-        QFETCH(QByteArray, document);
-        QFETCH(QByteArray, expected);
+        QFETCH(QByteArray, document); QFETCH(QByteArray, expected);
         QVERIFY(writeFile(file("doc.wdl"), document));
         const Run run = testprograms::wdl({"export", "wavejson", "doc.wdl", "-out=doc.json"}, tmp_.path());
         QVERIFY2(run.code == 0, run.err.constData());

@@ -23,8 +23,7 @@ private Q_SLOTS:
     }
     void finding()
     {
-        QFETCH(QString, target);
-        QFETCH(QString, path);
+        QFETCH(QString, target); QFETCH(QString, path);
         const fuzzchecks::Check check = fuzzchecks::checkNamed(target);
         QVERIFY2(check, qPrintable(QStringLiteral("no fuzz target named ") + target));
         const QByteArray bytes = testfiles::readFile(path);

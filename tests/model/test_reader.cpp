@@ -116,8 +116,7 @@ private Q_SLOTS:
     }
     void segmentLists()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, expected);
+        QFETCH(QString, text); QFETCH(QString, expected);
         auto doc = load(text);
         const WaveData* w = *std::find_if(doc->waves.begin(), doc->waves.end(), [](auto* v) { return !v->isPattern; });
         QCOMPARE(segments(w), expected);
@@ -188,8 +187,7 @@ private Q_SLOTS:
     }
     void rawText()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(bool, asText);
+        QFETCH(QByteArray, bytes); QFETCH(bool, asText);
         // Text decoding drops one leading mark of its own.
         auto doc = asText ? load(QString::fromUtf8(bytes)) : loadBytes(bytes);
         QByteArrayList waves;
@@ -275,8 +273,7 @@ private Q_SLOTS:
     }
     void limits()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, outcome);
+        QFETCH(QString, text); QFETCH(QString, outcome);
         for (const bool device : {false, true}) {
             auto doc = device ? loadBytes(text.toUtf8()) : load(text);
             QStringList waves;

@@ -46,10 +46,7 @@ private Q_SLOTS:
     }
     void shown()
     {
-        QFETCH(QString, kind);
-        QFETCH(QString, value);
-        QFETCH(int, unitOrWidth);
-        QFETCH(int, decimalsOrRadix);
+        QFETCH(QString, kind); QFETCH(QString, value); QFETCH(int, unitOrWidth); QFETCH(int, decimalsOrRadix);
         QTEST(kind == "bus" ? TimeText::busValueString(value.toStdString(), unitOrWidth, decimalsOrRadix)
                             : TimeText::timeString(value.toULongLong(), kind == "time", unitOrWidth, decimalsOrRadix),
               "expected");
@@ -79,11 +76,7 @@ private Q_SLOTS:
     }
     void parseTime()
     {
-        QFETCH(QString, text);
-        QFETCH(int, unit);
-        QFETCH(int, decimals);
-        QFETCH(quint64, expected);
-        QFETCH(bool, ok);
+        QFETCH(QString, text); QFETCH(int, unit); QFETCH(int, decimals); QFETCH(quint64, expected); QFETCH(bool, ok);
         bool converted = !ok;
         const quint64 ticks = TimeText::parseTime(converted, text, unit, decimals);
         QTEST(converted, "ok");
@@ -152,8 +145,7 @@ private Q_SLOTS:
     }
     void rejectsTextThatIsNoNumber()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(int, radix);
+        QFETCH(QByteArray, text); QFETCH(int, radix);
         const BigInteger b(text.toStdString(), radix);
         QVERIFY(!b.isNumber() && !b.isValid(64) && !b.bitAt(0));
         // The text is handed back as it came, so callers can show it unchanged.

@@ -191,9 +191,7 @@ private Q_SLOTS:
     }
     void checkBusElements()
     {
-        QFETCH(QString, name);
-        QFETCH(QStringList, elements);
-        QFETCH(QString, message);
+        QFETCH(QString, name); QFETCH(QStringList, elements); QFETCH(QString, message);
         auto doc = load("d[3:0]" + Attr + "0 1;\nx" + Attr + "0 1;\ne[p,q]" + Attr + "0 1;\n");
         WaveData candidate(name);
         candidate.isBus = !elements.isEmpty();
@@ -223,12 +221,8 @@ private Q_SLOTS:
     }
     void undoRedo()
     {
-        QFETCH(QString, wave);
-        QFETCH(int, first);
-        QFETCH(int, count);
-        QFETCH(QString, replacement);
-        QFETCH(int, forever);
-        QFETCH(QList<int>, change);
+        QFETCH(QString, wave); QFETCH(int, first); QFETCH(int, count); QFETCH(QString, replacement);
+        QFETCH(int, forever); QFETCH(QList<int>, change);
         auto w = makeWave("w", wave, 10);
         const qint32 foreverBefore = w->foreverIndex;
         const QList<Pattern*> outside = w->patterns.mid(0, first) + w->patterns.mid(first + count);

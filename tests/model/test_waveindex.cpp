@@ -28,8 +28,7 @@ private Q_SLOTS:
     }
     void lookupsAsWalks()
     {
-        QFETCH(QString, wave);
-        QFETCH(quint64, offset);
+        QFETCH(QString, wave); QFETCH(quint64, offset);
         auto w = makeWave("w", wave, offset);
         for (quint64 shift : {0, 1000}) {   // a new offset needs no report
             w->offset = offset + shift;

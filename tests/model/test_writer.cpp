@@ -62,10 +62,7 @@ private Q_SLOTS:
     }
     void statements()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, segs);
-        QFETCH(QList<qint64>, attrs);
-        QFETCH(QByteArray, expected);
+        QFETCH(QString, name); QFETCH(QString, segs); QFETCH(QList<qint64>, attrs); QFETCH(QByteArray, expected);
         WaveformData doc;
         std::tie(doc.masterClockMult, doc.smallestUnit, doc.autoAssign, doc.decimals) = std::make_tuple(-3, 9, 2, 3);
         doc.endTime = NoTime;
@@ -108,10 +105,7 @@ private Q_SLOTS:
     }
     void duplicateReadsBackAlike()
     {
-        QFETCH(QString, declaration);
-        QFETCH(int, earlier);
-        QFETCH(QString, copy);
-        QFETCH(QStringList, elements);
+        QFETCH(QString, declaration); QFETCH(int, earlier); QFETCH(QString, copy); QFETCH(QStringList, elements);
         auto doc = load(declaration);
         QCOMPARE(doc->waves.size(), 1);
         const WaveData* original = doc->waves.first();

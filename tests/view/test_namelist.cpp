@@ -128,10 +128,7 @@ private Q_SLOTS:
     }
     void dragMovesOneStepPerRow()
     {
-        QFETCH(int, expand);
-        QFETCH(int, from);
-        QFETCH(QList<int>, over);
-        QFETCH(QStringList, order);
+        QFETCH(int, expand); QFETCH(int, from); QFETCH(QList<int>, over); QFETCH(QStringList, order);
         if (expand >= 0)
             w_->doubleClickRow(expand);
         WaveData* dragged = w_->list()->waveAt(from);

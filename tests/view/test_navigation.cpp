@@ -188,10 +188,7 @@ private Q_SLOTS:
     }
     void zoomArea()
     {
-        QFETCH(quint64, start);
-        QFETCH(quint64, step);
-        QFETCH(Qt::MouseButton, button);
-        QFETCH(int, fromX);
+        QFETCH(quint64, start); QFETCH(quint64, step); QFETCH(Qt::MouseButton, button); QFETCH(int, fromX);
         QFETCH(int, toX);
         setView(start, step);
         const quint64 cursor = setCursor(777);
@@ -264,10 +261,7 @@ private Q_SLOTS:
     }
     void jumps()
     {
-        QFETCH(QString, wave);
-        QFETCH(quint64, cursor);
-        QFETCH(int, action);
-        QFETCH(quint64, landed);
+        QFETCH(QString, wave); QFETCH(quint64, cursor); QFETCH(int, action); QFETCH(quint64, landed);
         setView(0, 10);
         gui_->setActiveWave(w_->wave(wave));
         QCOMPARE(setCursor(cursor), cursor);

@@ -60,9 +60,7 @@ private Q_SLOTS:
     }
     void firstPage()
     {
-        QFETCH(int, scale);
-        QFETCH(bool, names);
-        QFETCH(bool, ruler);
+        QFETCH(int, scale); QFETCH(bool, names); QFETCH(bool, ruler);
         Tool tool(Pair);
         tool->changeStep(1);
         tool.wave("c")->offset = 10;
@@ -117,10 +115,7 @@ private Q_SLOTS:
     }
     void pages()
     {
-        QFETCH(int, waves);
-        QFETCH(int, height);
-        QFETCH(int, scale);
-        QFETCH(quint64, end);
+        QFETCH(int, waves); QFETCH(int, height); QFETCH(int, scale); QFETCH(quint64, end);
         Tool tool(waves ? ::waves(waves) : crowded());
         tool->changeStep(waves ? 1 : 100);
         tool->printSettings() = {40, end, PrintSettings::Customized, scale, false};
@@ -193,9 +188,7 @@ private Q_SLOTS:
     }
     void customizedRange()
     {
-        QFETCH(QString, start);
-        QFETCH(QString, end);
-        QFETCH(QString, error);
+        QFETCH(QString, start); QFETCH(QString, end); QFETCH(QString, error);
         Tool tool(Pair);
         PageSetupDlg dlg(tool->printer(), tool.gui.get());
         QCOMPARE(dlg.rangeBox()->itemText(2), QStringLiteral("Print Cusomized Range"));

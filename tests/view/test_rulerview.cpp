@@ -61,9 +61,7 @@ private Q_SLOTS:
     }
     void rulerTicksFromTheStart()
     {
-        QFETCH(quint64, start);
-        QFETCH(int, minors);
-        QFETCH(quint64, labelStart);
+        QFETCH(quint64, start); QFETCH(int, minors); QFETCH(quint64, labelStart);
         setView(start, 10);
         const QImage img = paintRuler();
         // Height 50, half 25: minor ticks from y 40, major ticks from y 35.

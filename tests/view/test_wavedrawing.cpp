@@ -130,10 +130,7 @@ private Q_SLOTS:
     }
     void scenes()
     {
-        QFETCH(QString, scene);
-        QFETCH(quint64, start);
-        QFETCH(quint64, step);
-        QFETCH(int, radix);
+        QFETCH(QString, scene); QFETCH(quint64, start); QFETCH(quint64, step); QFETCH(int, radix);
         QFETCH(QString, expected);
         static const QRegularExpression form(QStringLiteral("^([+~]?)([^@/]*)@?(\\d*)/?(\\d*)$"));
         for (const QString& wave : scene.split(QLatin1Char('|'))) {
@@ -243,8 +240,7 @@ private Q_SLOTS:
     }
     void gatheredPaintingEqualsDirectPainting()
     {
-        QFETCH(quint64, start);
-        QFETCH(quint64, step);
+        QFETCH(quint64, start); QFETCH(quint64, step);
         QString mixed, busy, tail;
         for (int i = 0; i < 3000; ++i) {
             const char* values[] = {"0", "1", "1", "-1", "0", "-2", "1", "0"};

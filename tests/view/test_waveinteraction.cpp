@@ -43,10 +43,7 @@ private Q_SLOTS:
     }
     void rangeSelectionSnapsToSegmentEdges()
     {
-        QFETCH(int, row);
-        QFETCH(double, from);
-        QFETCH(double, to);
-        QFETCH(QList<int>, picked);
+        QFETCH(int, row); QFETCH(double, from); QFETCH(double, to); QFETCH(QList<int>, picked);
         Window& w = open({LineA, LineB, "clk { A I Default NRZ 0 1 50 } = 0 4(1 3 0 3)##;"});
         w.drag(timeX(from), timeX(to), rowY(row));
         WaveData* wave = w->document()->waves.at(row);
@@ -107,12 +104,8 @@ private Q_SLOTS:
     }
     void edgeDragIsOneUndoStep()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(int, clickX);
-        QFETCH(int, pressX);
-        QFETCH(bool, shift);
-        QFETCH(QList<int>, moves);
-        QFETCH(QByteArray, dragged);
+        QFETCH(QByteArray, text); QFETCH(int, clickX); QFETCH(int, pressX); QFETCH(bool, shift);
+        QFETCH(QList<int>, moves); QFETCH(QByteArray, dragged);
         Window& w = open({text, LineB});
         const QByteArray before = w.saved();
         const QByteArray expected = text.left(text.indexOf(" = ") + 3) + dragged + ";";
