@@ -31,6 +31,11 @@ inline bool addDuration(qint32& into, qint64 more)
     return true;
 }
 
+inline QString meltReason()
+{
+    return QStringLiteral("equal segments here melt into one longer than %1 time units").arg(INT32_MAX);
+}
+
 // One segment to be: a value, its duration, and the "$" references it holds
 // (the one whose placeholder starts it, and those that melted into it).
 struct Run {

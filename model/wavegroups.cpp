@@ -29,11 +29,6 @@ qint64 product(qint64 a, qint64 b)
     return a != 0 && b > Saturated / a ? Saturated : std::min(a * b, Saturated);
 }
 
-QString meltReason()
-{
-    return QStringLiteral("equal segments here melt into one longer than %1 time units").arg(INT32_MAX);
-}
-
 struct GroupToken {
     Bytes body;
     GroupSuffix suffix;

@@ -348,6 +348,7 @@ void WaveReader::compileStatement(Bytes statement, qint64 firstLine, const std::
     layStatement(right, wave);
     // After a problem the wave keeps what was laid down before it.
     doc_.addWave(wave);
+    laidWaves_.emplace_back(wave, firstLine);
 }
 
 QStringList WaveReader::tokens(const QString& text)

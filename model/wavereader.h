@@ -83,6 +83,10 @@ public:
     // Records each placeholder still waiting in its wave's patternNames, for
     // callers that compile statements one at a time.
     void publishPlaceholders();
+    // A segment that melting left without duration is what the writer cannot
+    // write: it goes, and its neighbours melt as a reading of the saved file
+    // would melt them.
+    void dropVoidSegments();
 
     bool failed() const { return failed_; }
     // Stops the reading: the first problem is the one the document keeps.
@@ -152,6 +156,8 @@ private:
     std::vector<qint64> blockReferences_;   // how many references each stands for
     std::vector<QString> names_;
     std::unordered_map<std::string, qint32> nameIds_;
+    // The waves of whole statements, with the line each starts on.
+    std::vector<std::pair<WaveData*, qint64>> laidWaves_;
 };
 
 } // namespace kesu::toolvok

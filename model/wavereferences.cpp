@@ -2,6 +2,7 @@
 // placeholder laid down by the reader becomes the named pattern's segments.
 #include "wavereader.h"
 
+#include "runlist.h"
 #include "waveformdata.h"
 
 #include <QHash>
@@ -223,6 +224,57 @@ void WaveReader::resolvePatternReferences()
     placeholders_.clear();
     blocks_.clear();
     blockReferences_.clear();
+    dropVoidSegments();
+}
+
+void WaveReader::dropVoidSegments()
+{
+    for (size_t w = 0; w < laidWaves_.size(); ++w) {
+        WaveData* const wave = laidWaves_[w].first;
+        const auto voidAt = std::find_if(wave->patterns.cbegin(), wave->patterns.cend(),
+                                         [](const Pattern* p) { return p->duration == 0; });
+        if (voidAt == wave->patterns.cend())
+            continue;
+        // Laid down again as the reader lays the written text: a segment of
+        // no duration cancels a forever mark, and one that melts drops it.
+        QList<Pattern*> kept;
+        kept.reserve(wave->patterns.size());
+        qint32 forever = -1;
+        qsizetype next = 0;
+        bool tooLong = false;
+        for (; next < wave->patterns.size() && !tooLong; ++next) {
+            Pattern* p = wave->patterns.at(next);
+            const bool mark = p->forever && wave->foreverIndex != -1;
+            p->forever = false;
+            if (p->duration != 0 && (kept.isEmpty() || !melts(kept.last()->value, p->value, wave->isBus))) {
+                p->forever = mark;
+                if (mark)
+                    forever = qint32(kept.size());
+                kept.append(p);
+                continue;
+            }
+            tooLong = p->duration != 0 && !addDuration(kept.last()->duration, p->duration);
+            wave->patternNames.remove(p);
+            delete p;
+        }
+        // Melting beyond 32 bits fails that reading where it fails this one:
+        // the wave ends before the segment, and no later wave is read.
+        for (qsizetype k = next; k < wave->patterns.size(); ++k) {
+            wave->patternNames.remove(wave->patterns.at(k));
+            delete wave->patterns.at(k);
+        }
+        wave->patterns.swap(kept);
+        wave->foreverIndex = forever;
+        wave->segmentsChanged(0);
+        if (tooLong) {
+            for (size_t later = w + 1; later < laidWaves_.size(); ++later)
+                doc_.removeWave(laidWaves_[later].first);
+            laidWaves_.resize(w + 1);
+            failed_ = true;
+            doc_.loadError = {laidWaves_[w].second, meltReason()};
+        }
+    }
+    laidWaves_.clear();
 }
 
 } // namespace kesu::toolvok
