@@ -18,6 +18,7 @@ LineBatch::LineBatch(QPainter& painter, int& count, bool direct, const QColor& d
       count_(count),
       direct_(direct),
       raster_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Raster),
+      pixels_(painter),
       glyphRuns_(painter.paintEngine() && painter.paintEngine()->type() == QPaintEngine::Pdf)
 {
     const QString texts[] = {QStringLiteral("X"), QStringLiteral("Z"), QStringLiteral("0")};
@@ -143,7 +144,10 @@ void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRec
     // A fill without an outline leaves the painter's pen and brush alone:
     // boxes, letters and lines take turns thousands of times in a row.
     if (!direct_ && raster_ && pen.style() == Qt::NoPen) {
-        painter_.fillRect(r, brush);
+        if (pixels_.active() && brush.style() == Qt::SolidPattern && brush.color().alpha() == 255)
+            pixels_.fill(r, brush.color().rgba());
+        else
+            painter_.fillRect(r, brush);
         ++count_;
         return;
     }
@@ -319,8 +323,13 @@ void LineBatch::fillStraight(Layer& l)
     if (raster_) {
         // A solid fill needs neither pen nor brush: the painter's state stays
         // as the boxes and letters around it left it.
-        for (const QRect& r : rects_)
-            painter_.fillRect(r, l.color);
+        if (pixels_.active()) {
+            for (const QRect& r : rects_)
+                pixels_.fill(r, l.color.rgba());
+        } else {
+            for (const QRect& r : rects_)
+                painter_.fillRect(r, l.color);
+        }
     } else {
         painter_.setPen(Qt::NoPen);
         painter_.setBrush(l.brush);

@@ -8,6 +8,8 @@
 // relative order does not matter.
 #pragma once
 
+#include "directfill.h"
+
 #include <QBrush>
 #include <QColor>
 #include <QGlyphRun>
@@ -167,6 +169,7 @@ private:
     bool raster_;
     std::vector<Layer> layers_;
     std::vector<QRect> rects_;
+    DirectFill pixels_;
     QStaticText letters_[3];
     qreal ascent_ = 0;
     // A PDF or SVG engine lays out static text anew at every call; it gets
