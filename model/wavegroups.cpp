@@ -29,6 +29,11 @@ qint64 product(qint64 a, qint64 b)
     return a != 0 && b > Saturated / a ? Saturated : std::min(a * b, Saturated);
 }
 
+QString strayReason()
+{
+    return QStringLiteral("a \")\" here closes no group");
+}
+
 struct GroupToken {
     Bytes body;
     GroupSuffix suffix;
@@ -112,6 +117,10 @@ void WaveReader::readSegments(Bytes text, Sink& sink, Scope scope)
     Tokenizer tokens(text);
     Bytes token;
     while (!failed_ && tokens.next(token)) {
+        if (tokens.passedStray()) {
+            failAt(tokens.stray(), strayReason());
+            return;
+        }
         if (token.front() == '$') {
             layLeaf(sink, std::string("0"), 1, nameId(token), scope, token);
         } else if (token.front() == '(') {
@@ -278,6 +287,10 @@ void WaveReader::measureSegments(Bytes text, Scope scope, RunSummary& into)
     Tokenizer tokens(text);
     Bytes token;
     while (!failed_ && into.work <= budget_ && tokens.next(token)) {
+        if (tokens.passedStray()) {
+            failAt(tokens.stray(), strayReason());
+            return;
+        }
         RunSummary piece;
         if (token.front() == '$') {
             piece = {1, 1, 1, "0", "0"};

@@ -88,12 +88,19 @@ QString toQString(Bytes s);
 class Tokenizer
 {
 public:
-    explicit Tokenizer(Bytes text) : text_(text), grouped_(contains(text, '(')) {}
+    explicit Tokenizer(Bytes text)
+        : text_(text), grouped_(contains(text, '(')), stray_(grouped_ ? Bytes::npos : text.find(')'))
+    {
+    }
 
     bool next(Bytes& token)
     {
         return grouped_ ? nextGrouped(token) : nextPlain(token);
     }
+    // Whether the tokens handed out reach a ")" that closes no group: the
+    // writer could not write such a text back as it was read.
+    bool passedStray() const { return stray_ != Bytes::npos && pos_ > stray_; }
+    const char* stray() const { return text_.data() + stray_; }
 
 private:
     bool nextPlain(Bytes& token)
@@ -129,8 +136,8 @@ private:
             const bool cut = (open || isBlank(c)) && depth_ <= 0 && !(i + 1 < n && text_[i + 1] == '#');
             if (open)
                 ++depth_;
-            else if (c == ')')
-                --depth_;
+            else if (c == ')' && --depth_ < 0 && stray_ == Bytes::npos)
+                stray_ = i;
             if (cut) {
                 const Bytes piece = trimmed(text_.substr(start_, i - start_));
                 start_ = open ? i : i + 1;
@@ -154,6 +161,7 @@ private:
     Bytes text_;
     bool grouped_;
     bool finished_ = false;
+    size_t stray_;
     size_t pos_ = 0;
     size_t start_ = 0;
     qint64 depth_ = 0;
