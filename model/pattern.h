@@ -42,6 +42,13 @@ inline bool same(const std::string& a, const std::string& b)
 {
     return a.size() == b.size() && (a.empty() || (a[0] == b[0] && a.compare(b) == 0));
 }
+// Whether a segment of value v melts into a last segment of value last: a
+// bus keeps its written segmentation, but don't-care and high-impedance runs
+// always melt together.
+inline bool melts(const std::string& last, const std::string& v, bool bus)
+{
+    return same(last, v) && (!bus || isSpecial(last));
+}
 }
 
 // The all-ones time: "no time".

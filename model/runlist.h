@@ -14,12 +14,7 @@
 
 namespace kesu::toolvok {
 
-// Whether a segment of value v melts into a last segment of value last: the
-// rule of WaveData::addData.
-inline bool melts(const std::string& last, const std::string& v, bool bus)
-{
-    return Values::same(last, v) && (!bus || Values::isSpecial(last));
-}
+using Values::melts;
 
 // Adds to a duration; false when the sum leaves the 32-bit range.
 inline bool addDuration(qint32& into, qint64 more)

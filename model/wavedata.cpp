@@ -68,10 +68,7 @@ bool WaveData::addData(Pattern* p)
         return false;
     if (!patterns.isEmpty()) {
         Pattern* last = patterns.last();
-        // A bus keeps its written segmentation, but don't-care and high
-        // impedance runs always melt together.
-        const bool special = Values::isSpecial(last->value);
-        if (p->value == last->value && (special || !isBus)) {
+        if (Values::melts(last->value, p->value, isBus)) {
             last->duration = addDurations(last->duration, p->duration);
             segmentsChanged(int(patterns.size() - 1));
             return false;

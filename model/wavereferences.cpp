@@ -4,6 +4,7 @@
 
 #include "runlist.h"
 #include "waveformdata.h"
+#include "wdltext.h"
 
 #include <QHash>
 #include <QSet>
@@ -151,6 +152,52 @@ private:
 };
 
 } // namespace
+
+qint32 WaveReader::nameId(std::string_view token)
+{
+    const auto [it, added] = nameIds_.try_emplace(std::string(token), qint32(names_.size()));
+    if (added)
+        names_.push_back(wdltext::toQString(token));
+    return it->second;
+}
+
+void WaveReader::placeInList(WaveData* wave, Pattern* placeholder, qint32 name)
+{
+    placeholders_.push_back({wave, placeholder, {name, -1, 1}, firstLine_});
+}
+
+void WaveReader::placeMelted(WaveData* wave, const MeltedRefs& refs)
+{
+    if (!placeholders_.empty()) {
+        Placeholder& last = placeholders_.back();
+        if (last.wave == wave && !last.segment && last.refs.sameAs(refs)) {
+            last.refs.times += refs.times;
+            return;
+        }
+    }
+    placeholders_.push_back({wave, nullptr, refs, firstLine_});
+}
+
+qint32 WaveReader::addBlock(const MeltedRefs* refs, size_t count)
+{
+    qint64 references = 0;
+    for (size_t k = 0; k < count; ++k)
+        references += referencesOf(refs[k]);
+    blocks_.emplace_back(refs, refs + count);
+    blockReferences_.push_back(references);
+    return qint32(blocks_.size() - 1);
+}
+
+void WaveReader::publishPlaceholders()
+{
+    for (const Placeholder& p : placeholders_) {
+        if (p.segment)
+            p.wave->patternNames.insert(p.segment, names_[size_t(p.refs.name)]);
+    }
+    placeholders_.clear();
+    blocks_.clear();
+    blockReferences_.clear();
+}
 
 void WaveReader::resolvePatternReferences()
 {
