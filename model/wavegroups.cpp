@@ -29,11 +29,6 @@ qint64 product(qint64 a, qint64 b)
     return a != 0 && b > Saturated / a ? Saturated : std::min(a * b, Saturated);
 }
 
-QString strayReason()
-{
-    return QStringLiteral("a \")\" here closes no group");
-}
-
 struct GroupToken {
     Bytes body;
     GroupSuffix suffix;
@@ -111,16 +106,23 @@ void WaveReader::readGroupBody(const QString& body, QList<Pattern*>& out, WaveDa
     }
 }
 
+bool WaveReader::nextToken(Tokenizer& tokens, Bytes& token)
+{
+    if (failed_ || !tokens.next(token))
+        return false;
+    if (tokens.passedStray())
+        failAt(tokens.stray(), QStringLiteral("a \")\" here closes no group"));
+    else if (tokens.holdsLooseHash(token))
+        failAt(token.data(), QStringLiteral("a \"#\" here follows no group"));
+    return !failed_;
+}
+
 template <class Sink>
 void WaveReader::readSegments(Bytes text, Sink& sink, Scope scope)
 {
     Tokenizer tokens(text);
     Bytes token;
-    while (!failed_ && tokens.next(token)) {
-        if (tokens.passedStray()) {
-            failAt(tokens.stray(), strayReason());
-            return;
-        }
+    while (nextToken(tokens, token)) {
         if (token.front() == '$') {
             layLeaf(sink, std::string("0"), 1, nameId(token), scope, token);
         } else if (token.front() == '(') {
@@ -130,7 +132,7 @@ void WaveReader::readSegments(Bytes text, Sink& sink, Scope scope)
         } else {
             // A value without a duration after it is dropped.
             Bytes duration;
-            if (!tokens.next(duration))
+            if (!nextToken(tokens, duration))
                 break;
             layLeaf(sink, valueOf(token, scope.bus), durationOf(duration), -1, scope, token);
         }
@@ -286,11 +288,7 @@ void WaveReader::measureSegments(Bytes text, Scope scope, RunSummary& into)
 {
     Tokenizer tokens(text);
     Bytes token;
-    while (!failed_ && into.work <= budget_ && tokens.next(token)) {
-        if (tokens.passedStray()) {
-            failAt(tokens.stray(), strayReason());
-            return;
-        }
+    while (into.work <= budget_ && nextToken(tokens, token)) {
         RunSummary piece;
         if (token.front() == '$') {
             piece = {1, 1, 1, "0", "0"};
@@ -298,7 +296,7 @@ void WaveReader::measureSegments(Bytes text, Scope scope, RunSummary& into)
             measureGroup(token, scope, piece);
         } else {
             Bytes duration;
-            if (!tokens.next(duration))
+            if (!nextToken(tokens, duration))
                 break;
             piece.work = 1;
             if (durationOf(duration) != 0) {

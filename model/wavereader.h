@@ -29,6 +29,9 @@ class WaveformData;
 class RunList;
 class WaveSink;
 struct RunSummary;
+namespace wdltext {
+class Tokenizer;
+}
 
 namespace readlimits {
 // How deep groups may nest: far beyond real documents, and shallow enough for
@@ -108,6 +111,9 @@ private:
     template <class Sink>
     void layLeaf(Sink& sink, std::string value, qint32 duration, qint32 name, Scope scope, std::string_view at);
     template <class Sink> void layRepeated(const RunList& body, qint64 times, Sink& sink, std::string_view at);
+    // The next token, false at the end or when it breaks the format's
+    // structure (which fails the reading).
+    bool nextToken(wdltext::Tokenizer& tokens, std::string_view& token);
     bool affordGroup(std::string_view token, bool bus);
     // Fails the reading when a group at depth would nest too deep.
     bool tooDeep(std::string_view token, int depth);

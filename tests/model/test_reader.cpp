@@ -256,6 +256,7 @@ private Q_SLOTS:
         QTest::newRow("unclosed groups") << w + QString(200000, '(') + ";\n" << "w:0|line 1: " + deep;
         QTest::newRow("stray closings") << w + "0 1 " + QString(100000, ')') + " 1 1 (1 1);\n"
                                         << "w:1:0/1|line 1: a \")\" here closes no group";
+        QTest::newRow("a hash after a value") << w + "0 1 1 #2 (1 1);\n" << "w:1:0/1|line 1: a \"#\" here follows no group";
         QTest::newRow("a bus too wide") << "d[0:65536]" + Attr + "0 1;\n"
                                         << "|line 1: d[0:65536] declares a bus of 65537 bits; the widest bus read has 65536";
         QTest::newRow("200 wide buses") << QString("d[0:65535]" + Attr + "0 1;\n").repeated(200)
