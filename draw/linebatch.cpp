@@ -276,6 +276,13 @@ void LineBatch::flush(Layer& l)
         drawLetters();
         if (l.merge && l.width == 1)
             fillStraight(l);
+        if (l.merge && pixels_.active()) {
+            const QRgb pixel = l.color.rgba();
+            const auto left = std::remove_if(l.lines.begin(), l.lines.end(),
+                                             [&](const QLine& s) { return pixels_.line(s, l.width, pixel); });
+            count_ += static_cast<int>(l.lines.end() - left);
+            l.lines.erase(left, l.lines.end());
+        }
         if (!l.lines.empty()) {
             painter_.setPen(l.pen);
             painter_.drawLines(l.lines.data(), static_cast<int>(l.lines.size()));
