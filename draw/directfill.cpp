@@ -81,15 +81,17 @@ DirectFill::DirectFill(QPainter& painter)
 
 void DirectFill::fill(const QRect& r, QRgb pixel)
 {
-    const QRect target = r.translated(offset_);
+    const int left = r.left() + offset_.x();
+    const int top = r.top() + offset_.y();
+    const int right = left + r.width();   // past the last column
+    const int bottom = top + r.height();
     for (const QRect& c : clip_) {
-        const QRect part = target & c;
-        if (part.isEmpty())
-            continue;
-        for (int y = part.top(); y <= part.bottom(); ++y) {
-            auto* line = reinterpret_cast<QRgb*>(bits_ + y * bytesPerLine_);
-            std::fill_n(line + part.left(), part.width(), pixel);
-        }
+        const int x0 = std::max(left, c.left());
+        const int x1 = std::min(right, c.left() + c.width());
+        const int y1 = std::min(bottom, c.top() + c.height());
+        for (int y = std::max(top, c.top()); y < y1 && x0 < x1; ++y)
+            std::fill(reinterpret_cast<QRgb*>(bits_ + y * bytesPerLine_) + x0,
+                      reinterpret_cast<QRgb*>(bits_ + y * bytesPerLine_) + x1, pixel);
     }
 }
 
