@@ -3,6 +3,7 @@
 #include "guifixture.h"
 #include "selection.h"
 
+#include <QPainter>
 #include <QScrollBar>
 
 using namespace guitest;
@@ -287,6 +288,20 @@ private Q_SLOTS:
         for (const QImage& picture : banded << gathered)
             QVERIFY(picture == direct);
         QVERIFY(gatheredCount <= view_->lastPaintPrimitives());
+        // A repaint of part of the view sets pixels there only, those written past the painter included.
+        view_->setProperty("directPaint", QVariant());
+        const QRegion part = QRegion(0, 0, Width / 3, 800) + QRegion(Width / 2, 100, 200, 300);
+        QImage partial(Width, 800, QImage::Format_RGB32);
+        partial.fill(Qt::magenta);
+        view_->render(&partial, QPoint(), part);
+        QImage expected(Width, 800, QImage::Format_RGB32);
+        expected.fill(Qt::magenta);
+        {
+            QPainter painter(&expected);
+            for (const QRect& r : part)
+                painter.drawImage(r, direct, r);
+        }
+        QVERIFY(partial == expected);
     }
 };
 
