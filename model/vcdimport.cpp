@@ -213,9 +213,8 @@ bool Importer::cropTimes(const VcdImportOptions& options, QString& error)
     const std::pair<const QString*, quint64*> limits[] = {{&options.from, &from_}, {&options.to, &to_}};
     for (const auto& [text, time] : limits) {
         if (!text->isEmpty() && !vcdTimeOf(*text, magnitude, exponent, *time)) {
-            static const char* const units[] = {"s", "ms", "us", "ns", "ps", "fs"};
             error = QStringLiteral("%1 is no time in whole units of the dump (%2 %3)")
-                        .arg(*text).arg(magnitude).arg(QLatin1String(units[exponent / 3]));
+                        .arg(*text).arg(magnitude).arg(QLatin1String(VcdUnits[exponent / 3]));
             return false;
         }
     }
@@ -377,7 +376,6 @@ bool vcdTimeOf(const QString& text, int magnitude, int exponent, quint64& units)
     const QRegularExpressionMatch match = time.match(text.trimmed());
     if (!match.hasMatch())
         return false;
-    static const QStringList unitNames{"s", "ms", "us", "ns", "ps", "fs"};
     // Everything in femtoseconds, where all the units are whole.
     const QString digits = match.captured(1) + match.captured(2);
     Wide number = 0;
@@ -386,7 +384,9 @@ bool vcdTimeOf(const QString& text, int magnitude, int exponent, quint64& units)
     int shift = -int(match.captured(2).size());
     Wide unit = 1;   // a bare number counts the dump's units
     if (match.capturedLength(3) > 0) {
-        shift += 15 - 3 * int(unitNames.indexOf(match.captured(3)));
+        const auto named = std::find_if(std::begin(VcdUnits), std::end(VcdUnits),
+                                        [&](const char* u) { return match.captured(3) == QLatin1String(u); });
+        shift += 15 - 3 * int(named - std::begin(VcdUnits));
         unit = Wide(magnitude);
         for (int e = exponent; e < 15; ++e)
             unit *= 10;

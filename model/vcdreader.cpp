@@ -132,14 +132,13 @@ bool VcdReader::readTimescale()
         fail(QStringLiteral("$timescale has no $end"));
         return false;
     }
-    static const char* const units[] = {"s", "ms", "us", "ns", "ps", "fs"};
     const size_t digits = text.find_first_not_of("0123456789");
     const std::string number = text.substr(0, digits);
     const std::string unit = digits == std::string::npos ? std::string() : text.substr(digits);
     magnitude_ = number == "1" ? 1 : number == "10" ? 10 : number == "100" ? 100 : 0;
     exponent_ = -1;
-    for (int i = 0; i < 6; ++i) {
-        if (unit == units[i])
+    for (int i = 0; i < int(std::size(VcdUnits)); ++i) {
+        if (unit == VcdUnits[i])
             exponent_ = 3 * i;
     }
     if (magnitude_ == 0 || exponent_ < 0) {

@@ -17,6 +17,10 @@ class QIODevice;
 
 namespace kesu::toolvok {
 
+// The units of a dump's time scale, each a thousand times finer than the one
+// before: unit i is 10^-3i s.
+inline constexpr const char* VcdUnits[] = {"s", "ms", "us", "ns", "ps", "fs"};
+
 struct VcdVariable {
     QByteArray type;        // "wire", "reg", "real", "string", ...
     int width = 1;
