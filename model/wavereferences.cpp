@@ -80,6 +80,18 @@ void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData
     qDeleteAll(dropped);
 }
 
+// A pattern's segments keep their text when laid into a wave of the other
+// kind, where the writer would write some of it as a reserved word or digit:
+// they take the value a saved file gives back.
+void readBackValues(WaveData* wave)
+{
+    for (Pattern* p : std::as_const(wave->patterns)) {
+        const std::string& v = p->value;
+        if (wave->isBus ? v == "DonTCare" || v == "HighZ" : v == "2" || v == "3")
+            p->value = wdltext::valueOf(v, wave->isBus);
+    }
+}
+
 // Walks the references melted into one wave's segments, in order, and hands
 // each that lays something down (its pattern has segments beyond the one the
 // gone placeholder took) to visit, which answers whether to go on. A stretch
@@ -267,6 +279,7 @@ void WaveReader::resolvePatternReferences()
         };
         for (const MeltedRefs& refs : melted)
             walk.walk(refs, waveSize, lay);
+        readBackValues(wave);
     }
     placeholders_.clear();
     blocks_.clear();

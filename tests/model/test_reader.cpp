@@ -109,6 +109,9 @@ private Q_SLOTS:
         QTest::newRow("bus seams") << b2 + "(HighZ 1 3 1 HighZ 1)#2;\n" << "-2:1 3:1 -2:2 3:1 -2:1";
         QTest::newRow("melted references repeated") << "$p = 1 5 0 2;\n" + w + "(0 1 $p)#3;\n" << "0:6 0:2 0:2 0:2";
         QTest::newRow("in repeated group") << "$p = 0 3 1 2;\n" + w + "(1 1 $p)#2;\n" << "1:1 1:2 0:3 1:1 1:2 0:3";
+        // Reserved words and digits of the other kind of wave become what a saved file gives back.
+        QTest::newRow("pattern words into a bus") << "$p = HighZ 1 DonTCare 2 2 3;\n" + b2 + "$p;\n" << "-1:3 -1:2 -2:1";
+        QTest::newRow("pattern digits into a signal") << "$p[1:0] = 2 1 3 2 HighZ 3;\n" + w + "$p[1:0];\n" << "-2:3 -2:2 -1:1";
         QTest::newRow("pattern of patterns") << "$a = 1 1 0 1;\n$b = $a 1 5;\n" + w + "$b;\n" << "1:5 1:1 0:1";
         QTest::newRow("in forever tail") << "$p = 1 5 0 2;\n" + w + "1 1($p 1 4)##;\n" << "1:1 0:2 (1:5 1:4";
         // The placeholder is a "0": a "0" after it melts into it and is lost.
