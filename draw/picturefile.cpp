@@ -24,6 +24,7 @@ struct Layout
 {
     PrintSettings settings;
     quint64 step = 1;
+    int names = 0;   // the width of the name column
 };
 
 Layout layoutOf(const WaveformData& document, const PictureJob& job, int width)
@@ -34,7 +35,8 @@ Layout layoutOf(const WaveformData& document, const PictureJob& job, int width)
     l.settings.printRangeType = PrintSettings::Customized;
     l.settings.printName = job.names;
     l.settings.printRuler = job.ruler;
-    const int usable = width - PagePainter::nameColumn(document, l.settings);
+    l.names = PagePainter::nameColumn(document, l.settings);
+    const int usable = width - l.names;
     // Without a step, the one the wave view's zoom to fit would take; without
     // a scale, Fit Page's: the range over the usable width.
     l.step = job.step != 0 ? job.step : Viewport::fittingStep(job.to - job.from, usable);
@@ -101,7 +103,7 @@ bool writePicture(const WaveformData& document, const PictureJob& job, const QSt
     } else {
         // One picture as wide as the range and as tall as all rows.
         const Layout layout = layoutOf(document, job, PictureJob::FitWidth);
-        const int names = PagePainter::nameColumn(document, layout.settings);
+        const int names = layout.names;
         const quint64 step = layout.step;
         const quint64 steps = (job.to - job.from + step - 1) / step;
         // A little room right of the range for the last ruler label.
