@@ -11,6 +11,7 @@
 #include "progress.h"
 
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -86,10 +87,11 @@ public:
     // Records each placeholder still waiting in its wave's patternNames, for
     // callers that compile statements one at a time.
     void publishPlaceholders();
-    // A segment that melting left without duration is what the writer cannot
-    // write: it goes, and its neighbours melt as a reading of the saved file
-    // would melt them.
-    void dropVoidSegments();
+    // Each wave as a reading of the saved file gives it back, where that
+    // differs in what it draws: a segment that melting left without duration
+    // goes, and neighbours that references laid side by side melt (failing
+    // the reading there when they would melt beyond 32 bits).
+    void readBackWaves(const QSet<const WaveData*>& expanded);
 
     bool failed() const { return failed_; }
     // Stops the reading: the first problem is the one the document keeps.

@@ -92,6 +92,24 @@ void readBackValues(WaveData* wave)
     }
 }
 
+// Whether neighbours that references laid side by side unmelted would melt
+// beyond 32 bits when the saved file is read.
+bool meltsBeyond32Bits(const WaveData& wave)
+{
+    qint32 run = 0;
+    const std::string* last = nullptr;
+    for (const Pattern* p : wave.patterns) {
+        if (last && melts(*last, p->value, wave.isBus)) {
+            if (!addDuration(run, p->duration))
+                return true;
+        } else {
+            run = p->duration;
+        }
+        last = &p->value;
+    }
+    return false;
+}
+
 // Walks the references melted into one wave's segments, in order, and hands
 // each that lays something down (its pattern has segments beyond the one the
 // gone placeholder took) to visit, which answers whether to go on. A stretch
@@ -221,6 +239,7 @@ void WaveReader::resolvePatternReferences()
     // One statement makes one wave and all its placeholders, so each wave's
     // placeholders stand together, in document order: a pattern is resolved
     // before a later wave uses it.
+    QSet<const WaveData*> expanded;
     std::vector<const WaveData*> sources;
     sources.reserve(names_.size());
     for (const QString& name : names_)
@@ -280,20 +299,21 @@ void WaveReader::resolvePatternReferences()
         for (const MeltedRefs& refs : melted)
             walk.walk(refs, waveSize, lay);
         readBackValues(wave);
+        expanded.insert(wave);
     }
     placeholders_.clear();
     blocks_.clear();
     blockReferences_.clear();
-    dropVoidSegments();
+    readBackWaves(expanded);
 }
 
-void WaveReader::dropVoidSegments()
+void WaveReader::readBackWaves(const QSet<const WaveData*>& expanded)
 {
     for (size_t w = 0; w < laidWaves_.size(); ++w) {
         WaveData* const wave = laidWaves_[w].first;
-        const auto voidAt = std::find_if(wave->patterns.cbegin(), wave->patterns.cend(),
-                                         [](const Pattern* p) { return p->duration == 0; });
-        if (voidAt == wave->patterns.cend())
+        const bool voids = std::any_of(wave->patterns.cbegin(), wave->patterns.cend(),
+                                       [](const Pattern* p) { return p->duration == 0; });
+        if (!voids && !(expanded.contains(wave) && meltsBeyond32Bits(*wave)))
             continue;
         // Laid down again as the reader lays the written text: a segment of
         // no duration cancels a forever mark, and one that melts drops it.

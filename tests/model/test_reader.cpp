@@ -269,6 +269,8 @@ private Q_SLOTS:
                                                      << "w:80001:0/1";
         QTest::newRow("references beyond the limit") << "$p = (1 1 0 1)#1000000;\n" + w + "($p 1 1)#40;\n"
                                                      << "w:80:0/1|line 2: " + budget;
+        QTest::newRow("a reference beside its equal beyond 32 bits") << "$p = 1 2000000000;\n" + w + "1 2000000000 $p;\n" + v + "1 1;\n"
+                                                                  << "w:1:1/2000000000|line 2: " + melt;
         QTest::newRow("millions of references melt") << "$p = 1 1;\n" + w + "0 1 ($p)#6000000;\n" << "w:1:0/6000001";
         QTest::newRow("self reference") << "$p = 1 1 0 1 " + QString("$p 0 1 ").repeated(40) + ";\n" << "|line 1: " + budget;
         QTest::newRow("text after an empty line") << w + "1 1;\n\n" + v + "0 1;\n"
