@@ -89,8 +89,9 @@ public:
     void publishPlaceholders();
     // Each wave as a reading of the saved file gives it back, where that
     // differs in what it draws: a segment that melting left without duration
-    // goes, and neighbours that references laid side by side melt (failing
-    // the reading there when they would melt beyond 32 bits).
+    // goes, and neighbours that references laid side by side melt where the
+    // forever tail would start or 32 bits would not hold them (which fails
+    // the reading there).
     void readBackWaves(const QSet<const WaveData*>& expanded);
 
     bool failed() const { return failed_; }

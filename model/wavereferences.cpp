@@ -93,14 +93,15 @@ void readBackValues(WaveData* wave)
 }
 
 // Whether neighbours that references laid side by side unmelted would melt
-// beyond 32 bits when the saved file is read.
-bool meltsBeyond32Bits(const WaveData& wave)
+// otherwise when the saved file is read: beyond 32 bits, or taking the start
+// of the forever tail into the segment before it.
+bool meltsOtherwise(const WaveData& wave)
 {
     qint32 run = 0;
     const std::string* last = nullptr;
     for (const Pattern* p : wave.patterns) {
         if (last && melts(*last, p->value, wave.isBus)) {
-            if (!addDuration(run, p->duration))
+            if (p->forever || !addDuration(run, p->duration))
                 return true;
         } else {
             run = p->duration;
@@ -313,7 +314,7 @@ void WaveReader::readBackWaves(const QSet<const WaveData*>& expanded)
         WaveData* const wave = laidWaves_[w].first;
         const bool voids = std::any_of(wave->patterns.cbegin(), wave->patterns.cend(),
                                        [](const Pattern* p) { return p->duration == 0; });
-        if (!voids && !(expanded.contains(wave) && meltsBeyond32Bits(*wave)))
+        if (!voids && !(expanded.contains(wave) && meltsOtherwise(*wave)))
             continue;
         // Laid down again as the reader lays the written text: a segment of
         // no duration cancels a forever mark, and one that melts drops it.

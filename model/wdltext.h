@@ -101,11 +101,13 @@ public:
     // writer could not write such a text back as it was read.
     bool passedStray() const { return stray_ != Bytes::npos && pos_ > stray_; }
     const char* stray() const { return text_.data() + stray_; }
-    // Whether a token that is no group took in a "#" after a blank or "(":
-    // only a group's suffix may, and the writer would write it apart.
+    // Whether a token that is no group starts with a "#" or took one in
+    // after a blank or "(": only a group's suffix may, and the writer would
+    // write it apart.
     bool holdsLooseHash(Bytes token) const
     {
-        return grouped_ && token.front() != '(' && token.find_first_of("( \t") != Bytes::npos;
+        return token.front() == '#'
+            || (grouped_ && token.front() != '(' && token.find_first_of("( \t") != Bytes::npos);
     }
 
 private:

@@ -114,6 +114,8 @@ private Q_SLOTS:
         QTest::newRow("pattern digits into a signal") << "$p[1:0] = 2 1 3 2 HighZ 3;\n" + w + "$p[1:0];\n" << "-2:3 -2:2 -1:1";
         QTest::newRow("pattern of patterns") << "$a = 1 1 0 1;\n$b = $a 1 5;\n" + w + "$b;\n" << "1:5 1:1 0:1";
         QTest::newRow("in forever tail") << "$p = 1 5 0 2;\n" + w + "1 1($p 1 4)##;\n" << "1:1 0:2 (1:5 1:4";
+        // Equal to the segment before it, the tail's start melts into it, as it does in the saved file.
+        QTest::newRow("starts a forever tail") << "$p = 1 5;\n" + w + "1 1($p 1 2 0 2)##;\n" << "1:8 0:2";
         // The placeholder is a "0": a "0" after it melts into it and is lost.
         QTest::newRow("melts into placeholder") << "$p = 1 5 0 2;\n" + w + "1 1($p 0 4)##;\n" << "1:1 0:2 (1:5";
     }
@@ -260,6 +262,7 @@ private Q_SLOTS:
         QTest::newRow("stray closings") << w + "0 1 " + QString(100000, ')') + " 1 1 (1 1);\n"
                                         << "w:1:0/1|line 1: a \")\" here closes no group";
         QTest::newRow("a hash after a value") << w + "0 1 1 #2 (1 1);\n" << "w:1:0/1|line 1: a \"#\" here follows no group";
+        QTest::newRow("a value of a hash") << w + "0 1 #1 2;\n" << "w:1:0/1|line 1: a \"#\" here follows no group";
         QTest::newRow("a bus too wide") << "d[0:65536]" + Attr + "0 1;\n"
                                         << "|line 1: d[0:65536] declares a bus of 65537 bits; the widest bus read has 65536";
         QTest::newRow("200 wide buses") << QString("d[0:65535]" + Attr + "0 1;\n").repeated(200)
