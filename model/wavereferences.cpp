@@ -74,6 +74,8 @@ void expandListedReferences(WaveData* wave, const QHash<Pattern*, const WaveData
     // ends the tail when it was the last.
     if (foreverDropped && newForever >= rebuilt.size())
         newForever = -1;
+    else if (foreverDropped)
+        rebuilt.at(newForever)->forever = true;
     wave->patterns.swap(rebuilt);
     wave->segmentsChanged(0);
     wave->foreverIndex = static_cast<qint32>(newForever);

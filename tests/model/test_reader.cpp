@@ -104,6 +104,7 @@ private Q_SLOTS:
         QTest::newRow("defined later") << w + "1 1 $q;\n$q = 1 1 0 2 1 3;\n" << "1:1 1:3 0:2 1:1";
         QTest::newRow("first of two definitions") << "$p = 1 5;\n$p = 0 7;\n" + w + "1 1 $p;\n" << "1:1 1:5";
         QTest::newRow("unknown removed with what merged into it") << w + "1 3 $nope 0 2;\n" << "1:3";
+        QTest::newRow("unknown starting the forever tail") << b2 + "5 1 ($nope 7 1 8 1)##;\n" << "5:1 (7:1 8:1";
         QTest::newRow("merged into previous 0") << "$p = 1 5 0 2;\n" + w + "0 10 $p 1 4;\n" << "0:11 1:4 0:2";
         QTest::newRow("seams melt") << w + "(1 1 0 1 1 1)#3;\n" << "1:1 0:1 1:2 0:1 1:2 0:1 1:1";
         QTest::newRow("bus seams") << b2 + "(HighZ 1 3 1 HighZ 1)#2;\n" << "-2:1 3:1 -2:2 3:1 -2:1";
