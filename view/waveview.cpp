@@ -57,16 +57,14 @@ WavePaintSetup WaveView::paintSetup() const
     return setup;
 }
 
-std::vector<WaveView::ShownWave> WaveView::shownWaves(const WavePaintSetup& setup)
+WaveView::ShownRows WaveView::shownWaves(const WavePaintSetup& setup) const
 {
-    std::vector<ShownWave> shown;
-    hiddenCount = 0;
-    bitRowsAbove = 0;
+    ShownRows shown;
     int row = 0;
     const int firstVisibleRow = setup.vp.firstRow;
     for (WaveData* wave : *setup.waves) {
         if (!wave->visible) {
-            ++hiddenCount;
+            ++shown.hidden;
             continue;
         }
         const int bitRows = wave->isBus && wave->expandFlag ? qMax(0, wave->busWidth) : 0;
@@ -75,13 +73,13 @@ std::vector<WaveView::ShownWave> WaveView::shownWaves(const WavePaintSetup& setu
             // Below the bottom edge nothing shows.
             if (setup.vp.rowTop(row) >= setup.height)
                 break;
-            shown.push_back({wave, row});
+            shown.waves.push_back({wave, row});
             if (bitRows > 0 && row + 1 < firstVisibleRow)
-                bitRowsAbove += firstVisibleRow - row - 1;
+                shown.bitRowsAbove += firstVisibleRow - row - 1;
         }
         row += rows;
     }
-    rowIndex = row;
+    shown.rows = row;
     return shown;
 }
 
@@ -90,7 +88,11 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
     QPainter painter(this);
     const WavePaintSetup setup = paintSetup();
     painter.setFont(setup.style.font);
-    const std::vector<ShownWave> shown = shownWaves(setup);
+    const ShownRows rows = shownWaves(setup);
+    hiddenCount = rows.hidden;
+    rowIndex = rows.rows;
+    bitRowsAbove = rows.bitRowsAbove;
+    const std::vector<ShownWave>& shown = rows.waves;
     primitives_ = 0;
     const int bands = bandCount(setup, shown);
     if (bands > 1)
@@ -124,7 +126,7 @@ void WaveView::paintEvent(QPaintEvent* /*event*/)
 void WaveView::drawWave(bool clone, QPainter& painter, WaveData* wave, int from, int to)
 {
     const WavePaintSetup setup = paintSetup();
-    for (const ShownWave& s : shownWaves(setup)) {
+    for (const ShownWave& s : shownWaves(setup).waves) {
         if (s.wave == wave) {
             WavePaint paint(painter, setup);
             paint.setRowTop(s.row);

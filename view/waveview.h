@@ -116,8 +116,16 @@ private:
     int bitRowsAbove = 0;
 
     WavePaintSetup paintSetup() const;
-    // The shown waves from the first visible row down to the bottom edge.
-    std::vector<ShownWave> shownWaves(const WavePaintSetup& setup);
+    // The shown waves from the first visible row down to the bottom edge,
+    // with what the rows leave counted (the paint keeps the counts).
+    struct ShownRows
+    {
+        std::vector<ShownWave> waves;
+        int hidden = 0;
+        int rows = 0;
+        int bitRowsAbove = 0;
+    };
+    ShownRows shownWaves(const WavePaintSetup& setup) const;
     // How many bands the paint runs side by side: 1 unless the view is
     // crowded, or as many as forced.
     int bandCount(const WavePaintSetup& setup, const std::vector<ShownWave>& shown) const;
