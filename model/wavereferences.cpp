@@ -95,22 +95,27 @@ void readBackValues(WaveData* wave)
 }
 
 // Whether neighbours that references laid side by side unmelted would melt
-// otherwise when the saved file is read: beyond 32 bits, or taking the start
-// of the forever tail into the segment before it.
+// otherwise when the saved file is read: beyond 32 bits, down to no duration,
+// or taking the start of the forever tail into the segment before it.
 bool meltsOtherwise(const WaveData& wave)
 {
     qint32 run = 0;
+    bool melted = false;
     const std::string* last = nullptr;
     for (const Pattern* p : wave.patterns) {
         if (last && melts(*last, p->value, wave.isBus)) {
             if (p->forever || !addDuration(run, p->duration))
                 return true;
+            melted = true;
         } else {
+            if (melted && run == 0)
+                return true;
             run = p->duration;
+            melted = false;
         }
         last = &p->value;
     }
-    return false;
+    return melted && run == 0;
 }
 
 // Walks the references melted into one wave's segments, in order, and hands
@@ -325,6 +330,10 @@ void WaveReader::readBackWaves(const QSet<const WaveData*>& expanded)
         qint32 forever = -1;
         qsizetype next = 0;
         bool tooLong = false;
+        const auto drop = [wave](Pattern* p) {
+            wave->patternNames.remove(p);
+            delete p;
+        };
         for (; next < wave->patterns.size() && !tooLong; ++next) {
             Pattern* p = wave->patterns.at(next);
             const bool mark = p->forever && wave->foreverIndex != -1;
@@ -337,15 +346,19 @@ void WaveReader::readBackWaves(const QSet<const WaveData*>& expanded)
                 continue;
             }
             tooLong = p->duration != 0 && !addDuration(kept.last()->duration, p->duration);
-            wave->patternNames.remove(p);
-            delete p;
+            drop(p);
+            // Melted down to no duration, it goes too: what comes next may
+            // melt into the segment before it.
+            if (!tooLong && !kept.isEmpty() && kept.last()->duration == 0) {
+                if (forever == kept.size() - 1)
+                    forever = -1;
+                drop(kept.takeLast());
+            }
         }
         // Melting beyond 32 bits fails that reading where it fails this one:
         // the wave ends before the segment, and no later wave is read.
-        for (qsizetype k = next; k < wave->patterns.size(); ++k) {
-            wave->patternNames.remove(wave->patterns.at(k));
-            delete wave->patterns.at(k);
-        }
+        for (qsizetype k = next; k < wave->patterns.size(); ++k)
+            drop(wave->patterns.at(k));
         wave->patterns.swap(kept);
         wave->foreverIndex = forever;
         wave->segmentsChanged(0);
