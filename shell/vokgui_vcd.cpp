@@ -45,6 +45,9 @@ void VokGUI::fileImportVcd()
     m_data->takeFrom(std::move(*imported));
     showDocument();
     SetDirtyBit();
+    // Only what the dialog could not tell: the signals it lists come along.
+    if (!notes.isEmpty())
+        showwarnmsg(tr("Imported %1, except:\n%2").arg(path, notes.join(QLatin1Char('\n'))), this);
 }
 
 } // namespace kesu::toolvok

@@ -147,6 +147,9 @@ private Q_SLOTS:
         QTest::newRow("every signal") << vcd << "" << "clk:0 d[3:0]:0 unit 9 end 40";
         QTest::newRow("one, cropped") << vcd << "-top.d[3:0] from:10ns to:3" << "clk:0 unit 9 end 20";
         QTest::newRow("changes kept") << vcd << "edit" << "Do you want to save your changes?";
+        QByteArray wide = vcd;
+        QTest::newRow("a bus too wide") << wide.insert(wide.indexOf("$upscope"), "$var wire 70000 & w $end\n") << ""
+                                        << "clk:0 d[3:0]:0 unit 9 end 40|Imported @, except:\nskipped w[69999:0], a bus too wide";
         QTest::newRow("faulty dump") << vcd.left(60) << "" << "Cannot import @: line 3: $var has no $end";
         // A refused choice warns and keeps the dialog open; it is cancelled then.
         QTest::newRow("no signal") << vcd << "-top.clk -top.d[3:0]" << "Choose at least one signal.";
@@ -158,6 +161,8 @@ private Q_SLOTS:
         QFETCH(QByteArray, vcd); QFETCH(QString, steps); QFETCH(QString, outcome);
         QVERIFY(writeFile(path("sim.vcd"), vcd));
         const bool imported = outcome.contains(" unit ");
+        const QString note = outcome.section('|', 1).replace('@', path("sim.vcd"));
+        outcome = outcome.section('|', 0, 0);
         if (steps == "edit")
             gui->SetDirtyBit();
         QList<Answer> answers{choose(path("sim.vcd"))};
@@ -183,6 +188,8 @@ private Q_SLOTS:
             });
         }
         const bool warned = !imported && !outcome.startsWith("Cannot") && steps != "edit";
+        if (!note.isEmpty())
+            answers << press(QMessageBox::Ok);
         if (warned)
             answers << press(QMessageBox::Ok) << act([](QWidget* modal) { qobject_cast<QDialog*>(modal)->reject(); });
         else if (!imported)
@@ -195,6 +202,7 @@ private Q_SLOTS:
             const WaveformData* doc = gui->document();
             QCOMPARE(QStringLiteral("%1 unit %2 end %3").arg(names(doc->waves)).arg(doc->smallestUnit).arg(doc->endTime), outcome);
             QVERIFY(gui->isModified() && gui->fullFileName().isEmpty() && gui->windowTitle().contains("Untitled"));
+            QCOMPARE(answerer.said().size() == 3 ? answerer.said().constLast() : QString(), note);
             return;
         }
         // A warning comes before the dialog's cancelling.
