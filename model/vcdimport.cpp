@@ -145,12 +145,18 @@ bool Importer::choose(const QStringList& names, QStringList& notes, QString& err
     const std::vector<VcdVariable>& vars = reader_.variables();
     std::vector<const VcdVariable*> chosen;
     QSet<QString> wanted(names.begin(), names.end());
+    const QSet<QString> asked = wanted;
     for (const VcdVariable& var : vars) {
         const QString keys[] = {QString::fromUtf8(var.reference), QString::fromUtf8(var.path()),
                                 QString::fromUtf8(var.reference + var.range), QString::fromUtf8(var.path() + var.range)};
-        bool named = false;
-        for (const QString& key : keys)
+        bool named = false, again = false;
+        for (const QString& key : keys) {
             named = wanted.remove(key) || named;
+            again = again || asked.contains(key);
+        }
+        // A name asked for that an earlier declaration took already.
+        if (!names.isEmpty() && !named && again)
+            notes << QStringLiteral("skipped %1, declared twice").arg(QString::fromUtf8(var.path() + var.range));
         if (!names.isEmpty() && !named)
             continue;
         if (var.holdsBits())
@@ -368,40 +374,6 @@ bool importVcd(QIODevice& device, const VcdImportOptions& options, WaveformData&
                QString& error)
 {
     return Importer(device, document).run(options, notes, error);
-}
-
-bool vcdTimeOf(const QString& text, int magnitude, int exponent, quint64& units)
-{
-    static const QRegularExpression time(QStringLiteral("^([0-9]{1,20})(?:\\.([0-9]{1,15}))? *(s|ms|us|ns|ps|fs)?$"));
-    const QRegularExpressionMatch match = time.match(text.trimmed());
-    if (!match.hasMatch())
-        return false;
-    // Everything in femtoseconds, where all the units are whole.
-    const QString digits = match.captured(1) + match.captured(2);
-    Wide number = 0;
-    for (const QChar c : digits)
-        number = number * 10 + Wide(c.unicode() - '0');
-    int shift = -int(match.captured(2).size());
-    Wide unit = 1;   // a bare number counts the dump's units
-    if (match.capturedLength(3) > 0) {
-        const auto named = std::find_if(std::begin(VcdUnits), std::end(VcdUnits),
-                                        [&](const char* u) { return match.captured(3) == QLatin1String(u); });
-        shift += 15 - 3 * int(named - std::begin(VcdUnits));
-        unit = Wide(magnitude);
-        for (int e = exponent; e < 15; ++e)
-            unit *= 10;
-    }
-    for (; shift > 0; --shift)
-        number *= 10;
-    for (; shift < 0; ++shift) {
-        if (number % 10 != 0)
-            return false;
-        number /= 10;
-    }
-    if (number % unit != 0 || number / unit > Wide(std::numeric_limits<quint64>::max() - 1))
-        return false;
-    units = quint64(number / unit);
-    return true;
 }
 
 } // namespace kesu::toolvok

@@ -31,8 +31,4 @@ struct VcdImportOptions {
 bool importVcd(QIODevice& device, const VcdImportOptions& options, WaveformData& document, QStringList& notes,
                QString& error);
 
-// text as a number of the dump's units (one is magnitude x 10^-exponent s);
-// false when it is no time or no whole number of them.
-bool vcdTimeOf(const QString& text, int magnitude, int exponent, quint64& units);
-
 } // namespace kesu::toolvok

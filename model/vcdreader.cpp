@@ -1,8 +1,12 @@
 #include "vcdreader.h"
 
 #include <QIODevice>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <limits>
 
 namespace kesu::toolvok {
 
@@ -311,6 +315,43 @@ VcdReader::Item VcdReader::next()
             return fail(QStringLiteral("%1 among the value changes").arg(quoted(w)));
         }
     }
+}
+
+// Times in femtoseconds may pass 64 bits on the way.
+using Wide = unsigned __int128;
+
+bool vcdTimeOf(const QString& text, int magnitude, int exponent, quint64& units)
+{
+    static const QRegularExpression time(QStringLiteral("^([0-9]{1,20})(?:\\.([0-9]{1,15}))? *(s|ms|us|ns|ps|fs)?$"));
+    const QRegularExpressionMatch match = time.match(text.trimmed());
+    if (!match.hasMatch())
+        return false;
+    // Everything in femtoseconds, where all the units are whole.
+    const QString digits = match.captured(1) + match.captured(2);
+    Wide number = 0;
+    for (const QChar c : digits)
+        number = number * 10 + Wide(c.unicode() - '0');
+    int shift = -int(match.captured(2).size());
+    Wide unit = 1;   // a bare number counts the dump's units
+    if (match.capturedLength(3) > 0) {
+        const auto named = std::find_if(std::begin(VcdUnits), std::end(VcdUnits),
+                                        [&](const char* u) { return match.captured(3) == QLatin1String(u); });
+        shift += 15 - 3 * int(named - std::begin(VcdUnits));
+        unit = Wide(magnitude);
+        for (int e = exponent; e < 15; ++e)
+            unit *= 10;
+    }
+    for (; shift > 0; --shift)
+        number *= 10;
+    for (; shift < 0; ++shift) {
+        if (number % 10 != 0)
+            return false;
+        number /= 10;
+    }
+    if (number % unit != 0 || number / unit > Wide(std::numeric_limits<quint64>::max() - 1))
+        return false;
+    units = quint64(number / unit);
+    return true;
 }
 
 } // namespace kesu::toolvok

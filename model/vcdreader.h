@@ -102,4 +102,8 @@ private:
     QString error_;
 };
 
+// text as a number of the dump's units (one is magnitude x 10^-exponent s);
+// false when it is no time or no whole number of them.
+bool vcdTimeOf(const QString& text, int magnitude, int exponent, quint64& units);
+
 } // namespace kesu::toolvok

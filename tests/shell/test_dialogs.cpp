@@ -148,8 +148,9 @@ private Q_SLOTS:
         QTest::newRow("one, cropped") << vcd << "-top.d[3:0] from:10ns to:3" << "clk:0 unit 9 end 20";
         QTest::newRow("changes kept") << vcd << "edit" << "Do you want to save your changes?";
         QByteArray wide = vcd;
-        QTest::newRow("a bus too wide") << wide.insert(wide.indexOf("$upscope"), "$var wire 70000 & w $end\n") << ""
-                                        << "clk:0 d[3:0]:0 unit 9 end 40|Imported @, except:\nskipped w[69999:0], a bus too wide";
+        QTest::newRow("a bus too wide, a name twice")
+            << wide.insert(wide.indexOf("$upscope"), "$var wire 70000 & w $end\n$var wire 1 ' clk $end\n") << ""
+            << "clk:0 d[3:0]:0 unit 9 end 40|Imported @, except:\nskipped top.clk, declared twice\nskipped w[69999:0], a bus too wide";
         QTest::newRow("faulty dump") << vcd.left(60) << "" << "Cannot import @: line 3: $var has no $end";
         // A refused choice warns and keeps the dialog open; it is cancelled then.
         QTest::newRow("no signal") << vcd << "-top.clk -top.d[3:0]" << "Choose at least one signal.";
