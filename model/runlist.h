@@ -116,11 +116,13 @@ public:
         if (!list.isEmpty() && melts(list.last()->value, value, wave_->isBus)) {
             if (!addDuration(list.last()->duration, duration))
                 return false;
+            voids_ = voids_ || list.last()->duration == 0;
             wave_->segmentsChanged(int(list.size() - 1));
             if (head >= 0)
                 reader_.placeMelted(wave_, {head, -1, 1});
         } else {
             auto* p = new Pattern(std::move(value), duration);
+            voids_ = voids_ || duration == 0;
             p->forever = mark;
             wave_->segmentsChanged(int(list.size()));
             list.append(p);
@@ -145,11 +147,15 @@ public:
     }
     void markNext(bool on) { markPending_ = on; }
     void reserve(size_t more, size_t) { wave_->patterns.reserve(wave_->patterns.size() + qsizetype(more)); }
+    // Whether a segment was left without duration, by melting or by a run
+    // that melted to none.
+    bool voids() const { return voids_; }
 
 private:
     WaveReader& reader_;
     WaveData* wave_;
     bool markPending_ = false;
+    bool voids_ = false;
 };
 
 // What a stretch of text would lay down, found without laying it: the runs it

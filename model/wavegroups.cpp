@@ -76,10 +76,11 @@ bool WaveReader::spend(qint64 segments, const char* at)
     return false;
 }
 
-void WaveReader::layStatement(Bytes segments, WaveData* wave)
+bool WaveReader::layStatement(Bytes segments, WaveData* wave)
 {
     WaveSink sink(*this, wave);
     readSegments(segments, sink, Scope{1, 0, wave->isBus});
+    return sink.voids();
 }
 
 void WaveReader::readGroupBody(const QString& body, QList<Pattern*>& out, WaveData* wave)

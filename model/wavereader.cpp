@@ -345,10 +345,10 @@ void WaveReader::compileStatement(Bytes statement, qint64 firstLine, const std::
     // segments without growing the list again and again.
     const auto blanks = std::count(right.begin(), right.end(), ' ');
     wave->patterns.reserve(wave->patterns.size() + qsizetype(blanks / 2) + 1);
-    layStatement(right, wave);
+    const bool voids = layStatement(right, wave);
     // After a problem the wave keeps what was laid down before it.
     doc_.addWave(wave);
-    laidWaves_.emplace_back(wave, firstLine);
+    laidWaves_.push_back({wave, firstLine, voids});
 }
 
 QStringList WaveReader::tokens(const QString& text)

@@ -108,7 +108,8 @@ private:
     };
 
     // Group expansion (wavegroups.cpp).
-    void layStatement(std::string_view segments, WaveData* wave);
+    // True when a segment laid down has no duration (melting can leave one).
+    bool layStatement(std::string_view segments, WaveData* wave);
     template <class Sink> void readSegments(std::string_view text, Sink& sink, Scope scope);
     template <class Sink> void readGroup(std::string_view token, Sink& sink, Scope scope);
     template <class Sink>
@@ -166,7 +167,12 @@ private:
     std::vector<QString> names_;
     std::unordered_map<std::string, qint32> nameIds_;
     // The waves of whole statements, with the line each starts on.
-    std::vector<std::pair<WaveData*, qint64>> laidWaves_;
+    struct LaidWave {
+        WaveData* wave;
+        qint64 line;
+        bool voids;   // holds a segment of no duration
+    };
+    std::vector<LaidWave> laidWaves_;
 };
 
 } // namespace kesu::toolvok

@@ -94,15 +94,18 @@ void readBackValues(WaveData* wave)
     }
 }
 
-// Whether neighbours that references laid side by side unmelted would melt
-// otherwise when the saved file is read: beyond 32 bits, down to no duration,
-// or taking the start of the forever tail into the segment before it.
+// Whether references laid a segment of no duration (copied from a pattern), or
+// neighbours side by side unmelted that would melt otherwise when the saved
+// file is read: beyond 32 bits, down to no duration, or taking the start of
+// the forever tail into the segment before it.
 bool meltsOtherwise(const WaveData& wave)
 {
     qint32 run = 0;
     bool melted = false;
     const std::string* last = nullptr;
     for (const Pattern* p : wave.patterns) {
+        if (p->duration == 0)
+            return true;
         if (last && melts(*last, p->value, wave.isBus)) {
             if (p->forever || !addDuration(run, p->duration))
                 return true;
@@ -318,10 +321,8 @@ void WaveReader::resolvePatternReferences()
 void WaveReader::readBackWaves(const QSet<const WaveData*>& expanded)
 {
     for (size_t w = 0; w < laidWaves_.size(); ++w) {
-        WaveData* const wave = laidWaves_[w].first;
-        const bool voids = std::any_of(wave->patterns.cbegin(), wave->patterns.cend(),
-                                       [](const Pattern* p) { return p->duration == 0; });
-        if (!voids && !(expanded.contains(wave) && meltsOtherwise(*wave)))
+        WaveData* const wave = laidWaves_[w].wave;
+        if (!laidWaves_[w].voids && !(expanded.contains(wave) && meltsOtherwise(*wave)))
             continue;
         // Laid down again as the reader lays the written text: a segment of
         // no duration cancels a forever mark, and one that melts drops it.
@@ -364,10 +365,10 @@ void WaveReader::readBackWaves(const QSet<const WaveData*>& expanded)
         wave->segmentsChanged(0);
         if (tooLong) {
             for (size_t later = w + 1; later < laidWaves_.size(); ++later)
-                doc_.removeWave(laidWaves_[later].first);
+                doc_.removeWave(laidWaves_[later].wave);
             laidWaves_.resize(w + 1);
             failed_ = true;
-            doc_.loadError = {laidWaves_[w].second, meltReason()};
+            doc_.loadError = {laidWaves_[w].line, meltReason()};
         }
     }
     laidWaves_.clear();
