@@ -49,7 +49,7 @@ const std::vector<QPoint>& shapeOf(int dx, int dy, int width)
 
 } // namespace
 
-DirectFill::DirectFill(QPainter& painter)
+DirectFill::DirectFill(QPainter& painter) : painter_(painter)
 {
     QPaintEngine* engine = painter.paintEngine();
     if (!engine || engine->type() != QPaintEngine::Raster || !engine->paintDevice()
@@ -79,8 +79,13 @@ DirectFill::DirectFill(QPainter& painter)
     bytesPerLine_ = image->bytesPerLine();
 }
 
-void DirectFill::fill(const QRect& r, QRgb pixel)
+void DirectFill::fill(const QRect& r, const QColor& color)
 {
+    if (!active() || color.alpha() != 255) {
+        painter_.fillRect(r, color);
+        return;
+    }
+    const QRgb pixel = color.rgba();
     const int left = r.left() + offset_.x();
     const int top = r.top() + offset_.y();
     const int right = left + r.width();   // past the last column

@@ -5,6 +5,7 @@
 // themselves.
 #pragma once
 
+#include <QColor>
 #include <QImage>
 #include <QLine>
 #include <QPoint>
@@ -20,19 +21,20 @@ namespace kesu::toolvok {
 class DirectFill
 {
 public:
-    // Active only when the painter draws into an image of 32-bit pixels,
-    // moved by whole pixels at most, laying pixels over what is there
-    // (otherwise the painter's own fill must do).
+    // Writes pixels only when the painter draws into an image of 32-bit
+    // pixels, moved by whole pixels at most, laying pixels over what is
+    // there; otherwise the painter draws.
     explicit DirectFill(QPainter& painter);
     bool active() const { return bits_ != nullptr; }
-    // r in the painter's coordinates; pixel: an opaque colour.
-    void fill(const QRect& r, QRgb pixel);
+    // r in the painter's coordinates.
+    void fill(const QRect& r, const QColor& color);
     // A solid aliased line of whole-pixel ends and width 1 or 2, on exactly
     // the pixels the painter's own stroker gives it; false leaves the line
     // to the painter (one far from whole, or not inside the clip).
     bool line(const QLine& l, int width, QRgb pixel);
 
 private:
+    QPainter& painter_;
     uchar* bits_ = nullptr;
     qsizetype bytesPerLine_ = 0;
     QPoint offset_;

@@ -144,8 +144,8 @@ void LineBatch::rect(int layer, const QPen& pen, const QBrush& brush, const QRec
     // A fill without an outline leaves the painter's pen and brush alone:
     // boxes, letters and lines take turns thousands of times in a row.
     if (!direct_ && raster_ && pen.style() == Qt::NoPen) {
-        if (pixels_.active() && brush.style() == Qt::SolidPattern && brush.color().alpha() == 255)
-            pixels_.fill(r, brush.color().rgba());
+        if (brush.style() == Qt::SolidPattern)
+            pixels_.fill(r, brush.color());
         else
             painter_.fillRect(r, brush);
         ++count_;
@@ -330,13 +330,8 @@ void LineBatch::fillStraight(Layer& l)
     if (raster_) {
         // A solid fill needs neither pen nor brush: the painter's state stays
         // as the boxes and letters around it left it.
-        if (pixels_.active()) {
-            for (const QRect& r : rects_)
-                pixels_.fill(r, l.color.rgba());
-        } else {
-            for (const QRect& r : rects_)
-                painter_.fillRect(r, l.color);
-        }
+        for (const QRect& r : rects_)
+            pixels_.fill(r, l.color);
     } else {
         painter_.setPen(Qt::NoPen);
         painter_.setBrush(l.brush);
