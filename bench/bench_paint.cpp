@@ -13,6 +13,7 @@
 
 #include "benchtool.h"
 #include "generated_document.h"
+#include "processrun.h"
 #include "vokgui.h"
 #include "waveformdata.h"
 #include "waveview.h"
@@ -36,11 +37,7 @@ using namespace kesu::toolvok;
 
 namespace {
 
-struct Options {
-    int waves = 1000;
-    int segments = 10000;
-    int repeat = 15;
-    quint64 seed = 1;
+struct Options : RunOptions {
     QString pngDir;
     QString place;
     int bands = 0;
@@ -71,17 +68,12 @@ Figure measure(WaveView* view, int repeat, QImage& image)
 
 bool parse(int argc, char** argv, Options& opt)
 {
+    opt.repeat = 15;
     for (int i = 1; i < argc; ++i) {
         const bool more = i + 1 < argc;
-        if (!std::strcmp(argv[i], "--waves") && more)
-            opt.waves = std::atoi(argv[++i]);
-        else if (!std::strcmp(argv[i], "--segments") && more)
-            opt.segments = std::atoi(argv[++i]);
-        else if (!std::strcmp(argv[i], "--repeat") && more)
-            opt.repeat = std::max(1, std::atoi(argv[++i]));
-        else if (!std::strcmp(argv[i], "--seed") && more)
-            opt.seed = std::strtoull(argv[++i], nullptr, 10);
-        else if (!std::strcmp(argv[i], "--one-wave"))
+        if (takeRunOption(argc, argv, i, opt))
+            continue;
+        if (!std::strcmp(argv[i], "--one-wave"))
             opt.waves = 1, opt.segments = 10000000;
         else if (!std::strcmp(argv[i], "--place") && more)
             opt.place = QString::fromLocal8Bit(argv[++i]);
@@ -109,7 +101,7 @@ int main(int argc, char** argv)
     const std::unique_ptr<VokGUI>& gui = tool.gui;
 
     const double t0 = now();
-    for (int i = 0; i < opt.waves; ++i)
+    for (qint64 i = 0; i < opt.waves; ++i)
         gui->document()->addWave(makeGeneratedWave(opt.seed, i, opt.segments).release());
     const double built = now() - t0;
 
@@ -123,8 +115,8 @@ int main(int argc, char** argv)
     gui->Refresh();
     const quint64 end = gui->getMaxEnd();
 
-    std::printf("document: %d waves x %d segments, built in %.2f s; time axis 0..%llu\n", opt.waves, opt.segments,
-                built, static_cast<unsigned long long>(end));
+    std::printf("document: %lld waves x %lld segments, built in %.2f s; time axis 0..%llu\n",
+                static_cast<long long>(opt.waves), static_cast<long long>(opt.segments), built, static_cast<unsigned long long>(end));
     std::printf("view 1600 x 900, median of %d paints\n", opt.repeat);
 
     struct Place {

@@ -32,20 +32,36 @@ struct RunOptions {
     QString kept;
 };
 
+// Takes the option at argv[i] and its value when it is one of the common
+// ones, moving i onto the value; false leaves i where it was.
+inline bool takeRunOption(int argc, char** argv, int& i, RunOptions& opt)
+{
+    if (i + 1 >= argc)
+        return false;
+    const char* name = argv[i];
+    const char* value = argv[i + 1];
+    if (!std::strcmp(name, "--waves"))
+        opt.waves = std::atoll(value);
+    else if (!std::strcmp(name, "--segments"))
+        opt.segments = std::atoll(value);
+    else if (!std::strcmp(name, "--seed"))
+        opt.seed = std::strtoull(value, nullptr, 10);
+    else if (!std::strcmp(name, "--repeat"))
+        opt.repeat = std::max(1, std::atoi(value));
+    else
+        return false;
+    ++i;
+    return true;
+}
+
 inline RunOptions parseRunOptions(int argc, char** argv, const char* keepFlag)
 {
     RunOptions opt;
-    for (int i = 1; i + 1 < argc; i += 2) {
-        if (!std::strcmp(argv[i], "--waves"))
-            opt.waves = std::atoll(argv[i + 1]);
-        else if (!std::strcmp(argv[i], "--segments"))
-            opt.segments = std::atoll(argv[i + 1]);
-        else if (!std::strcmp(argv[i], "--seed"))
-            opt.seed = std::strtoull(argv[i + 1], nullptr, 10);
-        else if (!std::strcmp(argv[i], "--repeat"))
-            opt.repeat = std::max(1, std::atoi(argv[i + 1]));
-        else if (!std::strcmp(argv[i], keepFlag))
-            opt.kept = QString::fromLocal8Bit(argv[i + 1]);
+    for (int i = 1; i + 1 < argc; ++i) {
+        if (takeRunOption(argc, argv, i, opt))
+            continue;
+        if (!std::strcmp(argv[i], keepFlag))
+            opt.kept = QString::fromLocal8Bit(argv[++i]);
     }
     return opt;
 }
